@@ -1,0 +1,58 @@
+#pragma once
+
+#include "Table.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+/// @file
+/// The call families. Each function writes the files of one family; the text of a file that is the same as
+/// before is left alone, so that nothing is built again for it.
+
+namespace generator {
+
+/// The sources of a family are split by topic, so that no file is huge and every core has something to build.
+struct Topic {
+    std::string name; // "GL11": OpenGLTracer_GL11.cpp
+    std::vector<const EntryPoint*> entries;
+};
+std::vector<Topic> topicsOf(const std::vector<EntryPoint>& entries);
+
+/// The first line of every file that comes from the list of entry points.
+inline constexpr const char* generatedNotice = "// Generated from tables/gl_entry_points.tsv.\n";
+
+inline constexpr std::size_t columnLimit = 110;
+
+/// Writes `text` to `path` if it differs from what stands there.
+void writeFile(const std::filesystem::path& path, const std::string& text);
+
+/// `head`, the parts with ", " between them, `tail`; broken after a comma where the line would grow past the
+/// column limit, the following lines indented by four more than `indent` blanks.
+std::string list(std::size_t indent, const std::string& head, const std::vector<std::string>& parts,
+                 const std::string& tail);
+
+/// "const char* file", "unsigned int line" and the parameters with the plain types of the chain.
+std::vector<std::string> chainParameters(const EntryPoint& entry);
+/// The parameters as the GL headers write them.
+std::vector<std::string> glParameters(const EntryPoint& entry);
+/// "file", "line" and the parameter names.
+std::vector<std::string> chainArguments(const EntryPoint& entry);
+
+/// InterceptorEntries.inl, LayerEntries.inl: the declarations in the classes.
+void emitDeclarations(const std::vector<EntryPoint>& entries, const std::filesystem::path& directory);
+/// FunctionTable.h among the headers, FunctionNames.inl among the sources.
+void emitFunctionTable(const std::vector<EntryPoint>& entries, const std::filesystem::path& headers,
+                       const std::filesystem::path& sources);
+/// gl_intercept.h.
+void emitInterceptMacros(const std::vector<EntryPoint>& entries, const std::filesystem::path& directory);
+/// OpenGLErrorChecker_*.cpp.
+void emitErrorChecker(const std::vector<Topic>& topics, const std::filesystem::path& directory);
+/// OpenGLTracer_*.cpp.
+void emitTracer(const std::vector<Topic>& topics, const std::filesystem::path& directory);
+/// TokenRows.inl.
+void emitTokens(const std::vector<Token>& tokens, const std::filesystem::path& directory);
+/// EntryPoints.inl: one macro call for each entry, for fakes and sweeps.
+void emitEntryRows(const std::vector<EntryPoint>& entries, const std::filesystem::path& directory);
+
+} // namespace generator

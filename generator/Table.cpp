@@ -1,0 +1,240 @@
+#include "Table.h"
+
+#include <algorithm>
+#include <charconv>
+#include <istream>
+#include <map>
+#include <set>
+
+namespace generator {
+
+namespace {
+
+std::vector<std::string> split(const std::string& text, const std::string& separator) {
+    std::vector<std::string> parts;
+    std::string::size_type begin = 0;
+    for (;;) {
+        const std::string::size_type end = text.find(separator, begin);
+        parts.push_back(text.substr(begin, end - begin));
+        if (end == std::string::npos)
+            return parts;
+        begin = end + separator.size();
+    }
+}
+
+bool isIdentifier(const std::string& text) {
+    const auto letter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; };
+    const auto digit = [](char c) { return c >= '0' && c <= '9'; };
+    return !text.empty() && letter(text.front()) &&
+           std::ranges::all_of(text, [&](char c) { return letter(c) || digit(c); });
+}
+
+// The rows below a fixed heading, each with the number of columns of the heading.
+class Rows {
+public:
+    Rows(std::istream& in, std::string table, const std::string& heading)
+        : in_(in), table_(std::move(table)), columns_(split(heading, "\t").size()) {
+        std::string line;
+        if (!readLine(line) || line != heading)
+            fail("the heading is not '" + heading + "'");
+    }
+
+    bool next() {
+        std::string line;
+        if (!readLine(line))
+            return false;
+        cells_ = split(line, "\t");
+        if (cells_.size() != columns_)
+            fail(std::to_string(cells_.size()) + " columns instead of " + std::to_string(columns_));
+        return true;
+    }
+
+    const std::string& cell(std::size_t column) const { return cells_[column]; }
+
+    unsigned long number(std::size_t column, int base = 10) const {
+        std::string digits = cell(column);
+        if (base == 16 && digits.starts_with("0x"))
+            digits.erase(0, 2);
+        unsigned long value = 0;
+        const char* end = digits.data() + digits.size();
+        const auto [stop, error] = std::from_chars(digits.data(), end, value, base);
+        if (error != std::errc() || stop != end || digits.empty() || value > 0xFFFFFFFFul)
+            fail("'" + cell(column) + "' is not a 32-bit number");
+        return value;
+    }
+
+    [[noreturn]] void fail(const std::string& what) const { throw TableError(table_, row_, what); }
+
+private:
+    bool readLine(std::string& line) {
+        ++row_;
+        if (!std::getline(in_, line))
+            return false;
+        if (line.ends_with('\r'))
+            line.pop_back();
+        return true;
+    }
+
+    std::istream& in_;
+    std::string table_;
+    std::size_t columns_;
+    std::size_t row_ = 0;
+    std::vector<std::string> cells_;
+};
+
+void addName(std::set<std::string>& names, const std::string& name, const Rows& rows) {
+    if (!isIdentifier(name))
+        rows.fail("'" + name + "' is not a name");
+    if (!names.insert(name).second)
+        rows.fail("the name '" + name + "' stands twice");
+}
+
+Type typeOf(const std::string& gl, const Rows& rows) {
+    try {
+        return generator::typeOf(gl);
+    } catch (const std::invalid_argument& error) {
+        rows.fail(error.what());
+    }
+}
+
+// "const GLfloat m[16]": the array form counts as a pointer and keeps its brackets.
+Parameter parseParameter(const std::string& text, const Rows& rows) {
+    Parameter parameter;
+    const std::string::size_type blank = text.rfind(' ');
+    if (blank == std::string::npos)
+        rows.fail("'" + text + "' is not a type and a name");
+    std::string type = text.substr(0, blank);
+    parameter.name = text.substr(blank + 1);
+    const std::string::size_type bracket = parameter.name.find('[');
+    if (bracket != std::string::npos) {
+        parameter.array = parameter.name.substr(bracket);
+        parameter.name.erase(bracket);
+        type += "*";
+    }
+    if (!isIdentifier(parameter.name))
+        rows.fail("'" + parameter.name + "' is not a parameter name");
+    // The chain puts its own two in front.
+    if (parameter.name == "file" || parameter.name == "line")
+        rows.fail("the parameter name '" + parameter.name + "' is taken");
+    parameter.type = typeOf(type, rows);
+    if (parameter.type.plain == "void")
+        rows.fail("a parameter of type void");
+    return parameter;
+}
+
+std::vector<Parameter> parseParameters(const std::string& text, const Rows& rows) {
+    std::vector<Parameter> parameters;
+    if (text.empty())
+        return parameters;
+    std::set<std::string> names;
+    for (const std::string& part : split(text, ", ")) {
+        parameters.push_back(parseParameter(part, rows));
+        if (!names.insert(parameters.back().name).second)
+            rows.fail("two parameters are named '" + parameters.back().name + "'");
+    }
+    return parameters;
+}
+
+// Checks that the groups follow each other as the extensions do, each whole and once.
+class GroupOrder {
+public:
+    explicit GroupOrder(const std::vector<Extension>& extensions) {
+        groups_.push_back({"GL_VERSION_1_1", core11Count});
+        for (const Extension& extension : extensions)
+            if (extension.entryPoints > 0 && extension.name.starts_with("GL_"))
+                groups_.push_back({extension.name, extension.entryPoints});
+    }
+
+    void enter(const std::string& group, const Rows& rows) {
+        if (current_ < groups_.size() && seen_ == groups_[current_].count) {
+            ++current_;
+            seen_ = 0;
+        }
+        if (current_ == groups_.size())
+            rows.fail("more entries than the groups have");
+        const Group& expected = groups_[current_];
+        if (group != expected.name)
+            rows.fail("group '" + group + "' where entry " + std::to_string(seen_ + 1) + " of " +
+                      std::to_string(expected.count) + " of '" + expected.name + "' is due");
+        ++seen_;
+    }
+
+    void finish(const Rows& rows) const {
+        if (current_ + 1 != groups_.size() || seen_ != groups_.back().count)
+            rows.fail("the table ends at entry " + std::to_string(seen_) + " of '" + groups_[current_].name + "'");
+    }
+
+private:
+    struct Group {
+        std::string name;
+        std::size_t count;
+    };
+    std::vector<Group> groups_;
+    std::size_t current_ = 0;
+    std::size_t seen_ = 0;
+};
+
+} // namespace
+
+std::vector<Extension> readExtensions(std::istream& in) {
+    Rows rows(in, "extensions.tsv", "value\tname\tentry_points");
+    std::vector<Extension> extensions;
+    std::set<std::string> names;
+    while (rows.next()) {
+        Extension extension;
+        extension.value = static_cast<unsigned>(rows.number(0));
+        extension.name = rows.cell(1);
+        extension.entryPoints = rows.number(2);
+        if (extension.value != extensions.size())
+            rows.fail("value " + rows.cell(0) + " instead of " + std::to_string(extensions.size()));
+        addName(names, extension.name, rows);
+        extensions.push_back(std::move(extension));
+    }
+    return extensions;
+}
+
+std::vector<EntryPoint> readEntryPoints(std::istream& in, const std::vector<Extension>& extensions) {
+    Rows rows(in, "gl_entry_points.tsv", "virtual_slot\ttable_slot\tgroup\tname\tresult\tparameters");
+    GroupOrder groups(extensions);
+    std::vector<EntryPoint> entries;
+    std::set<std::string> names;
+    while (rows.next()) {
+        EntryPoint entry;
+        entry.slot = rows.number(0);
+        if (entry.slot != entries.size())
+            rows.fail("virtual slot " + rows.cell(0) + " instead of " + std::to_string(entries.size()));
+        entry.group = rows.cell(2);
+        groups.enter(entry.group, rows);
+        const std::string tableSlot = entry.isCore11() ? "-" : std::to_string(entry.slot - core11Count);
+        if (rows.cell(1) != tableSlot)
+            rows.fail("table slot " + rows.cell(1) + " instead of " + tableSlot);
+        entry.name = rows.cell(3);
+        addName(names, entry.name, rows);
+        if (entry.isCore11() && !entries.empty() && entry.name < entries.back().name)
+            rows.fail("'" + entry.name + "' stands after '" + entries.back().name + "'");
+        entry.result = rows.cell(4);
+        entry.plainResult = typeOf(entry.result, rows).plain;
+        entry.parameters = parseParameters(rows.cell(5), rows);
+        entries.push_back(std::move(entry));
+    }
+    groups.finish(rows);
+    return entries;
+}
+
+std::vector<Token> readTokens(std::istream& in) {
+    Rows rows(in, "gl_tokens.tsv", "value\tname");
+    std::vector<Token> tokens;
+    std::set<std::string> names;
+    while (rows.next()) {
+        Token token;
+        token.value = rows.number(0, 16);
+        token.name = rows.cell(1);
+        if (!tokens.empty() && token.value <= tokens.back().value)
+            rows.fail("value " + rows.cell(0) + " does not follow the row before it");
+        addName(names, token.name, rows);
+        tokens.push_back(std::move(token));
+    }
+    return tokens;
+}
+
+} // namespace generator

@@ -1,0 +1,87 @@
+#pragma once
+
+#include <cstddef>
+#include <iosfwd>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+/// @file
+/// The tables, read and checked. A table that is wrong in any way stops the build with the row number.
+
+namespace generator {
+
+/// "gl_entry_points.tsv, row 12: ...": the file, the row (the heading is row 1) and what is wrong there.
+class TableError : public std::runtime_error {
+public:
+    TableError(const std::string& table, std::size_t row, const std::string& what)
+        : std::runtime_error(table + ", row " + std::to_string(row) + ": " + what) {}
+};
+
+/// How a parameter becomes text; one form for each kind of GL type.
+enum class ValueForm {
+    enumerant,
+    boolean,
+    number,    // inserted as it is: decimal, by the stream's flags
+    handle,    // GLhandleARB
+    low32,     // 64-bit sizes and offsets
+    character, // GLbyte and GLubyte by value
+    floating,  // GLfloat: makeFloat() and the value
+    text,      // pointer to characters
+    pointer,
+};
+
+struct Type {
+    std::string gl;    // as the GL headers write it: "const GLubyte*"
+    std::string plain; // as the chain writes it: "const unsigned char*"
+    ValueForm form = ValueForm::number;
+    bool pointer = false;
+    bool pointerTo64Bit = false; // GLint64* is long* on one platform and long long* on another
+};
+
+struct Parameter {
+    Type type;
+    std::string name;
+    std::string array; // "[16]" where the GL header uses array syntax, else empty
+};
+
+struct EntryPoint {
+    std::size_t slot = 0; // virtual slot
+    std::string group;
+    std::string name; // without prefix: "BindTexture"
+    std::string result;      // GL type
+    std::string plainResult; // chain type
+    std::vector<Parameter> parameters;
+
+    bool isCore11() const { return group == "GL_VERSION_1_1"; }
+    bool hasResult() const { return result != "void"; }
+};
+
+/// Number of entries linked by name; the slots of the function table count from there.
+inline constexpr std::size_t core11Count = 336;
+
+struct Extension {
+    unsigned value = 0;
+    std::string name;
+    std::size_t entryPoints = 0;
+};
+
+struct Token {
+    unsigned long value = 0;
+    std::string name;
+};
+
+/// Reads extensions.tsv: ascending values, distinct names.
+std::vector<Extension> readExtensions(std::istream& in);
+
+/// Reads gl_entry_points.tsv. Checks the order, the slots, the names, the types, and that each group stands
+/// in the order of `extensions` with the number of entries given there.
+std::vector<EntryPoint> readEntryPoints(std::istream& in, const std::vector<Extension>& extensions);
+
+/// Reads gl_tokens.tsv: ascending 32-bit values, distinct names.
+std::vector<Token> readTokens(std::istream& in);
+
+/// The type of a parameter or result; throws std::invalid_argument on one that isn't known.
+Type typeOf(const std::string& gl);
+
+} // namespace generator

@@ -1,0 +1,83 @@
+#include "Table.h"
+
+#include <algorithm>
+#include <map>
+#include <stdexcept>
+
+namespace generator {
+
+namespace {
+
+struct Scalar {
+    const char* plain;
+    ValueForm byValue;
+    bool characterSized = false;
+    bool is64Bit = false;
+};
+
+// Every GL type that may stand in the table, without const and stars. A half float travels by value as 32 bits
+// in the chain; a pointer to half floats points at 16-bit values (see typeOf).
+const std::map<std::string, Scalar>& scalars() {
+    using enum ValueForm;
+    static const std::map<std::string, Scalar> table = {
+        {"void", {"void", pointer}},
+        {"GLenum", {"unsigned int", enumerant}},
+        {"GLuint", {"unsigned int", number}},
+        {"GLbitfield", {"unsigned int", number}},
+        {"GLhandleARB", {"unsigned int", handle}},
+        {"GLhalfNV", {"unsigned int", number}},
+        {"GLint", {"int", number}},
+        {"GLsizei", {"int", number}},
+        {"GLfloat", {"float", floating}},
+        {"GLclampf", {"float", floating}},
+        {"GLdouble", {"double", number}},
+        {"GLclampd", {"double", number}},
+        {"GLboolean", {"unsigned char", boolean, true}},
+        {"GLubyte", {"unsigned char", character, true}},
+        {"GLbyte", {"signed char", character, true}},
+        {"GLchar", {"char", character, true}},
+        {"GLcharARB", {"char", character, true}},
+        {"GLshort", {"short", number}},
+        {"GLushort", {"unsigned short", number}},
+        {"GLintptr", {"long long", low32, false, true}},
+        {"GLsizeiptr", {"long long", low32, false, true}},
+        {"GLintptrARB", {"long long", low32, false, true}},
+        {"GLsizeiptrARB", {"long long", low32, false, true}},
+        {"GLint64", {"long long", number, false, true}},
+        {"GLint64EXT", {"long long", number, false, true}},
+        {"GLuint64", {"unsigned long long", number, false, true}},
+        {"GLuint64EXT", {"unsigned long long", number, false, true}},
+        {"GLsync", {"struct __GLsync*", pointer}},
+    };
+    return table;
+}
+
+} // namespace
+
+Type typeOf(const std::string& gl) {
+    const std::string::size_type star = gl.find('*');
+    std::string base = gl.substr(0, star);
+    const std::string stars = star == std::string::npos ? "" : gl.substr(star);
+    const bool isConst = base.starts_with("const ");
+    if (isConst)
+        base.erase(0, 6);
+    const auto found = scalars().find(base);
+    const bool starsOnly = std::ranges::all_of(stars, [](char c) { return c == '*'; });
+    if (found == scalars().end() || !starsOnly || (isConst && stars.empty()))
+        throw std::invalid_argument("unknown type '" + gl + "'");
+
+    const Scalar& scalar = found->second;
+    Type type;
+    type.gl = gl;
+    type.pointer = !stars.empty();
+    const bool halfPointer = base == "GLhalfNV" && type.pointer;
+    type.plain = (isConst ? "const " : "") + std::string(halfPointer ? "unsigned short" : scalar.plain) + stars;
+    type.pointerTo64Bit = type.pointer && scalar.is64Bit;
+    if (!type.pointer)
+        type.form = scalar.byValue;
+    else
+        type.form = stars == "*" && scalar.characterSized ? ValueForm::text : ValueForm::pointer;
+    return type;
+}
+
+} // namespace generator

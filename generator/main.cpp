@@ -1,0 +1,52 @@
+#include "Emit.h"
+
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+
+namespace {
+
+std::ifstream open(const std::filesystem::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    if (!in)
+        throw std::runtime_error("cannot read " + path.string());
+    return in;
+}
+
+void generate(const std::filesystem::path& tables, const std::filesystem::path& output) {
+    using namespace generator;
+    std::ifstream extensionRows = open(tables / "extensions.tsv");
+    std::ifstream entryRows = open(tables / "gl_entry_points.tsv");
+    std::ifstream tokenRows = open(tables / "gl_tokens.tsv");
+    const std::vector<EntryPoint> entries = readEntryPoints(entryRows, readExtensions(extensionRows));
+    const std::vector<Token> tokens = readTokens(tokenRows);
+    const std::vector<Topic> topics = topicsOf(entries);
+
+    const std::filesystem::path headers = output / "include" / "extensionator";
+    emitDeclarations(entries, headers);
+    emitInterceptMacros(entries, headers);
+
+    const std::filesystem::path sources = output / "src" / "extensionator";
+    emitFunctionTable(entries, headers, sources);
+    emitErrorChecker(topics, sources);
+    emitTracer(topics, sources);
+    emitTokens(tokens, sources);
+    emitEntryRows(entries, output / "tests");
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 3) {
+        std::cerr << "usage: zlt_generator TABLES OUTPUT\n";
+        return 2;
+    }
+    try {
+        generate(argv[1], argv[2]);
+    } catch (const std::exception& error) {
+        std::cerr << "zlt_generator: " << error.what() << '\n';
+        return 1;
+    }
+    return 0;
+}
