@@ -1,0 +1,49 @@
+# Runs the generator over tables/ and lists what it writes.
+#   zlt_generated_headers   for clients, below ${zlt_generated}/include
+#   zlt_generated_sources   of the library, below ${zlt_generated}/src
+#   zlt_generated_tests     rows for the fake driver and the sweeps, below ${zlt_generated}/tests
+set(zlt_generated ${PROJECT_BINARY_DIR}/generated)
+set(zlt_tables ${PROJECT_SOURCE_DIR}/tables)
+
+# The generator runs while the project is built, so it is always a program of the host.
+if(CMAKE_CROSSCOMPILING)
+  include(ExternalProject)
+  set(zlt_generator ${PROJECT_BINARY_DIR}/host/zlt_generator)
+  ExternalProject_Add(host_generator
+    SOURCE_DIR ${PROJECT_SOURCE_DIR}/generator
+    BINARY_DIR ${PROJECT_BINARY_DIR}/host
+    CMAKE_ARGS -DCMAKE_BUILD_TYPE=Release
+    BUILD_BYPRODUCTS ${zlt_generator}
+    BUILD_ALWAYS ON
+    INSTALL_COMMAND "")
+  set(zlt_generator_target host_generator)
+else()
+  add_subdirectory(generator)
+  set(zlt_generator zlt_generator)
+  set(zlt_generator_target zlt_generator)
+endif()
+
+set(zlt_generated_headers)
+foreach(name InterceptorEntries.inl LayerEntries.inl FunctionTable.h gl_intercept.h)
+  list(APPEND zlt_generated_headers ${zlt_generated}/include/extensionator/${name})
+endforeach()
+set(zlt_generated_sources)
+foreach(topic GL11 GL12to30 ARB EXT NV Vendors)
+  foreach(family OpenGLErrorChecker OpenGLTracer)
+    list(APPEND zlt_generated_sources ${zlt_generated}/src/extensionator/${family}_${topic}.cpp)
+  endforeach()
+endforeach()
+set(zlt_generated_rows
+  ${zlt_generated}/src/extensionator/FunctionNames.inl
+  ${zlt_generated}/src/extensionator/TokenRows.inl)
+set(zlt_generated_tests ${zlt_generated}/tests/EntryPoints.inl)
+
+add_custom_command(
+  OUTPUT ${zlt_generated_headers} ${zlt_generated_sources} ${zlt_generated_rows} ${zlt_generated_tests}
+  COMMAND ${zlt_generator} ${zlt_tables} ${zlt_generated}
+  DEPENDS ${zlt_generator_target} ${zlt_tables}/gl_entry_points.tsv ${zlt_tables}/gl_tokens.tsv
+          ${zlt_tables}/extensions.tsv
+  COMMENT "Generating the call families"
+  VERBATIM)
+add_custom_target(zlt_generate DEPENDS ${zlt_generated_headers} ${zlt_generated_sources} ${zlt_generated_rows}
+  ${zlt_generated_tests})

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "Export.h"
+
+/// @file
+/// The chain of layers through which a client's GL calls pass, and the macro that calls it.
+
+struct __GLsync;
+
+namespace ZLT::OGL {
+
+class OpenGLInterceptorDecorator;
+
+/// One virtual operation for each of 1,833 GL functions. A client calls these instead of GL:
+///
+///     OpenGLInterceptor::Instance()->cgmBindTexture(__FILE__, __LINE__, GL_TEXTURE_2D, name);
+///     CGM(BindTexture, GL_TEXTURE_2D, name); // the same
+///
+/// The call passes through the layers that were added, from the newest to the oldest, and ends in an
+/// OpenGLErrorChecker, which calls the driver and throws ExceptionOGL when `glGetError` has something to say.
+///
+/// The call shape is the same for all: `glName` becomes `cgmName`; `file` and `line` of the client's call come
+/// first, then the GL function's own parameters, in plain types (`unsigned int` for `GLenum`, `long long` for
+/// `GLsizeiptr`); the result is the GL function's. Half floats travel by value as `unsigned int`.
+///
+/// Layers are added and taken off by one thread at a time, while no other is in a call. The entries themselves
+/// may be called from any thread that has a current context; they share the layers and their state.
+class ZLT_OGL_API OpenGLInterceptor {
+public:
+    OpenGLInterceptor(const OpenGLInterceptor&) = delete;
+    OpenGLInterceptor& operator=(const OpenGLInterceptor&) = delete;
+
+    /// The head of the chain: the layer that was added last, or the OpenGLErrorChecker, which is made when the
+    /// chain is empty. The chain owns the checker and the client every other layer. Needs no context and no
+    /// initialised library. Null only when there was no memory for the checker.
+    static OpenGLInterceptor* Instance();
+
+    /// Deletes the checker and empties the chain, which does nothing to an empty one. Pop all layers first.
+    /// @throws InternalException "Enforce dynamic_cast<OpenGLErrorChecker *>(gInterceptor) != NULL" while a
+    ///         layer is installed; the chain is unchanged then
+    static void destroy();
+
+    /// Pushes `layer` in front of the chain, and makes the old head its next layer, whatever its constructor
+    /// was given. Works on the one chain of the process, from whichever layer it is called. Nothing is
+    /// checked: a null layer is the caller's error, and a layer that is added twice makes a cycle.
+    /// @param layer  stays the client's, and must live until it was popped
+    void addInterceptor(OpenGLInterceptorDecorator* layer);
+
+    /// Takes the head off the chain and hands it back to its owner; its next layer is left as it was.
+    /// @return null, and nothing is changed, when only the checker is there or nothing at all
+    OpenGLInterceptorDecorator* popInterceptor();
+
+#include "extensionator/InterceptorEntries.inl"
+
+    // The last virtual slot, behind all entries.
+    virtual ~OpenGLInterceptor();
+
+protected:
+    OpenGLInterceptor();
+};
+
+} // namespace ZLT::OGL
+
+/// Calls `gl<name>` through the chain, with the file and line of this place:
+/// `CGM(Clear, GL_COLOR_BUFFER_BIT)`, `CGM(Finish)`.
+#define CGM(name, ...)                                                                                       \
+    (::ZLT::OGL::OpenGLInterceptor::Instance()->cgm##name(__FILE__, __LINE__ __VA_OPT__(, ) __VA_ARGS__))
