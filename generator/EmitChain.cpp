@@ -69,8 +69,10 @@ void emitInterceptMacros(const std::vector<EntryPoint>& entries, const std::file
 /// then stands for the `cgm` entry of that name with the file and line of the call. The calls are C++, and a
 /// GL error is an exception. What is no call (an address such as `&glFlush`) still means GL itself.
 ///
-/// The macros take every name that is followed by an opening bracket, so a source that also calls members of
-/// these names (`table().glUniform1i(...)`) does so in front of this header.
+/// The macros take every name that is followed by an opening bracket. So all headers that declare GL functions
+/// or call them inline, and sources that call members of these names (`table().glUniform1i(...)`), come in
+/// front of this header. A program that defines GL_GLEXT_PROTOTYPES in its sources, for functions that came
+/// after GL 3.0, needs it in front as well: on the command line, when the header is included from there.
 
 #ifndef __cplusplus
 #error "gl_intercept.h needs a C++ compiler: build this source as C++"
@@ -80,17 +82,8 @@ void emitInterceptMacros(const std::vector<EntryPoint>& entries, const std::file
 #if defined(_WIN32)
 #include <windows.h>
 #endif
-#ifndef GL_GLEXT_PROTOTYPES
-// For the functions that came after GL 3.0, which stay GL's own.
-#define GL_GLEXT_PROTOTYPES
-#define ZLT_OGL_UNDEFINE_PROTOTYPES
-#endif
 #include <GL/gl.h>
 #include <GL/glext.h>
-#ifdef ZLT_OGL_UNDEFINE_PROTOTYPES
-#undef GL_GLEXT_PROTOTYPES
-#undef ZLT_OGL_UNDEFINE_PROTOTYPES
-#endif
 
 #include "extensionator/OpenGLInterceptor.h"
 
@@ -100,12 +93,11 @@ void emitInterceptMacros(const std::vector<EntryPoint>& entries, const std::file
         std::vector<std::string> arguments = {"__FILE__", "__LINE__"};
         for (const Parameter& parameter : entry.parameters) {
             names.push_back(parameter.name);
-            // Later GL headers add a const inside these pointers, and 64-bit integers have two names; the cast
-            // accepts a source that was written for either.
+            // The cast accepts what a C compiler does, a void* for any pointer, and either spelling where GL
+            // headers differ: a const inside a pointer to pointers, two names of the 64-bit integers.
             const std::string& plain = parameter.type.plain;
-            const bool inner = plain.ends_with("**") || parameter.type.pointerTo64Bit;
-            const bool multi = entry.name.starts_with("MultiDraw") && parameter.type.pointer;
-            arguments.push_back(inner || multi ? "(" + plain + ")(" + parameter.name + ")" : parameter.name);
+            const bool typed = parameter.type.pointer && plain != "void*" && plain != "const void*";
+            arguments.push_back(typed ? "(" + plain + ")(" + parameter.name + ")" : parameter.name);
         }
         const auto join = [](const std::vector<std::string>& parts) { return list(0, "", parts, ""); };
         std::string head = list(0, "#define gl" + entry.name + "(", names, ") \\\n");
