@@ -1,1 +1,44 @@
+# What `cmake --install` puts where: headers below include/zlt_ogl with the paths that the sources use, the
+# two libraries, a CMake configuration and a pkg-config file.
+include(CMakePackageConfigHelpers)
 
+install(TARGETS zlt_core zlt_ogl EXPORT zlt_oglTargets
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+
+set(public_headers
+  Export.h
+  ExceptionOGL.h
+  extensionator/OpenGLErrorChecker.h
+  extensionator/OpenGLInterceptor.h
+  extensionator/OpenGLInterceptorDecorator.h
+  extensionator/OpenGLTracer.h
+  extensionator/TokenName.h
+  zlt/core/Core.h
+  zlt/core/Enforce.h
+  zlt/core/Exceptions.h
+  zlt/core/Export.h
+  zlt/core/Math.h
+  zlt/core/Memory.h
+  zlt/core/memory/ZLTAllocator.h
+  zlt/core/memory/ZLTDeleter.h)
+foreach(header IN LISTS public_headers)
+  cmake_path(GET header PARENT_PATH folder)
+  install(FILES ${PROJECT_SOURCE_DIR}/src/${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zlt_ogl/${folder})
+endforeach()
+install(FILES ${zlt_generated_headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zlt_ogl/extensionator)
+
+set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/zlt_ogl)
+install(EXPORT zlt_oglTargets NAMESPACE zlt_ogl:: DESTINATION ${package_folder})
+configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/zlt_oglConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/zlt_oglConfig.cmake INSTALL_DESTINATION ${package_folder})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/zlt_oglConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/zlt_oglConfig.cmake ${PROJECT_BINARY_DIR}/zlt_oglConfigVersion.cmake
+  DESTINATION ${package_folder})
+
+# The prefix is found from where the file lies, so that an installed tree can be moved.
+file(RELATIVE_PATH zlt_pc_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+string(REGEX REPLACE "/$" "" zlt_pc_prefix "${zlt_pc_prefix}")
+configure_file(${PROJECT_SOURCE_DIR}/cmake/zlt_ogl.pc.in ${PROJECT_BINARY_DIR}/zlt_ogl.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/zlt_ogl.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

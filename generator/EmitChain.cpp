@@ -51,7 +51,8 @@ void emitFunctionTable(const std::vector<EntryPoint>& entries, const std::filesy
             group = entry.group;
             table += "    // " + group + "\n";
         }
-        table += list(4, entry.result + "(APIENTRY* gl" + entry.name + ")(", glParameters(entry), ");") + '\n';
+        table +=
+            list(4, entry.result + "(APIENTRY* gl" + entry.name + ")(", glParameters(entry), ");") + '\n';
         names += "\"gl" + entry.name + "\",\n";
     }
     table += "};\n\n} // namespace ZLT::OGL\n";
@@ -99,10 +100,9 @@ void emitInterceptMacros(const std::vector<EntryPoint>& entries, const std::file
             const bool typed = parameter.type.pointer && plain != "void*" && plain != "const void*";
             arguments.push_back(typed ? "(" + plain + ")(" + parameter.name + ")" : parameter.name);
         }
-        const auto join = [](const std::vector<std::string>& parts) { return list(0, "", parts, ""); };
         std::string head = list(0, "#define gl" + entry.name + "(", names, ") \\\n");
-        std::string body = list(4, "::ZLT::OGL::OpenGLInterceptor::Instance()->cgm" + entry.name + "(",
-                                {join(arguments)}, ")");
+        std::string body =
+            list(4, "::ZLT::OGL::OpenGLInterceptor::Instance()->cgm" + entry.name + "(", arguments, ")");
         // A line end inside a macro needs its backslash.
         for (std::string* part : {&head, &body}) {
             for (std::string::size_type at = 0; (at = part->find('\n', at)) != std::string::npos; ++at)
@@ -111,7 +111,8 @@ void emitInterceptMacros(const std::vector<EntryPoint>& entries, const std::file
                     at += 2;
                 }
         }
-        text += "#undef gl" + entry.name + '\n' + head + body + '\n';
+        text += "#undef gl" + entry.name + '\n';
+        text += head + body + '\n';
     }
     writeFile(directory / "gl_intercept.h", text);
 }

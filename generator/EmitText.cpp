@@ -72,8 +72,9 @@ void emitTracer(const std::vector<Topic>& topics, const std::filesystem::path& d
             }
             parts.push_back("\")\\n\"");
             text += "    std::ostream& out = *outputStream_;\n" + insertions(parts);
-            text += list(4, (entry->hasResult() ? "return interceptor()->cgm" : "interceptor()->cgm") +
-                                entry->name + "(",
+            text += list(4,
+                         (entry->hasResult() ? "return interceptor()->cgm" : "interceptor()->cgm") +
+                             entry->name + "(",
                          chainArguments(*entry), ");\n}\n");
         }
         text += "\n} // namespace ZLT::OGL\n";
@@ -90,14 +91,15 @@ void emitTokens(const std::vector<Token>& tokens, const std::filesystem::path& d
 
 void emitEntryRows(const std::vector<EntryPoint>& entries, const std::filesystem::path& directory) {
     std::string text = generatedNotice;
-    text += "// ZLT_GL_ENTRY(slot, group, name, result, (parameters), (arguments)); ZLT_GL_CORE_ENTRY for the\n"
-            "// functions of GL 1.1, which are linked by name.\n";
+    text +=
+        "// ZLT_GL_ENTRY(slot, group, name, result, (parameters), (arguments)); ZLT_GL_CORE_ENTRY for the\n"
+        "// functions of GL 1.1, which are linked by name.\n";
     for (const EntryPoint& entry : entries) {
         std::vector<std::string> names;
         for (const Parameter& parameter : entry.parameters)
             names.push_back(parameter.name);
-        text += (entry.isCore11() ? "ZLT_GL_CORE_ENTRY(" : "ZLT_GL_ENTRY(") + std::to_string(entry.slot) + ", " +
-                entry.group + ", " + entry.name + ", " + entry.result + ", " +
+        text += (entry.isCore11() ? "ZLT_GL_CORE_ENTRY(" : "ZLT_GL_ENTRY(") + std::to_string(entry.slot) +
+                ", " + entry.group + ", " + entry.name + ", " + entry.result + ", " +
                 list(0, "(", glParameters(entry), ")") + ", " + list(0, "(", names, ")") + ")\n";
     }
     writeFile(directory / "EntryPoints.inl", text);

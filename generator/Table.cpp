@@ -161,7 +161,8 @@ public:
 
     void finish(const Rows& rows) const {
         if (current_ + 1 != groups_.size() || seen_ != groups_.back().count)
-            rows.fail("the table ends at entry " + std::to_string(seen_) + " of '" + groups_[current_].name + "'");
+            rows.fail("the table ends at entry " + std::to_string(seen_) + " of '" + groups_[current_].name +
+                      "'");
     }
 
 private:

@@ -48,7 +48,7 @@ struct Parameter {
 struct EntryPoint {
     std::size_t slot = 0; // virtual slot
     std::string group;
-    std::string name; // without prefix: "BindTexture"
+    std::string name;        // without prefix: "BindTexture"
     std::string result;      // GL type
     std::string plainResult; // chain type
     std::vector<Parameter> parameters;

@@ -15,8 +15,8 @@ struct Scalar {
     bool is64Bit = false;
 };
 
-// Every GL type that may stand in the table, without const and stars. A half float travels by value as 32 bits
-// in the chain; a pointer to half floats points at 16-bit values (see typeOf).
+// Every GL type that may stand in the table, without const and stars. A half float travels by value as 32
+// bits in the chain; a pointer to half floats points at 16-bit values (see typeOf).
 const std::map<std::string, Scalar>& scalars() {
     using enum ValueForm;
     static const std::map<std::string, Scalar> table = {
@@ -71,7 +71,8 @@ Type typeOf(const std::string& gl) {
     type.gl = gl;
     type.pointer = !stars.empty();
     const bool halfPointer = base == "GLhalfNV" && type.pointer;
-    type.plain = (isConst ? "const " : "") + std::string(halfPointer ? "unsigned short" : scalar.plain) + stars;
+    type.plain =
+        (isConst ? "const " : "") + std::string(halfPointer ? "unsigned short" : scalar.plain) + stars;
     type.pointerTo64Bit = type.pointer && scalar.is64Bit;
     if (!type.pointer)
         type.form = scalar.byValue;

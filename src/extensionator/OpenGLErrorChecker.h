@@ -4,18 +4,19 @@
 
 namespace ZLT::OGL {
 
-/// The last layer of the chain: calls the driver, then `glGetError`, and throws ExceptionOGL with the client's
-/// file and line when that reports an error. OpenGLInterceptor::Instance() makes the one that ends the chain.
+/// The last layer of the chain: calls the driver, then `glGetError`, and throws ExceptionOGL with the
+/// client's file and line when that reports an error. OpenGLInterceptor::Instance() makes the one that ends
+/// the chain.
 ///
-/// Each entry needs a current context, and the driver must have the function: an entry outside GL 1.1 that the
-/// driver lacks is a call through a null pointer. A call reads one error; others that the driver holds stay
-/// set for later calls, and an error that was left over from a call outside the chain is reported by the next
-/// call inside it, with that call's file and line.
+/// Each entry needs a current context, and the driver must have the function: an entry outside GL 1.1 that
+/// the driver lacks is a call through a null pointer. A call reads one error; others that the driver holds
+/// stay set for later calls, and an error that was left over from a call outside the chain is reported by the
+/// next call inside it, with that call's file and line.
 ///
-/// Between `cgmBegin` and `cgmEnd`, where `glGetError` is not allowed, nothing is checked; `cgmEnd` reports what
-/// went wrong since. A second `cgmBegin`, and a `cgmEnd` without `cgmBegin`, throw "Unbalanced glBegin()!" and
-/// "Unbalanced glEnd()!" with error number 0 and don't reach the driver. There is one balance for the process:
-/// two threads that draw in immediate mode at the same time confuse it.
+/// Between `cgmBegin` and `cgmEnd`, where `glGetError` is not allowed, nothing is checked; `cgmEnd` reports
+/// what went wrong since. A second `cgmBegin`, and a `cgmEnd` without `cgmBegin`, throw "Unbalanced
+/// glBegin()!" and "Unbalanced glEnd()!" with error number 0 and don't reach the driver. There is one balance
+/// for the process: two threads that draw in immediate mode at the same time confuse it.
 ///
 /// `cgmGetError` follows the same rule: it returns a pending error, and throws when a second one was pending,
 /// on that second one.

@@ -25,7 +25,7 @@ void OpenGLInterceptor::destroy() {
         return;
     // The rule's text is known to clients; keep its spelling.
     // clang-format off
-    ZLT_ENFORCE(dynamic_cast<OpenGLErrorChecker *>(gInterceptor) != NULL);
+    ZLT_ENFORCE(dynamic_cast<OpenGLErrorChecker *>(gInterceptor) != NULL); // NOLINT(modernize-use-nullptr)
     // clang-format on
     auto* checker = static_cast<OpenGLErrorChecker*>(gInterceptor);
     checker->~OpenGLErrorChecker();

@@ -5,7 +5,7 @@
 /// @file
 /// The chain of layers through which a client's GL calls pass, and the macro that calls it.
 
-struct __GLsync;
+struct __GLsync; // NOLINT(bugprone-reserved-identifier): GL's own name
 
 namespace ZLT::OGL {
 
@@ -19,20 +19,21 @@ class OpenGLInterceptorDecorator;
 /// The call passes through the layers that were added, from the newest to the oldest, and ends in an
 /// OpenGLErrorChecker, which calls the driver and throws ExceptionOGL when `glGetError` has something to say.
 ///
-/// The call shape is the same for all: `glName` becomes `cgmName`; `file` and `line` of the client's call come
-/// first, then the GL function's own parameters, in plain types (`unsigned int` for `GLenum`, `long long` for
-/// `GLsizeiptr`); the result is the GL function's. Half floats travel by value as `unsigned int`.
+/// The call shape is the same for all: `glName` becomes `cgmName`; `file` and `line` of the client's call
+/// come first, then the GL function's own parameters, in plain types (`unsigned int` for `GLenum`, `long
+/// long` for `GLsizeiptr`); the result is the GL function's. Half floats travel by value as `unsigned int`.
 ///
-/// Layers are added and taken off by one thread at a time, while no other is in a call. The entries themselves
-/// may be called from any thread that has a current context; they share the layers and their state.
+/// Layers are added and taken off by one thread at a time, while no other is in a call. The entries
+/// themselves may be called from any thread that has a current context; they share the layers and their
+/// state.
 class ZLT_OGL_API OpenGLInterceptor {
 public:
     OpenGLInterceptor(const OpenGLInterceptor&) = delete;
     OpenGLInterceptor& operator=(const OpenGLInterceptor&) = delete;
 
-    /// The head of the chain: the layer that was added last, or the OpenGLErrorChecker, which is made when the
-    /// chain is empty. The chain owns the checker and the client every other layer. Needs no context and no
-    /// initialised library. Null only when there was no memory for the checker.
+    /// The head of the chain: the layer that was added last, or the OpenGLErrorChecker, which is made when
+    /// the chain is empty. The chain owns the checker and the client every other layer. Needs no context and
+    /// no initialised library. Null only when there was no memory for the checker.
     static OpenGLInterceptor* Instance();
 
     /// Deletes the checker and empties the chain, which does nothing to an empty one. Pop all layers first.

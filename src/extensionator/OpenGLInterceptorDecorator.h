@@ -11,7 +11,7 @@ namespace ZLT::OGL {
 class ZLT_OGL_API OpenGLInterceptorDecorator : public OpenGLInterceptor {
 public:
     /// @param next  the next layer towards the checker, not owned; addInterceptor() replaces it
-    OpenGLInterceptorDecorator(OpenGLInterceptor* next = 0);
+    OpenGLInterceptorDecorator(OpenGLInterceptor* next = nullptr);
     ~OpenGLInterceptorDecorator() override;
 
     /// The next layer; null until one was set, and then no call may pass.

@@ -16,8 +16,8 @@ namespace ZLT::OGL {
 /// numbers follow the flags, the precision and the locale of the stream, which the tracer never touches.
 ///
 /// A parameter that points at characters or bytes (`GLchar`, `GLubyte`, `GLbyte`, `GLboolean`) is written as
-/// text up to a zero byte, also where it is binary data or memory for a result. It must be readable so far and
-/// not null.
+/// text up to a zero byte, also where it is binary data or memory for a result. It must be readable so far
+/// and not null.
 ///
 /// The tracer neither flushes nor tests the stream: what a failed stream loses is lost, and the call goes on.
 /// When the stream is set to throw, the exception leaves the entry and the call is not made. The tracer takes
@@ -26,7 +26,7 @@ class ZLT_OGL_API OpenGLTracer : public OpenGLInterceptorDecorator {
 public:
     /// @param out   where to write; not owned, and must outlive the tracer's use
     /// @param next  the next layer; addInterceptor() replaces it. No call may pass while it is null
-    OpenGLTracer(std::ostream& out = std::cout, OpenGLInterceptor* next = 0);
+    OpenGLTracer(std::ostream& out = std::cout, OpenGLInterceptor* next = nullptr);
     /// Neither flushes nor closes the stream.
     ~OpenGLTracer() override;
 

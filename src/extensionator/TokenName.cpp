@@ -11,8 +11,8 @@ namespace ZLT::OGL {
 
 namespace {
 
-// All names one after the other, so that the tables below hold offsets and the loader has nothing to relocate.
-// "Unknown Token" stands at offset 0.
+// All names one after the other, so that the tables below hold offsets and the loader has nothing to
+// relocate. "Unknown Token" stands at offset 0.
 constexpr char text[] = "Unknown Token\0"
 #define ZLT_GL_TOKEN(value, name) name "\0"
 #include "extensionator/TokenRows.inl"
@@ -20,22 +20,26 @@ constexpr char text[] = "Unknown Token\0"
     ;
 static_assert(sizeof(text) <= 0x10000, "offsets have 16 bits");
 
-struct Token {
+struct Row {
     std::uint32_t value;
-    std::uint16_t offset;
+    std::size_t size;
 };
-
-constexpr auto tokens = [] {
-    std::array tokens = {
-#define ZLT_GL_TOKEN(value, name) Token{value, sizeof(name)},
+constexpr Row rows[] = {
+#define ZLT_GL_TOKEN(value, name) {value, sizeof(name)},
 #include "extensionator/TokenRows.inl"
 #undef ZLT_GL_TOKEN
-    };
+};
+
+struct Token {
+    std::uint32_t value = 0;
+    std::uint16_t offset = 0;
+};
+constexpr auto tokens = [] {
+    std::array<Token, std::size(rows)> tokens;
     std::size_t offset = sizeof("Unknown Token");
-    for (Token& token : tokens) {
-        const std::size_t size = token.offset;
-        token.offset = static_cast<std::uint16_t>(offset);
-        offset += size;
+    for (std::size_t i = 0; i < tokens.size(); ++i) {
+        tokens[i] = {rows[i].value, static_cast<std::uint16_t>(offset)};
+        offset += rows[i].size;
     }
     return tokens;
 }();
@@ -85,7 +89,8 @@ constexpr auto bits = [] {
 }();
 
 constexpr std::size_t maskCount = std::ranges::count_if(
-    tokens, [](std::uint32_t value) { return value >= enumerantEnd && !std::has_single_bit(value); }, &Token::value);
+    tokens, [](std::uint32_t value) { return value >= enumerantEnd && !std::has_single_bit(value); },
+    &Token::value);
 
 constexpr auto masks = [] {
     std::array<Token, maskCount> masks;

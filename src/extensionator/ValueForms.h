@@ -15,9 +15,9 @@
 /// @file
 /// How a value of a GL call becomes text: one inserter for each form, used by every layer that writes.
 ///
-/// A number goes by the stream's own inserter, which follows its flags, precision, width and locale; while all
-/// of these are as in a new stream, a short route writes the same bytes in a fraction of the time. Text needs
-/// no short route. Streams that fail or throw behave alike on both, since either ends in one insertion.
+/// A number goes by the stream's own inserter, which follows its flags, precision, width and locale; while
+/// all of these are as in a new stream, a short route writes the same bytes in a fraction of the time. Text
+/// needs no short route. Streams that fail or throw behave alike on both, since either ends in one insertion.
 
 namespace ZLT::OGL::ValueForms {
 

@@ -1,0 +1,90 @@
+// Draws a scene through the chain, with a tracer in front of the checker, and shows what a wrong call looks
+// like: trace_scene [FOLDER] writes trace.txt and frame.png there.
+
+#include "ExceptionOGL.h"
+#include "HeadlessContext.h"
+#include "Png.h"
+#include "Scene.h"
+#include "extensionator/OpenGLInterceptor.h"
+#include "extensionator/OpenGLTracer.h"
+#include "extensionator/TokenName.h"
+#include "zlt/core/Core.h"
+
+#include <GL/gl.h>
+
+#include <cstdint>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <stdexcept>
+#include <vector>
+
+using namespace ZLT::OGL;
+
+namespace {
+
+constexpr int width = 960;
+constexpr int height = 640;
+
+std::vector<std::uint8_t> readFrame() {
+    std::vector<std::uint8_t> pixels(std::size_t(width) * height * 3);
+    CGM(PixelStorei, GL_PACK_ALIGNMENT, 1);
+    CGM(ReadPixels, 0, 0, width, height, GL_RGB, GL_UNSIGNED_BYTE, pixels.data());
+    return pixels;
+}
+
+void makeMistake() {
+    try {
+        CGM(Enable, GL_TEXTURE_MAG_FILTER); // a parameter of textures, nothing that can be enabled
+        std::cout << "The driver took a wrong call without an error.\n";
+    } catch (const ExceptionOGL& error) {
+        std::cout << "A wrong call, on purpose:\n"
+                  << "  file:   " << error.file() << '\n'
+                  << "  line:   " << error.line() << '\n'
+                  << "  error:  " << TokenName(error.errorNumber()) << ", " << error.errorNumber() << '\n'
+                  << "  text:   " << error.what() << '\n';
+    }
+}
+
+void run(const std::filesystem::path& folder) {
+    const HeadlessContext context(width, height, 4);
+    std::cout << "Renderer: " << CGM(GetString, GL_RENDERER) << '\n';
+
+    std::ofstream trace(folder / "trace.txt");
+    if (!trace)
+        throw std::runtime_error("cannot write " + (folder / "trace.txt").string());
+    OpenGLTracer tracer(trace);
+    OpenGLInterceptor::Instance()->addInterceptor(&tracer);
+
+    {
+        Scene scene(width, height);
+        scene.draw(12.0f);
+        writePng(folder / "frame.png", width, height, readFrame());
+        makeMistake();
+    }
+
+    OpenGLInterceptor::Instance()->popInterceptor();
+    OpenGLInterceptor::destroy();
+    std::cout << "Picture:  " << (folder / "frame.png").string() << '\n'
+              << "Trace:    " << (folder / "trace.txt").string() << '\n';
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        const std::filesystem::path folder = argc > 1 ? argv[1] : ".";
+        std::filesystem::create_directories(folder);
+        ZLT::Core::Library::initialize();
+        run(std::filesystem::absolute(folder));
+        ZLT::Core::Library::terminate(&std::cerr);
+        return 0;
+    } catch (const ZLT::LogicalException& error) {
+        error.write(std::cerr);
+        std::cerr << '\n';
+    } catch (const std::exception& error) {
+        std::cerr << error.what() << '\n';
+    }
+    return 1;
+}
