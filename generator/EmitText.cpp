@@ -8,7 +8,8 @@ namespace generator {
 namespace {
 
 // The name of the inserter in ValueForms.h.
-std::string inserted(const EntryPoint& entry, const Parameter& parameter) {
+std::string inserted(const EntryPoint& entry, const Parameter& parameter, bool last) {
+    const std::string after = last ? ", closing)" : ", comma)";
     // These four show a float by the stream's own inserter. On purpose: readers of traces know them so.
     static const std::vector<std::string> plainFloats = {"FragmentMaterialfEXT", "FragmentMaterialfSGIX",
                                                          "ImageTransformParameterfHP",
@@ -16,23 +17,23 @@ std::string inserted(const EntryPoint& entry, const Parameter& parameter) {
     const std::string& name = parameter.name;
     switch (parameter.type.form) {
     case ValueForm::enumerant:
-        return "Enumerant(" + name + ")";
+        return "Enumerant(" + name + after;
     case ValueForm::boolean:
-        return "Boolean(" + name + ")";
+        return "Boolean(" + name + after;
     case ValueForm::number:
-        return "Number(" + name + ")";
+        return "Number(" + name + after;
     case ValueForm::handle:
-        return "Handle(" + name + ")";
+        return "Handle(" + name + after;
     case ValueForm::low32:
-        return "Low32(" + name + ")";
+        return "Low32(" + name + after;
     case ValueForm::character:
-        return "Character(" + name + ")";
+        return "Character(" + name + after;
     case ValueForm::floating:
-        return (std::ranges::count(plainFloats, entry.name) ? "Number(" : "Float(") + name + ")";
+        return (std::ranges::count(plainFloats, entry.name) ? "Number(" : "Float(") + name + after;
     case ValueForm::text:
-        return "Text(" + name + ")";
+        return "Text(" + name + after;
     case ValueForm::pointer:
-        return "Pointer(" + name + ")";
+        return "Pointer(" + name + after;
     }
     throw std::logic_error("a value form without an inserter");
 }
@@ -64,13 +65,10 @@ void emitTracer(const std::vector<Topic>& topics, const std::filesystem::path& d
         for (const EntryPoint* entry : topic.entries) {
             text += '\n' + list(0, entry->plainResult + " OpenGLTracer::cgm" + entry->name + "(",
                                 chainParameters(*entry), ") {\n");
-            std::vector<std::string> parts = {"CallSite(file, line)", "\"gl" + entry->name + "(\""};
-            for (std::size_t i = 0; i < entry->parameters.size(); ++i) {
-                if (i > 0)
-                    parts.push_back("comma");
-                parts.push_back(inserted(*entry, entry->parameters[i]));
-            }
-            parts.push_back("\")\\n\"");
+            std::vector<std::string> parts = {"CallSite(file, line, \"gl" + entry->name +
+                                              (entry->parameters.empty() ? "()\\n" : "(") + "\")"};
+            for (const Parameter& parameter : entry->parameters)
+                parts.push_back(inserted(*entry, parameter, &parameter == &entry->parameters.back()));
             text += "    std::ostream& out = *outputStream_;\n" + insertions(parts);
             text += list(4,
                          (entry->hasResult() ? "return interceptor()->cgm" : "interceptor()->cgm") +

@@ -9,14 +9,19 @@ namespace ZLT::OGL {
 
 namespace {
 OpenGLInterceptor* gInterceptor = nullptr;
+
+// Out of line, so that Instance(), which is part of each call, saves no registers for it.
+[[gnu::noinline]] void makeChecker() {
+    gInterceptor = new (MemoryType(0), ZLT_SOURCE_FILE, __LINE__) OpenGLErrorChecker;
 }
+} // namespace
 
 OpenGLInterceptor::OpenGLInterceptor() = default;
 OpenGLInterceptor::~OpenGLInterceptor() = default;
 
 OpenGLInterceptor* OpenGLInterceptor::Instance() {
     if (!gInterceptor) [[unlikely]]
-        gInterceptor = new (MemoryType(0), ZLT_SOURCE_FILE, __LINE__) OpenGLErrorChecker;
+        makeChecker();
     return gInterceptor;
 }
 

@@ -105,7 +105,8 @@ constexpr auto masks = [] {
 const char* TokenName(unsigned int value) {
     if (value < enumerantEnd)
         return text + pages.offsets[pages.number[value / pageSize]][value % pageSize];
-    if (std::has_single_bit(value))
+    // A single bit. std::has_single_bit is a call where the processor is not known to count bits.
+    if ((value & (value - 1)) == 0)
         return text + bits[std::countr_zero(value)];
     for (const Token& mask : masks)
         if (mask.value == value)

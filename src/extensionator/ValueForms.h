@@ -2,11 +2,14 @@
 
 #include "extensionator/TokenName.h"
 
+#include <array>
 #include <bit>
 #include <charconv>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <iterator>
 #include <locale>
 #include <ostream>
 #include <string_view>
@@ -23,72 +26,89 @@ namespace ZLT::OGL::ValueForms {
 
 namespace Detail {
 
-/// The largest number of characters that "%g" with six digits writes: "-1.23457e-308".
-inline constexpr std::size_t maxRealSize = 13;
+/// Room for a float or double. "%g" with six digits writes at most 13 characters: "-1.23457e-308".
+inline constexpr std::size_t maxRealSize = 24;
+
+/// For the floats from one power of two up to the next: the decimals that leave six digits in front of the
+/// point, and the power of ten from which on it is one less. Where that is not a float, the nearest float
+/// lies so close that rounding gives the same digits with either number.
+struct Decimals {
+    float limit;
+    int below;
+};
+
+/// The first is 2^-14, just below 1e-4, and the last 2^19, just below 1e+06.
+inline constexpr int firstExponent = 113;
+inline constexpr auto decimalsForSixDigits = [] {
+    constexpr float powers[] = {1e6f, 1e5f, 1e4f, 1e3f, 1e2f, 1e1f, 1e0f, 1e-1f, 1e-2f, 1e-3f};
+    std::array<Decimals, 34> table{};
+    for (std::size_t i = 0; i < table.size(); ++i) {
+        const auto low = std::bit_cast<float>(static_cast<std::uint32_t>(firstExponent + i) << 23);
+        int decimals = 0;
+        while (decimals < 9 && low < powers[decimals + 1])
+            ++decimals;
+        table[i] = {powers[decimals], decimals};
+    }
+    return table;
+}();
+
+inline constexpr std::uint32_t powersOfTen[] = {1,      10,      100,      1000,      10000,
+                                                100000, 1000000, 10000000, 100000000, 1000000000};
+
+/// The six digits of `number` as bytes, the first one lowest.
+inline std::uint64_t digitBytes(std::uint32_t number) {
+    const auto pair = [](std::uint32_t number) { return std::uint64_t(number / 10 | number % 10 << 8); };
+    return pair(number / 10000) | pair(number / 100 % 100) << 16 | pair(number % 100) << 32;
+}
 
 /// Writes `value` as "%g" does, if its magnitude is 0 or lies where that shows no exponent, and returns the
-/// end of the text; returns null otherwise and writes nothing. Exact, with ties to even: bench/ShortReals
-/// compares it with `std::to_chars` for all 2^32 floats.
+/// end of the text; returns null otherwise. Exact, with ties to even: bench/ShortReals compares it with
+/// `std::to_chars` for all 2^32 floats. Digits are written eight bytes at a time, also beyond the end of the
+/// text; `to` has room for maxRealSize.
 inline char* formatShort(char* to, float value) {
+    static_assert(std::endian::native == std::endian::little);
     const std::uint32_t word = std::bit_cast<std::uint32_t>(value);
     const std::uint32_t magnitude = word & 0x7FFFFFFF;
     const float absolute = std::bit_cast<float>(magnitude);
-    const bool zero = magnitude == 0;
-    // From 999999.5 on, six digits round up to 1e+06.
-    if (!zero && !(absolute >= 1e-4f && absolute < 999999.5f))
-        return nullptr;
     *to = '-';
     to += word >> 31;
-    if (zero) {
+    if (magnitude == 0) {
         *to = '0';
         return to + 1;
     }
+    // From 999999.5 on, six digits round up to 1e+06.
+    if (!(absolute >= 1e-4f && absolute < 999999.5f))
+        return nullptr;
 
-    // The decimals that leave six digits in front of the point. Where a power of ten is not a float, its
-    // nearest float lies so close that rounding gives the same digits with either number of decimals.
-    int decimals = 0;
-    std::uint64_t scale = 1;
-    for (const float power : {1e5f, 1e4f, 1e3f, 1e2f, 1e1f, 1e0f, 1e-1f, 1e-2f, 1e-3f}) {
-        if (absolute >= power)
-            break;
-        ++decimals;
-        scale *= 10;
-    }
-
-    // 24 bits times at most 10^9 fit into 54 bits, and the binary point stands at least four bits up.
-    const int shift = 150 - static_cast<int>(magnitude >> 23);
-    const std::uint64_t exact = ((magnitude & 0x7FFFFF) | 0x800000) * scale;
-    std::uint64_t digits = exact >> shift;
-    const std::uint64_t rest = exact & ((std::uint64_t(1) << shift) - 1);
+    // 24 bits times at most 10^9 fit into 54 bits, and the binary point stands at least four bits up. To the
+    // nearest, ties to even.
+    const int exponent = static_cast<int>(magnitude >> 23);
+    const Decimals& range = decimalsForSixDigits[exponent - firstExponent];
+    int decimals = range.below - (absolute >= range.limit);
+    const int shift = 150 - exponent;
+    const std::uint64_t exact = std::uint64_t((magnitude & 0x7FFFFF) | 0x800000) * powersOfTen[decimals];
     const std::uint64_t half = std::uint64_t(1) << (shift - 1);
-    digits += rest > half || (rest == half && (digits & 1));
-    if (digits == 1000000) {
-        digits = 100000;
+    auto number = static_cast<std::uint32_t>((exact + half - 1 + (exact >> shift & 1)) >> shift);
+    if (number == 1000000) {
+        number = 100000;
         --decimals;
     }
 
-    char text[6];
-    auto remaining = static_cast<std::uint32_t>(digits);
-    for (int i = 5; i >= 0; --i) {
-        text[i] = static_cast<char>('0' + remaining % 10);
-        remaining /= 10;
-    }
-    int count = 6;
+    const std::uint64_t digits = digitBytes(number);
+    const int count = 8 - std::countl_zero(digits) / 8;
+    const std::uint64_t text = digits | 0x303030303030;
     const int whole = 6 - decimals;
-    while (count > whole && count > 1 && text[count - 1] == '0')
-        --count;
-    if (whole <= 0) {
-        *to++ = '0';
-        *to++ = '.';
-        for (int i = whole; i < 0; ++i)
-            *to++ = '0';
+    if (whole > 0) {
+        const std::uint64_t fraction = text >> 8 * whole;
+        std::memcpy(to, &text, 8);
+        to[whole] = '.';
+        std::memcpy(to + whole + 1, &fraction, 8);
+        return to + (count > whole ? count + 1 : whole);
     }
-    for (int i = 0; i < count; ++i) {
-        if (i == whole && i > 0)
-            *to++ = '.';
-        *to++ = text[i];
-    }
-    return to;
+    std::memcpy(to, "0.000", 5);
+    to += 2 - whole;
+    std::memcpy(to, &text, 8);
+    return to + count;
 }
 
 /// Writes `value` as a new stream does, and returns the end of the text.
@@ -103,136 +123,200 @@ char* formatReal(char* to, Real value) {
 
 /// Whether the next whole number comes out as from a new stream: decimal, not padded, no sign or grouping.
 inline bool isPlain(const std::ostream& out) {
+    static const std::locale& classic = std::locale::classic();
     constexpr auto relevant = std::ios_base::basefield | std::ios_base::floatfield | std::ios_base::showbase |
                               std::ios_base::showpoint | std::ios_base::showpos | std::ios_base::uppercase;
-    return (out.flags() & relevant) == std::ios_base::dec && out.width() == 0 &&
-           out.getloc() == std::locale::classic();
+    return (out.flags() & relevant) == std::ios_base::dec && out.width() == 0 && out.getloc() == classic;
 }
 
 /// Likewise for the next float or double: with six digits as well.
 inline bool isPlainReal(const std::ostream& out) { return out.precision() == 6 && isPlain(out); }
 
+/// The text of one form, put together on the stack for a single insertion. Holds at most two texts of
+/// `largestText`, one number and a few characters between them; no name of a function or token is longer.
+class Piece {
+public:
+    static constexpr std::size_t largestText = 80;
+
+    // By hand, so that Piece() doesn't fill the text with zeros.
+    Piece() : end_(text_) {}
+
+    Piece& text(std::string_view text) {
+        std::memcpy(end_, text.data(), text.size());
+        end_ += text.size();
+        return *this;
+    }
+    template <std::integral T>
+    Piece& number(T value) {
+        end_ = std::to_chars(end_, std::end(text_), value).ptr;
+        return *this;
+    }
+    template <std::floating_point T>
+    Piece& real(T value) {
+        end_ = formatReal(end_, value);
+        return *this;
+    }
+    std::ostream& insertInto(std::ostream& out) { return out.write(text_, end_ - text_); }
+
+private:
+    char text_[2 * largestText + 24];
+    char* end_;
+};
+
 } // namespace Detail
 
-/// "file:line: ", which begins a line.
+/// What stands behind an argument. Each form takes it along into its own insertion.
+inline constexpr std::string_view comma = ", ";
+inline constexpr std::string_view closing = ")\n";
+
+/// "file:line: function(", which begins a line.
 struct CallSite {
-    CallSite(const char* file, unsigned int line) : file(file), line(line) {}
+    CallSite(const char* file, unsigned int line, std::string_view function = "")
+        : file(file), line(line), function(function) {}
     const char* file;
     unsigned int line;
+    std::string_view function;
 };
 inline std::ostream& operator<<(std::ostream& out, CallSite site) {
+    // Most paths are short enough to go with the rest.
+    if (site.file && Detail::isPlain(out))
+        if (const std::string_view file = site.file; file.size() <= Detail::Piece::largestText)
+            return Detail::Piece()
+                .text(file)
+                .text(":")
+                .number(site.line)
+                .text(": ")
+                .text(site.function)
+                .insertInto(out);
     out << site.file;
     if (!Detail::isPlain(out))
-        return out << ':' << site.line << ": ";
-    char text[16] = ":";
-    char* end = std::to_chars(text + 1, text + sizeof(text) - 2, site.line).ptr;
-    *end++ = ':';
-    *end++ = ' ';
-    return out.write(text, end - text);
+        return out << ':' << site.line << ": " << site.function;
+    return Detail::Piece().text(":").number(site.line).text(": ").text(site.function).insertInto(out);
 }
 
 /// GLenum: its name.
 struct Enumerant {
-    explicit Enumerant(unsigned int value) : value(value) {}
+    explicit Enumerant(unsigned int value, std::string_view after = "") : value(value), after(after) {}
     unsigned int value;
+    std::string_view after;
 };
-inline std::ostream& operator<<(std::ostream& out, Enumerant form) { return out << TokenName(form.value); }
+inline std::ostream& operator<<(std::ostream& out, Enumerant form) {
+    const std::string_view name = TokenName(form.value);
+    if (out.width() != 0)
+        return out << name << form.after;
+    return Detail::Piece().text(name).text(form.after).insertInto(out);
+}
 
 /// GLboolean: "GL_FALSE" or "GL_TRUE".
 struct Boolean {
-    explicit Boolean(unsigned char value) : value(value) {}
+    explicit Boolean(unsigned char value, std::string_view after = "") : value(value), after(after) {}
     unsigned char value;
+    std::string_view after;
 };
-inline std::ostream& operator<<(std::ostream& out, Boolean form) { return out << boolToString(form.value); }
+inline std::ostream& operator<<(std::ostream& out, Boolean form) {
+    return out << boolToString(form.value) << form.after;
+}
 
 /// Whole numbers and doubles: decimal.
 template <class T>
 struct Number {
-    explicit Number(T value) : value(value) {}
+    explicit Number(T value, std::string_view after = "") : value(value), after(after) {}
     T value;
+    std::string_view after;
 };
 template <class T>
 std::ostream& operator<<(std::ostream& out, Number<T> form) {
     if constexpr (std::is_floating_point_v<T>) {
         if (!Detail::isPlainReal(out))
-            return out << form.value;
-        char text[Detail::maxRealSize];
-        return out.write(text, Detail::formatReal(text, form.value) - text);
+            return out << form.value << form.after;
+        return Detail::Piece().real(form.value).text(form.after).insertInto(out);
     } else {
         if (!Detail::isPlain(out))
-            return out << form.value;
-        char text[24];
-        return out.write(text, std::to_chars(text, text + sizeof(text), form.value).ptr - text);
+            return out << form.value << form.after;
+        return Detail::Piece().number(form.value).text(form.after).insertInto(out);
     }
 }
 
 /// GLhandleARB: "(GLhandleARB)" and the number.
 struct Handle {
-    explicit Handle(unsigned int value) : value(value) {}
+    explicit Handle(unsigned int value, std::string_view after = "") : value(value), after(after) {}
     unsigned int value;
+    std::string_view after;
 };
 inline std::ostream& operator<<(std::ostream& out, Handle form) {
-    return out << "(GLhandleARB)" << Number(form.value);
+    return out << "(GLhandleARB)" << Number(form.value, form.after);
 }
 
 /// GLintptr and GLsizeiptr: the low 32 bits, signed. The high half is dropped on purpose.
 struct Low32 {
-    explicit Low32(long long value) : value(static_cast<std::int32_t>(value)) {}
+    explicit Low32(long long value, std::string_view after = "")
+        : value(static_cast<std::int32_t>(value)), after(after) {}
     std::int32_t value;
+    std::string_view after;
 };
-inline std::ostream& operator<<(std::ostream& out, Low32 form) { return out << Number(form.value); }
+inline std::ostream& operator<<(std::ostream& out, Low32 form) {
+    return out << Number(form.value, form.after);
+}
 
 /// GLbyte and GLubyte by value: the byte itself, on purpose, and not its number.
 struct Character {
-    explicit Character(signed char value) : value(static_cast<char>(value)) {}
-    explicit Character(unsigned char value) : value(static_cast<char>(value)) {}
+    explicit Character(signed char value, std::string_view after = "")
+        : value(static_cast<char>(value)), after(after) {}
+    explicit Character(unsigned char value, std::string_view after = "")
+        : value(static_cast<char>(value)), after(after) {}
     char value;
+    std::string_view after;
 };
-inline std::ostream& operator<<(std::ostream& out, Character form) { return out << form.value; }
+inline std::ostream& operator<<(std::ostream& out, Character form) { return out << form.value << form.after; }
 
 /// GLfloat: "makeFloat(1065353216) /* 1 */", the bits as a signed number so that a replay loses nothing.
 struct Float {
-    explicit Float(float value) : value(value) {}
+    explicit Float(float value, std::string_view after = "") : value(value), after(after) {}
     float value;
+    std::string_view after;
 };
 inline std::ostream& operator<<(std::ostream& out, Float form) {
     const auto bits = std::bit_cast<std::int32_t>(form.value);
     if (!Detail::isPlainReal(out))
-        return out << "makeFloat(" << bits << ") /* " << form.value << " */";
-    char text[48] = "makeFloat(";
-    char* end = std::to_chars(text + 10, text + 21, bits).ptr;
-    for (const char c : {')', ' ', '/', '*', ' '})
-        *end++ = c;
-    end = Detail::formatReal(end, form.value);
-    for (const char c : {' ', '*', '/'})
-        *end++ = c;
-    return out.write(text, end - text);
+        return out << "makeFloat(" << bits << ") /* " << form.value << " */" << form.after;
+    return Detail::Piece()
+        .text("makeFloat(")
+        .number(bits)
+        .text(") /* ")
+        .real(form.value)
+        .text(" */")
+        .text(form.after)
+        .insertInto(out);
 }
 
 /// Pointer to characters or bytes: the text they are, up to a zero byte.
 template <class T>
 struct Text {
-    explicit Text(T* value) : value(reinterpret_cast<const char*>(value)) {}
+    explicit Text(T* value, std::string_view after = "")
+        : value(reinterpret_cast<const char*>(value)), after(after) {}
     const char* value;
+    std::string_view after;
 };
 template <class T>
 std::ostream& operator<<(std::ostream& out, Text<T> form) {
-    return out << form.value;
+    return out << form.value << form.after;
 }
 
 /// Any other pointer: 16 upper-case hexadecimal digits.
 struct Pointer {
-    explicit Pointer(const volatile void* value) : value(reinterpret_cast<std::uintptr_t>(value)) {}
+    explicit Pointer(const volatile void* value, std::string_view after = "")
+        : value(reinterpret_cast<std::uintptr_t>(value)), after(after) {}
     std::uint64_t value;
+    std::string_view after;
 };
 inline std::ostream& operator<<(std::ostream& out, Pointer form) {
     char text[16];
     for (int i = 15; i >= 0; --i, form.value >>= 4)
         text[i] = "0123456789ABCDEF"[form.value & 15];
-    return out << std::string_view(text, sizeof(text));
+    const std::string_view digits(text, sizeof(text));
+    if (out.width() != 0)
+        return out << digits << form.after;
+    return Detail::Piece().text(digits).text(form.after).insertInto(out);
 }
-
-/// Between two arguments.
-inline constexpr const char* comma = ", ";
 
 } // namespace ZLT::OGL::ValueForms
