@@ -1,0 +1,4 @@
+#pragma once
+
+/// How often the calling thread has allocated memory so far, by `new`, `malloc` or their kin.
+unsigned long allocations();

@@ -1,0 +1,42 @@
+#include "HandWrittenChecker.h"
+
+#include <EGL/egl.h>
+
+#include <stdexcept>
+#include <string>
+
+namespace {
+
+class Checker : public HandWrittenInterceptor {
+public:
+    void bindTexture(const char* file, unsigned int line, GLenum target, GLuint texture) override {
+        glBindTexture(target, texture);
+        check(file, line);
+    }
+    void activeTexture(const char* file, unsigned int line, GLenum texture) override {
+        activeTexture_(texture);
+        check(file, line);
+    }
+
+private:
+    [[noreturn]] static void raise(const char* file, unsigned int line, GLenum code) {
+        throw std::runtime_error(file + (":" + std::to_string(line)) + ": " + std::to_string(code));
+    }
+    static void check(const char* file, unsigned int line) {
+        if (const GLenum code = glGetError()) [[unlikely]]
+            raise(file, line, code);
+    }
+
+    ActiveTexture activeTexture_ = activeTextureFunction();
+};
+
+} // namespace
+
+HandWrittenInterceptor* handWrittenChecker() {
+    static Checker checker;
+    return &checker;
+}
+
+ActiveTexture activeTextureFunction() {
+    return reinterpret_cast<ActiveTexture>(eglGetProcAddress("glActiveTexture"));
+}
