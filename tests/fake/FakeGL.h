@@ -1,0 +1,73 @@
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+#include <ostream>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <vector>
+
+/// @file
+/// A GL that draws nothing: it notes each call and answers as it was told to. All of GL 1.1 is linked by
+/// name, everything else comes from `eglGetProcAddress` or `wglGetProcAddress`, and a context is always
+/// current. For one thread at a time.
+
+namespace FakeGL {
+
+/// An argument or a result: what kind of value it is, its size and its exact bits.
+class Value {
+public:
+    Value() = default;
+    template <class T>
+    Value(T value) : kind_(kindOf<T>()), size_(sizeof(T)) {
+        std::memcpy(&bits_, &value, sizeof(T));
+    }
+
+    /// The value back, in a type of the same kind and size.
+    template <class T>
+    T as() const {
+        if (kind_ != kindOf<T>() || size_ != sizeof(T))
+            throw std::logic_error("a value of another type");
+        T value;
+        std::memcpy(&value, &bits_, sizeof(T));
+        return value;
+    }
+
+    bool operator==(const Value&) const = default;
+    friend std::ostream& operator<<(std::ostream& out, const Value& value);
+
+private:
+    template <class T>
+    static constexpr std::string_view kindOf() {
+        if (std::is_pointer_v<T> || std::is_null_pointer_v<T>)
+            return "pointer";
+        return std::is_floating_point_v<T> ? "real" : std::is_signed_v<T> ? "int" : "uint";
+    }
+
+    std::string_view kind_ = "none";
+    std::size_t size_ = 0;
+    std::uint64_t bits_ = 0;
+};
+
+struct Call {
+    std::string function; // "glBindTexture"
+    std::vector<Value> arguments;
+
+    bool operator==(const Call&) const = default;
+    friend std::ostream& operator<<(std::ostream& out, const Call& call);
+};
+
+/// Forgets the calls, the results and the errors.
+void reset();
+/// The calls since reset(), `glGetError` among them.
+const std::vector<Call>& calls();
+/// Off: calls are answered and not noted, so that nothing in here allocates. reset() turns it on.
+void setRecording(bool on);
+/// What `function` returns from now on, in the function's type; 0 without.
+void setResult(const std::string& function, Value result);
+/// What a later `glGetError` returns, first in, first out; 0 when there is nothing left.
+void pushError(unsigned int code);
+
+} // namespace FakeGL

@@ -1,0 +1,57 @@
+#include "FakeGL.h"
+#include "extensionator/OpenGLErrorChecker.h"
+#include "extensionator/OpenGLTracer.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+// Every allocation of the program is counted.
+static std::atomic<int> allocations{0};
+
+// Not inlined: the compiler would see malloc() and free() behind new and delete, and warn of a mismatch.
+[[gnu::noinline]] void* operator new(std::size_t size) {
+    ++allocations;
+    if (void* block = std::malloc(size))
+        return block;
+    throw std::bad_alloc();
+}
+[[gnu::noinline]] void operator delete(void* block) noexcept { std::free(block); }
+[[gnu::noinline]] void operator delete(void* block, std::size_t) noexcept { std::free(block); }
+
+namespace {
+
+struct FixedBuffer : std::streambuf {
+    FixedBuffer() { setp(text, text + sizeof(text)); }
+    char text[4096];
+};
+
+TEST(Allocations, ATracedAndCheckedCallMakesNone) {
+    FakeGL::reset();
+    FakeGL::setRecording(false);
+    ZLT::OGL::OpenGLErrorChecker checker;
+    FixedBuffer buffer;
+    std::ostream out(&buffer);
+    ZLT::OGL::OpenGLTracer tracer(out, &checker);
+    const char name[] = "a name that is too long for the short form of a string";
+    const int before = allocations;
+    ::operator delete(::operator new(1));
+    ASSERT_EQ(before + 1, allocations) << "the count works";
+
+    tracer.cgmBindTexture(name, 1, 0x0DE1, 5);
+    tracer.cgmColor4f(name, 2, 0.1f, -1e10f, 3e-20f, 1);
+    tracer.cgmVertex2d(name, 3, 1.0 / 3, 1e-300);
+    tracer.cgmColor3ub(name, 4, 'a', 'b', 'c');
+    tracer.cgmColorMask(name, 5, 0, 1, 0, 1);
+    tracer.cgmVertex2s(name, 6, -1, 32767);
+    tracer.cgmAttachObjectARB(name, 7, 1, 2);
+    tracer.cgmBufferData(name, 8, 0x8892, 1ll << 40, &buffer, 0x88E4);
+    tracer.cgmUniformui64NV(name, 9, 1, ~0ull);
+    tracer.cgmGetUniformLocation(name, 10, 1, name);
+    EXPECT_EQ(before + 1, allocations);
+    EXPECT_TRUE(out.good());
+}
+
+} // namespace

@@ -1,0 +1,85 @@
+#include "extensionator/TokenName.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <fstream>
+#include <map>
+#include <random>
+#include <string>
+
+using namespace ZLT::OGL;
+
+namespace {
+
+const std::map<std::uint32_t, std::string>& table() {
+    static const auto table = [] {
+        std::map<std::uint32_t, std::string> names;
+        std::ifstream in(ZLT_TABLES "/gl_tokens.tsv");
+        std::string value, name;
+        in >> value >> name; // the heading
+        while (in >> value >> name)
+            names[static_cast<std::uint32_t>(std::stoul(value, nullptr, 16))] = name;
+        return names;
+    }();
+    return table;
+}
+
+// Without EXPECT_STREQ, which is too slow for millions.
+void expectName(std::uint32_t value) {
+    const auto found = table().find(value);
+    const char* const expected = found == table().end() ? "Unknown Token" : found->second.c_str();
+    if (TokenName(value) != std::string_view(expected))
+        ADD_FAILURE() << std::hex << value << ": " << TokenName(value) << " instead of " << expected;
+}
+
+TEST(TokenName, NamesEveryRowOfTheTableAndNoneOfItsNeighbours) {
+    ASSERT_EQ(2211u, table().size());
+    for (const auto& [value, name] : table())
+        for (const std::uint32_t near : {value - 1, value, value + 1, value ^ 0x80000000u, value | 0x10000u})
+            expectName(near);
+}
+
+TEST(TokenName, ComparesAll32Bits) {
+    for (std::uint32_t value = 0; value <= 0x20000; ++value)
+        expectName(value);
+    std::mt19937 random(3);
+    for (int i = 0; i < 3000000; ++i)
+        expectName(static_cast<std::uint32_t>(random()) >> (i % 16));
+    // Pairs of bits and runs of bits.
+    for (int low = 0; low < 32; ++low)
+        for (int high = low; high < 32; ++high) {
+            expectName(1u << low | 1u << high);
+            expectName((2u << high) - (1u << low));
+        }
+}
+
+TEST(TokenName, ResolvesMeaningsThatCollideInTheKnownWay) {
+    // A core name wins over a suffix and ARB over a vendor, but nothing is younger than GL 3.0.
+    // clang-format off
+    const std::map<std::uint32_t, const char*> names = {
+        {0x0, "GL_POINTS"}, {0x1, "GL_CURRENT_BIT"}, {0x2, "GL_POINT_BIT"}, {0x3, "GL_LINE_STRIP"},
+        {0x4, "GL_LINE_BIT"}, {0x8, "GL_POLYGON_BIT"}, {0x9, "GL_POLYGON"}, {0xA, "GL_LINES_ADJACENCY_ARB"},
+        {0x100, "GL_ACCUM"}, {0x200, "GL_NEVER"}, {0x400, "GL_STENCIL_BUFFER_BIT"}, {0x4000, "GL_COLOR_BUFFER_BIT"},
+        {0x4100, "Unknown Token"}, {0x8000, "GL_HINT_BIT"}, {0xFFFFF, "GL_ALL_ATTRIB_BITS"},
+        {0x100000, "GL_MAT_AMBIENT_BIT_PGI"}, {0x20000000, "GL_MULTISAMPLE_BIT"},
+        {0x80000000, "GL_TEXCOORD4_BIT_PGI"}, {0xFFFFFFFF, "GL_CLIENT_ALL_ATTRIB_BITS"},
+        {0x0500, "GL_INVALID_ENUM"}, {0x0506, "GL_INVALID_FRAMEBUFFER_OPERATION"}, {0x0507, "Unknown Token"},
+        {0x0DE1, "GL_TEXTURE_2D"}, {0x1406, "GL_FLOAT"}, {0x8513, "GL_TEXTURE_CUBE_MAP"},
+        {0x8620, "GL_VERTEX_PROGRAM_ARB"}, {0x8816, "GL_ALPHA_FLOAT32_APPLE"}, {0x8D40, "GL_FRAMEBUFFER"},
+        {0x8DD9, "GL_GEOMETRY_SHADER_ARB"}, {0x864F, "GL_DEPTH_CLAMP_NV"}, {0x8A11, "Unknown Token"},
+        {0x8F36, "Unknown Token"}, {0x9110, "Unknown Token"}, {0x9111, "GL_MAX_SERVER_WAIT_TIMEOUT"},
+        {0x911D, "GL_WAIT_FAILED"}, {0x911E, "Unknown Token"},
+    };
+    // clang-format on
+    for (const auto& [value, name] : names)
+        EXPECT_STREQ(name, TokenName(value)) << std::hex << value;
+}
+
+TEST(TokenName, CallsEveryByteButZeroTrue) {
+    EXPECT_STREQ("GL_FALSE", boolToString(0));
+    for (int value = 1; value < 256; ++value)
+        EXPECT_STREQ("GL_TRUE", boolToString(static_cast<unsigned char>(value)));
+}
+
+} // namespace
