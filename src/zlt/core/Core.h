@@ -18,7 +18,8 @@ public:
 
     /// Stops the core. Memory that is still allocated stays valid.
     /// @param remaining  when given, gets one line for each site whose memory is still allocated, as
-    ///                   writeAllocations() writes it: that is how to find the texture that was never destroyed
+    ///                   writeAllocations() writes it: that is how to find the texture that was never
+    ///                   destroyed
     /// @throws InternalException "isInitialized_" when the core isn't started; nothing is written then
     static void terminate(std::ostream* remaining = nullptr);
 

@@ -4,6 +4,8 @@
 
 namespace ZLT::Detail {
 
-void raiseInternal(const char* file, int line, const char* text) { throw InternalException(file, line, text); }
+void raiseInternal(const char* file, int line, const char* text) {
+    throw InternalException(file, line, text);
+}
 
 } // namespace ZLT::Detail

@@ -27,8 +27,7 @@ namespace ZLT::Detail {
 
 /// A pointer or cast that must not be null; write the comparison out.
 #define ZLT_ENFORCE(...)                                                                                     \
-    ((__VA_ARGS__) ? void()                                                                                  \
-                   : ZLT::Detail::raiseInternal(ZLT_SOURCE_FILE, __LINE__, "Enforce " #__VA_ARGS__))
+    ((__VA_ARGS__) ? void() : ZLT::Detail::raiseInternal(ZLT_SOURCE_FILE, __LINE__, "Enforce " #__VA_ARGS__))
 
 /// A branch that must not be reached; `text` is a string literal.
 #define ZLT_UNREACHABLE(text) ZLT::Detail::raiseInternal(ZLT_SOURCE_FILE, __LINE__, "!" #text)

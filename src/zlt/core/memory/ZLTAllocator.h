@@ -37,7 +37,8 @@ public:
         static_assert(alignof(T) <= alignof(std::max_align_t), "over-aligned types are not supported");
         if (count > std::numeric_limits<std::size_t>::max() / sizeof(T))
             throw std::bad_array_new_length();
-        void* p = ::operator new(count * sizeof(T), MemoryType(0), Detail::allocatorFile, Detail::allocateLine);
+        void* p =
+            ::operator new(count * sizeof(T), MemoryType(0), Detail::allocatorFile, Detail::allocateLine);
         if (!p)
             throw std::bad_alloc();
         return static_cast<T*>(p);
