@@ -21,17 +21,17 @@ class Value {
 public:
     Value() = default;
     template <class T>
-    Value(T value) : kind_(kindOf<T>()), size_(sizeof(T)) {
-        std::memcpy(&bits_, &value, sizeof(T));
+    Value(T value) : kind_(kindOf<T>()), size_(sizeOf<T>) {
+        std::memcpy(&bits_, &value, size_);
     }
 
     /// The value back, in a type of the same kind and size.
     template <class T>
     T as() const {
-        if (kind_ != kindOf<T>() || size_ != sizeof(T))
+        if (kind_ != kindOf<T>() || size_ != sizeOf<T>)
             throw std::logic_error("a value of another type");
         T value;
-        std::memcpy(&value, &bits_, sizeof(T));
+        std::memcpy(&value, &bits_, size_);
         return value;
     }
 
@@ -39,6 +39,9 @@ public:
     friend std::ostream& operator<<(std::ostream& out, const Value& value);
 
 private:
+    template <class T>
+    static constexpr std::size_t
+        sizeOf = sizeof(T); // NOLINT(bugprone-sizeof-expression): of the pointer itself
     template <class T>
     static constexpr std::string_view kindOf() {
         if (std::is_pointer_v<T> || std::is_null_pointer_v<T>)

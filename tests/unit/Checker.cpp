@@ -17,7 +17,8 @@ protected:
 
     // The calls that reached GL since the last time.
     static std::vector<Call> newCalls() {
-        const std::vector<Call> calls = FakeGL::calls();
+        std::vector<Call> calls =
+            FakeGL::calls(); // NOLINT(performance-unnecessary-copy-initialization): reset follows
         FakeGL::reset();
         return calls;
     }

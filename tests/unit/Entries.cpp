@@ -36,7 +36,7 @@ T sample() {
         texts[index] = std::to_string(index);
         return reinterpret_cast<T>(texts[index].data());
     } else {
-        return reinterpret_cast<T>(distinctBits(64));
+        return reinterpret_cast<T>(distinctBits(64)); // NOLINT(performance-no-int-to-ptr)
     }
 }
 

@@ -26,6 +26,7 @@ static int lineBeforeTheCalls;
 
 // The table below knows on which line each call stands.
 // clang-format off
+// NOLINTBEGIN(modernize-use-nullptr)
 static void drawFrame(void* memory, const char* const* sources)
 {
     Name list;
@@ -52,6 +53,7 @@ static void drawFrame(void* memory, const char* const* sources)
         flush();
     }
 }
+// NOLINTEND(modernize-use-nullptr)
 // clang-format on
 
 using namespace ZLT::OGL;

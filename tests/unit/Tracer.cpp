@@ -24,7 +24,7 @@ protected:
 
 template <class T = void>
 T* at(std::uintptr_t address) {
-    return reinterpret_cast<T*>(address);
+    return reinterpret_cast<T*>(address); // NOLINT(performance-no-int-to-ptr)
 }
 
 unsigned char bytes[] = "ab";
