@@ -5,6 +5,7 @@
 #include <array>
 #include <bit>
 #include <charconv>
+#include <cmath>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
@@ -129,8 +130,12 @@ inline bool isPlain(const std::ostream& out) {
     return (out.flags() & relevant) == std::ios_base::dec && out.width() == 0 && out.getloc() == classic;
 }
 
-/// Likewise for the next float or double: with six digits as well.
-inline bool isPlainReal(const std::ostream& out) { return out.precision() == 6 && isPlain(out); }
+/// Likewise for the next float or double: with six digits as well, and finite, since the platforms write a
+/// NaN differently.
+template <std::floating_point Real>
+bool isPlainReal(const std::ostream& out, Real value) {
+    return std::isfinite(value) && out.precision() == 6 && isPlain(out);
+}
 
 /// The text of one form, put together on the stack for a single insertion. Holds at most two texts of
 /// `largestText`, one number and a few characters between them; no name of a function or token is longer.
@@ -227,7 +232,7 @@ struct Number {
 template <class T>
 std::ostream& operator<<(std::ostream& out, Number<T> form) {
     if constexpr (std::is_floating_point_v<T>) {
-        if (!Detail::isPlainReal(out))
+        if (!Detail::isPlainReal(out, form.value))
             return out << form.value << form.after;
         return Detail::Piece().real(form.value).text(form.after).insertInto(out);
     } else {
@@ -277,7 +282,7 @@ struct Float {
 };
 inline std::ostream& operator<<(std::ostream& out, Float form) {
     const auto bits = std::bit_cast<std::int32_t>(form.value);
-    if (!Detail::isPlainReal(out))
+    if (!Detail::isPlainReal(out, form.value))
         return out << "makeFloat(" << bits << ") /* " << form.value << " */" << form.after;
     return Detail::Piece()
         .text("makeFloat(")

@@ -39,9 +39,9 @@ public:
     friend std::ostream& operator<<(std::ostream& out, const Value& value);
 
 private:
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): the size of a pointer is meant
     template <class T>
-    static constexpr std::size_t
-        sizeOf = sizeof(T); // NOLINT(bugprone-sizeof-expression): of the pointer itself
+    static constexpr std::size_t sizeOf = sizeof(T);
     template <class T>
     static constexpr std::string_view kindOf() {
         if (std::is_pointer_v<T> || std::is_null_pointer_v<T>)
