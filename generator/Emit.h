@@ -39,6 +39,16 @@ std::vector<std::string> glParameters(const EntryPoint& entry);
 /// "file", "line" and the parameter names.
 std::vector<std::string> chainArguments(const EntryPoint& entry);
 
+/// Adds the inserters of ValueForms.h that write the parameters to `parts`: "Enumerant(mode, comma)". `last`
+/// is what the last one takes along: ", closing".
+void addArguments(std::vector<std::string>& parts, const EntryPoint& entry, const std::string& last);
+/// "    out << a << b << c;", broken in front of "<<" where the line would grow past the column limit.
+std::string insertions(const std::vector<std::string>& parts);
+/// The first line of the entry's override in the class `layer`, with the opening brace.
+std::string layerHead(const EntryPoint& entry, const std::string& layer);
+/// The last lines of it: the call of the next layer, and the closing brace.
+std::string forwarding(const EntryPoint& entry);
+
 /// InterceptorEntries.inl, LayerEntries.inl: the declarations in the classes.
 void emitDeclarations(const std::vector<EntryPoint>& entries, const std::filesystem::path& directory);
 /// FunctionTable.h among the headers, FunctionNames.inl among the sources.
@@ -50,6 +60,10 @@ void emitInterceptMacros(const std::vector<EntryPoint>& entries, const std::file
 void emitErrorChecker(const std::vector<Topic>& topics, const std::filesystem::path& directory);
 /// OpenGLTracer_*.cpp.
 void emitTracer(const std::vector<Topic>& topics, const std::filesystem::path& directory);
+/// OpenGLRekorder_*.cpp: all but the operations that have a form of their own.
+void emitRekorder(const std::vector<Topic>& topics, const std::filesystem::path& directory);
+/// gl_tokens.h.
+void emitTokenHeader(const std::vector<Token>& tokens, const std::filesystem::path& directory);
 /// TokenRows.inl.
 void emitTokens(const std::vector<Token>& tokens, const std::filesystem::path& directory);
 /// EntryPoints.inl: one macro call for each entry, for fakes and sweeps.

@@ -8,8 +8,8 @@ namespace generator {
 namespace {
 
 // The name of the inserter in ValueForms.h.
-std::string inserted(const EntryPoint& entry, const Parameter& parameter, bool last) {
-    const std::string after = last ? ", closing)" : ", comma)";
+std::string inserted(const EntryPoint& entry, const Parameter& parameter, const std::string& with) {
+    const std::string after = with + ")";
     // These four show a float by the stream's own inserter. On purpose: readers of traces know them so.
     static const std::vector<std::string> plainFloats = {"FragmentMaterialfEXT", "FragmentMaterialfSGIX",
                                                          "ImageTransformParameterfHP",
@@ -38,7 +38,8 @@ std::string inserted(const EntryPoint& entry, const Parameter& parameter, bool l
     throw std::logic_error("a value form without an inserter");
 }
 
-// "    out << a << b << c;" broken in front of "<<".
+} // namespace
+
 std::string insertions(const std::vector<std::string>& parts) {
     std::string text = "    out";
     std::size_t column = text.size();
@@ -53,7 +54,21 @@ std::string insertions(const std::vector<std::string>& parts) {
     return text + ";\n";
 }
 
-} // namespace
+void addArguments(std::vector<std::string>& parts, const EntryPoint& entry, const std::string& last) {
+    for (const Parameter& parameter : entry.parameters)
+        parts.push_back(
+            inserted(entry, parameter, &parameter == &entry.parameters.back() ? last : ", comma"));
+}
+
+std::string layerHead(const EntryPoint& entry, const std::string& layer) {
+    return list(0, entry.plainResult + " " + layer + "::cgm" + entry.name + "(", chainParameters(entry),
+                ") {\n");
+}
+
+std::string forwarding(const EntryPoint& entry) {
+    const std::string keep = entry.hasResult() ? "return " : "";
+    return list(4, keep + "interceptor()->cgm" + entry.name + "(", chainArguments(entry), ");\n}\n");
+}
 
 void emitTracer(const std::vector<Topic>& topics, const std::filesystem::path& directory) {
     for (const Topic& topic : topics) {
@@ -63,21 +78,30 @@ void emitTracer(const std::vector<Topic>& topics, const std::filesystem::path& d
                 "namespace ZLT::OGL {\n\n"
                 "using namespace ValueForms;\n";
         for (const EntryPoint* entry : topic.entries) {
-            text += '\n' + list(0, entry->plainResult + " OpenGLTracer::cgm" + entry->name + "(",
-                                chainParameters(*entry), ") {\n");
+            text += '\n' + layerHead(*entry, "OpenGLTracer");
             std::vector<std::string> parts = {"CallSite(file, line, \"gl" + entry->name +
                                               (entry->parameters.empty() ? "()\\n" : "(") + "\")"};
-            for (const Parameter& parameter : entry->parameters)
-                parts.push_back(inserted(*entry, parameter, &parameter == &entry->parameters.back()));
+            addArguments(parts, *entry, ", closing");
             text += "    std::ostream& out = *outputStream_;\n" + insertions(parts);
-            text += list(4,
-                         (entry->hasResult() ? "return interceptor()->cgm" : "interceptor()->cgm") +
-                             entry->name + "(",
-                         chainArguments(*entry), ");\n}\n");
+            text += forwarding(*entry);
         }
         text += "\n} // namespace ZLT::OGL\n";
         writeFile(directory / ("OpenGLTracer_" + topic.name + ".cpp"), text);
     }
+}
+
+void emitTokenHeader(const std::vector<Token>& tokens, const std::filesystem::path& directory) {
+    std::string text =
+        "// Generated from tables/gl_tokens.tsv.\n"
+        "#pragma once\n\n"
+        "/// @file\n"
+        "/// Every name that TokenName gives, with the value that it has there, for sources that are\n"
+        "/// recordings: include it behind the GL headers. Some names are missing in later GL headers, and\n"
+        "/// a few have another value.\n";
+    for (const Token& token : tokens)
+        text +=
+            "\n#undef " + token.name + "\n#define " + token.name + ' ' + std::to_string(token.value) + "u\n";
+    writeFile(directory / "gl_tokens.h", text);
 }
 
 void emitTokens(const std::vector<Token>& tokens, const std::filesystem::path& directory) {

@@ -31,7 +31,9 @@ void generate(const std::filesystem::path& tables, const std::filesystem::path& 
     emitFunctionTable(entries, headers, sources);
     emitErrorChecker(topics, sources);
     emitTracer(topics, sources);
+    emitRekorder(topics, sources);
     emitTokens(tokens, sources);
+    emitTokenHeader(tokens, headers);
     emitEntryRows(entries, output / "tests");
 }
 
