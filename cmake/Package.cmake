@@ -13,8 +13,15 @@ set(public_headers
   extensionator/OpenGLErrorChecker.h
   extensionator/OpenGLInterceptor.h
   extensionator/OpenGLInterceptorDecorator.h
+  extensionator/OpenGLRekorder.h
   extensionator/OpenGLTracer.h
   extensionator/TokenName.h
+  extensionator/win/wglErrorChecker.h
+  extensionator/win/wglInterceptor.h
+  extensionator/win/wglInterceptorDecorator.h
+  extensionator/win/wglLayerEntries.inl
+  extensionator/win/wglRekorder.h
+  platform/Platform.h
   zlt/core/Core.h
   zlt/core/Enforce.h
   zlt/core/Exceptions.h

@@ -1,0 +1,21 @@
+// For the class body of a layer of the WGL chain, in the order of the virtual slots.
+BOOL wcgmCopyContext(const char* file, unsigned int line, HGLRC source, HGLRC destination, UINT mask) override;
+HGLRC wcgmCreateContext(const char* file, unsigned int line, HDC device) override;
+HGLRC wcgmCreateLayerContext(const char* file, unsigned int line, HDC device, int layer) override;
+BOOL wcgmDeleteContext(const char* file, unsigned int line, HGLRC context) override;
+HGLRC wcgmGetCurrentContext(const char* file, unsigned int line) override;
+HDC wcgmGetCurrentDC(const char* file, unsigned int line) override;
+PROC wcgmGetProcAddress(const char* file, unsigned int line, LPCSTR name) override;
+BOOL wcgmMakeCurrent(const char* file, unsigned int line, HDC device, HGLRC context) override;
+BOOL wcgmShareLists(const char* file, unsigned int line, HGLRC first, HGLRC second) override;
+BOOL wcgmUseFontBitmapsA(const char* file, unsigned int line, HDC device, DWORD first, DWORD count, DWORD listBase) override;
+BOOL wcgmUseFontBitmapsW(const char* file, unsigned int line, HDC device, DWORD first, DWORD count, DWORD listBase) override;
+BOOL wcgmSwapBuffers(const char* file, unsigned int line, HDC device) override;
+BOOL wcgmUseFontOutlinesA(const char* file, unsigned int line, HDC device, DWORD first, DWORD count, DWORD listBase, FLOAT deviation, FLOAT extrusion, int format, LPGLYPHMETRICSFLOAT metrics) override;
+BOOL wcgmUseFontOutlinesW(const char* file, unsigned int line, HDC device, DWORD first, DWORD count, DWORD listBase, FLOAT deviation, FLOAT extrusion, int format, LPGLYPHMETRICSFLOAT metrics) override;
+BOOL wcgmDescribeLayerPlane(const char* file, unsigned int line, HDC device, int pixelFormat, int layer, UINT size, LPLAYERPLANEDESCRIPTOR descriptor) override;
+int wcgmSetLayerPaletteEntries(const char* file, unsigned int line, HDC device, int layer, int start, int count, const COLORREF* colors) override;
+int wcgmGetLayerPaletteEntries(const char* file, unsigned int line, HDC device, int layer, int start, int count, COLORREF* colors) override;
+BOOL wcgmRealizeLayerPalette(const char* file, unsigned int line, HDC device, int layer, BOOL realize) override;
+BOOL wcgmSwapLayerBuffers(const char* file, unsigned int line, HDC device, UINT planes) override;
+DWORD wcgmSwapMultipleBuffers(const char* file, unsigned int line, UINT count, const WGLSWAP* buffers) override;
