@@ -22,6 +22,7 @@ struct State {
     std::vector<Call> calls;
     std::map<std::string, Value, std::less<>> results;
     std::deque<GLenum> errors;
+    std::function<void(const Call&)> hook;
     bool recording = true;
 };
 State state;
@@ -34,31 +35,27 @@ Value nextError() {
     return code;
 }
 
-// Stands for one function; called with its arguments.
-template <class Result>
-struct Function {
-    const char* name;
-
-    template <class... Arguments>
-    Result operator()(Arguments... arguments) const {
-        if (state.recording)
-            state.calls.push_back({name, {Value(arguments)...}});
-        if constexpr (!std::is_void_v<Result>) {
-            if (std::strcmp(name, "glGetError") == 0)
-                return nextError().as<Result>();
-            const auto result = state.results.find(name);
-            return result == state.results.end() ? Result() : result->second.template as<Result>();
-        }
-    }
-};
-
 } // namespace
 
 void reset() { state = State(); }
 const std::vector<Call>& calls() { return state.calls; }
 void setRecording(bool on) { state.recording = on; }
 void setResult(const std::string& function, Value result) { state.results[function] = result; }
+bool hasResult(const std::string& function) { return state.results.contains(function); }
 void pushError(unsigned int code) { state.errors.push_back(code); }
+void setHook(std::function<void(const Call& call)> hook) { state.hook = std::move(hook); }
+
+Value answer(const char* function, std::initializer_list<Value> arguments) {
+    if (state.recording) {
+        state.calls.push_back({function, arguments});
+        if (state.hook)
+            state.hook(state.calls.back());
+    }
+    if (std::strcmp(function, "glGetError") == 0)
+        return nextError();
+    const auto result = state.results.find(function);
+    return result == state.results.end() ? Value() : result->second;
+}
 
 std::ostream& operator<<(std::ostream& out, const Value& value) {
     return out << value.kind_ << 8 * value.size_ << " 0x" << std::hex << value.bits_ << std::dec;
@@ -81,7 +78,7 @@ std::ostream& operator<<(std::ostream& out, const Call& call) {
 #undef ZLT_GL_CORE_ENTRY
 #undef ZLT_GL_ENTRY
 
-namespace {
+namespace FakeGL {
 
 using Address = void (*)();
 
@@ -96,16 +93,13 @@ Address addressOf(const char* name) {
     return found == addresses.end() ? nullptr : found->second;
 }
 
-} // namespace
+} // namespace FakeGL
 
 extern "C" {
 
-#if defined(_WIN32)
-PROC WINAPI wglGetProcAddress(LPCSTR name) { return reinterpret_cast<PROC>(addressOf(name)); }
-HGLRC WINAPI wglGetCurrentContext() { return reinterpret_cast<HGLRC>(&FakeGL::state); }
-#else
+#if !defined(_WIN32)
 __eglMustCastToProperFunctionPointerType EGLAPIENTRY eglGetProcAddress(const char* name) {
-    return addressOf(name);
+    return FakeGL::addressOf(name);
 }
 #endif
 

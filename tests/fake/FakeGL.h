@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <cstring>
+#include <functional>
+#include <initializer_list>
 #include <ostream>
 #include <stdexcept>
 #include <string>
@@ -12,7 +14,8 @@
 /// @file
 /// A GL that draws nothing: it notes each call and answers as it was told to. All of GL 1.1 is linked by
 /// name, everything else comes from `eglGetProcAddress` or `wglGetProcAddress`, and a context is always
-/// current. For one thread at a time.
+/// current. The window system beside it, the functions of the WGL chain, is scripted alike. For one thread at
+/// a time.
 
 namespace FakeGL {
 
@@ -34,6 +37,8 @@ public:
         std::memcpy(&value, &bits_, size_);
         return value;
     }
+
+    bool isPointer() const { return kind_ == "pointer"; }
 
     bool operator==(const Value&) const = default;
     friend std::ostream& operator<<(std::ostream& out, const Value& value);
@@ -70,7 +75,32 @@ const std::vector<Call>& calls();
 void setRecording(bool on);
 /// What `function` returns from now on, in the function's type; 0 without.
 void setResult(const std::string& function, Value result);
+/// Whether a result was set since reset().
+bool hasResult(const std::string& function);
 /// What a later `glGetError` returns, first in, first out; 0 when there is nothing left.
 void pushError(unsigned int code);
+
+/// Calls `hook` with each call that is noted, after it was, until reset(): what it finds is what the driver
+/// would have found.
+void setHook(std::function<void(const Call& call)> hook);
+
+/// For the scripted functions themselves: notes the call, and gives the scripted result.
+Value answer(const char* function, std::initializer_list<Value> arguments);
+
+/// Stands for one function; called with its arguments.
+template <class Result>
+struct Function {
+    const char* name;
+
+    template <class... Arguments>
+    Result operator()(Arguments... arguments) const {
+        [[maybe_unused]] const Value result = answer(name, {Value(arguments)...});
+        if constexpr (!std::is_void_v<Result>)
+            return result == Value() ? Result() : result.as<Result>();
+    }
+};
+
+/// The address of a function of the scripted GL that is not linked by name, or null.
+void (*addressOf(const char* name))();
 
 } // namespace FakeGL

@@ -1,5 +1,5 @@
 # Installs the build in BUILD to a fresh prefix, then builds and runs consumer/ against it, once by find_package
-# and once by pkg-config. COMPILER, TOOLCHAIN and EMULATOR are those of the build.
+# and once by pkg-config, and compiles the program in README. COMPILER, TOOLCHAIN and EMULATOR are those of the build.
 set(prefix ${WORK}/prefix)
 file(REMOVE_RECURSE ${WORK})
 file(MAKE_DIRECTORY ${WORK})
@@ -25,6 +25,13 @@ execute_process(COMMAND ${PKG_CONFIG} --cflags --libs zlt_ogl
 separate_arguments(options UNIX_COMMAND "${options} ${FLAGS}")
 set(sources ${CMAKE_CURRENT_LIST_DIR}/consumer/main.cpp ${CMAKE_CURRENT_LIST_DIR}/consumer/intercepted.cpp)
 run(${COMPILER} -std=c++20 ${sources} -o ${WORK}/by-pkg-config${SUFFIX} ${options})
+
+# The program in the README, as it stands there.
+file(READ ${README} text)
+string(REGEX MATCH "```cpp\n.*\n}\n```" text "${text}")
+string(REGEX REPLACE "```cpp|```" "" text "${text}")
+file(WRITE ${WORK}/readme.cpp "${text}")
+run(${COMPILER} -std=c++20 -c ${WORK}/readme.cpp -o ${WORK}/readme.o ${options})
 
 # Where a system looks for shared libraries is its installer's business; here the prefix is a temporary one.
 set(ENV{LD_LIBRARY_PATH} ${prefix}/${LIBDIR})

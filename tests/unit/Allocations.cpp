@@ -1,5 +1,6 @@
 #include "FakeGL.h"
 #include "extensionator/OpenGLErrorChecker.h"
+#include "extensionator/OpenGLRekorder.h"
 #include "extensionator/OpenGLTracer.h"
 
 #include <gtest/gtest.h>
@@ -28,30 +29,36 @@ struct FixedBuffer : std::streambuf {
     char text[4096];
 };
 
-TEST(Allocations, ATracedAndCheckedCallMakesNone) {
+TEST(Allocations, ATracedOrRecordedAndCheckedCallMakesNone) {
     FakeGL::reset();
     FakeGL::setRecording(false);
     ZLT::OGL::OpenGLErrorChecker checker;
-    FixedBuffer buffer;
-    std::ostream out(&buffer);
-    ZLT::OGL::OpenGLTracer tracer(out, &checker);
+    FixedBuffer trace, text, data;
+    std::ostream traceOut(&trace), textOut(&text), dataOut(&data);
+    ZLT::OGL::OpenGLTracer tracer(traceOut, &checker);
+    ZLT::OGL::OpenGLRekorder recorder(textOut, dataOut, &checker, true);
     const char name[] = "a name that is too long for the short form of a string";
+    const float matrix[16] = {};
     const int before = allocations;
     ::operator delete(::operator new(1));
     ASSERT_EQ(before + 1, allocations) << "the count works";
 
-    tracer.cgmBindTexture(name, 1, 0x0DE1, 5);
-    tracer.cgmColor4f(name, 2, 0.1f, -1e10f, 3e-20f, 1);
-    tracer.cgmVertex2d(name, 3, 1.0 / 3, 1e-300);
-    tracer.cgmColor3ub(name, 4, 'a', 'b', 'c');
-    tracer.cgmColorMask(name, 5, 0, 1, 0, 1);
-    tracer.cgmVertex2s(name, 6, -1, 32767);
-    tracer.cgmAttachObjectARB(name, 7, 1, 2);
-    tracer.cgmBufferData(name, 8, 0x8892, 1ll << 40, &buffer, 0x88E4);
-    tracer.cgmUniformui64NV(name, 9, 1, ~0ull);
-    tracer.cgmGetUniformLocation(name, 10, 1, name);
-    EXPECT_EQ(before + 1, allocations);
-    EXPECT_TRUE(out.good());
+    for (ZLT::OGL::OpenGLInterceptor* gl :
+         std::initializer_list<ZLT::OGL::OpenGLInterceptor*>{&tracer, &recorder}) {
+        gl->cgmBindTexture(name, 1, 0x0DE1, 5);
+        gl->cgmColor4f(name, 2, 0.1f, -1e10f, 3e-20f, 1);
+        gl->cgmVertex2d(name, 3, 1.0 / 3, 1e-300);
+        gl->cgmColor3ub(name, 4, 'a', 'b', 'c');
+        gl->cgmColorMask(name, 5, 0, 1, 0, 1);
+        gl->cgmVertex2s(name, 6, -1, 32767);
+        gl->cgmAttachObjectARB(name, 7, 1, 2);
+        gl->cgmBufferData(name, 8, 0x8892, 1ll << 40, &trace, 0x88E4);
+        gl->cgmUniformui64NV(name, 9, 1, ~0ull);
+        gl->cgmGetUniformLocation(name, 10, 1, name);
+        gl->cgmLoadMatrixf(name, 11, matrix);
+        EXPECT_EQ(before + 1, allocations);
+    }
+    EXPECT_TRUE(traceOut.good() && textOut.good() && dataOut.good());
 }
 
 } // namespace

@@ -1,9 +1,11 @@
 #include "Entries.h"
 
+#include "extensionator/TokenName.h"
 #include "extensionator/gl_intercept.h"
 
+#include <gtest/gtest.h>
+
 #include <random>
-#include <set>
 
 namespace ZLT::OGL {
 
@@ -12,6 +14,7 @@ using FakeGL::Value;
 namespace {
 
 std::set<std::uint64_t> used; // by the values of the present call
+bool writable = false;
 
 std::uint64_t distinctBits(int bits) {
     static std::mt19937_64 random(20);
@@ -20,9 +23,31 @@ std::uint64_t distinctBits(int bits) {
             return value;
 }
 
+template <class T>
+T writableSample() {
+    if constexpr (std::is_pointer_v<T>) {
+        return nullptr;
+    } else if constexpr (sizeof(T) == 1) {
+        return static_cast<T>(distinctBits(64) & 1); // there may be more of them than values
+    } else if constexpr (std::is_floating_point_v<T>) {
+        return static_cast<T>(static_cast<int>(distinctBits(12)) - 2048) / 4;
+    } else if constexpr (std::is_same_v<T, unsigned int>) {
+        unsigned int value;
+        do
+            value = static_cast<unsigned int>(distinctBits(16));
+        while (std::strcmp(TokenName(value), "Unknown Token") == 0);
+        return value;
+    } else {
+        const std::uint64_t bits = distinctBits(sizeof(T) == 2 ? 16 : std::is_signed_v<T> ? 32 : 63);
+        return static_cast<T>(std::is_signed_v<T> && sizeof(T) > 2 ? static_cast<std::int32_t>(bits) : bits);
+    }
+}
+
 // Pointers to characters point at a text, since the tracer reads it; others anywhere.
 template <class T>
 T sample() {
+    if (writable)
+        return writableSample<T>();
     using Pointee = std::remove_cv_t<std::remove_pointer_t<T>>;
     if constexpr (!std::is_pointer_v<T>) {
         const std::uint64_t bits = distinctBits(8 * sizeof(T));
@@ -53,14 +78,6 @@ To plain(From value) {
                       (std::is_same_v<From, GLhalfNV> && std::is_same_v<To, unsigned int>));
         return static_cast<To>(value);
     }
-}
-
-// A pointer to a virtual member holds the offset in the virtual table, its lowest bit set on some processors.
-template <class Member>
-std::size_t virtualSlotOf(Member member) {
-    std::size_t word;
-    std::memcpy(&word, &member, sizeof(word));
-    return word / sizeof(void*);
 }
 
 // "(GLenum mode, const GLfloat m[16])"
@@ -118,6 +135,7 @@ Entry entry(std::size_t slot, const char* name, const char* parameters,
     Entry entry{slot,
                 name,
                 typesOf(parameters),
+                std::strchr(parameters, '*') != nullptr,
                 virtualSlotOf(member),
                 file,
                 line,
@@ -150,6 +168,33 @@ const std::vector<Entry>& entries() {
 #include "EntryPoints.inl"
     };
     return entries;
+}
+
+void sampleWritableValues() { writable = true; }
+
+void forEachEntryBut(const std::set<std::string>& leftOut,
+                     const std::function<void(const Entry& entry)>& body) {
+    ASSERT_EQ(1833u, entries().size());
+    for (const Entry& entry : entries()) {
+        if (leftOut.contains(entry.name))
+            continue;
+        SCOPED_TRACE(entry.name);
+        FakeGL::reset();
+        if (entry.name == "End")
+            OpenGLInterceptor::Instance()->cgmBegin("begin.cpp", 1, 0);
+        FakeGL::reset();
+        body(entry);
+        FakeGL::reset();
+        if (entry.name == "Begin")
+            OpenGLInterceptor::Instance()->cgmEnd("end.cpp", 1);
+    }
+}
+
+void expectCheckedCall(const Entry& entry, const Attempt& attempt) {
+    std::vector<FakeGL::Call> expected = {{"gl" + entry.name, attempt.arguments}, {"glGetError", {}}};
+    if (entry.name == "Begin")
+        expected.pop_back();
+    EXPECT_EQ(expected, FakeGL::calls());
 }
 
 } // namespace ZLT::OGL

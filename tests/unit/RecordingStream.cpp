@@ -1,0 +1,96 @@
+#include "RecordingStream.h"
+
+#include "FakeGL.h"
+#include "RecordText.h"
+#include "extensionator/OpenGLErrorChecker.h"
+#include "extensionator/OpenGLRekorder.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+using namespace ZLT::OGL;
+
+namespace {
+
+// A recording with records of both kinds, in files.
+class Replay : public testing::Test {
+protected:
+    Replay() {
+        FakeGL::reset();
+        OpenGLErrorChecker checker;
+        OpenGLRekorder recorder(text, data, &checker, false);
+        recorder.cgmDeleteTextures("a.cpp", 1, 1, names);             // at 0
+        recorder.cgmUniform1iv("a.cpp", 2, 0, 2, numbers);            // 16
+        recorder.cgmShaderSource("a.cpp", 3, 5, 2, strings, nullptr); // 28
+        recorder.cgmShaderSource("a.cpp", 4, 5, 0, nullptr, nullptr); // 48, without a record
+        recorder.cgmUniform1iv("a.cpp", 5, 0, 2, numbers);            // 48
+        std::filesystem::create_directories(folder);
+    }
+    ~Replay() override { std::filesystem::remove_all(folder); }
+
+    RecordingStream open(const std::string& text, const std::string& data) const {
+        std::ofstream(folder / "text", std::ios::binary) << text;
+        std::ofstream(folder / "data", std::ios::binary) << data;
+        return {(folder / "text").string(), (folder / "data").string()};
+    }
+
+    // As a statement does, for so many records in a row.
+    static std::vector<std::string> read(RecordingStream& stream, std::uint32_t position, int count = 1) {
+        std::vector<std::string> payloads;
+        stream.seekg(position);
+        while (count-- > 0) {
+            unsigned int size = 0;
+            stream.read(reinterpret_cast<char*>(&size), sizeof(size));
+            std::string payload(size, '\0');
+            stream.read(payload.data(), size);
+            payloads.push_back(payload);
+        }
+        return payloads;
+    }
+
+    template <class Action>
+    static void expectFailure(const char* message, const Action& action) {
+        EXPECT_THAT(action, testing::ThrowsMessage<std::runtime_error>(testing::HasSubstr(message)));
+    }
+
+    const unsigned int names[2] = {7, 0x12345678};
+    const int numbers[2] = {-1, 8};
+    const char* strings[2] = {"xy", ""};
+    std::ostringstream text, data;
+    const std::filesystem::path folder = std::filesystem::path(testing::TempDir()) / "RecordingStream";
+};
+
+TEST_F(Replay, HandsOutEachPayloadWhateverTheWidthOfItsLength) {
+    RecordingStream stream = open(text.str(), data.str());
+    using testing::ElementsAre;
+    EXPECT_THAT(read(stream, 48), ElementsAre(bytesOf(numbers, 8)));
+    EXPECT_THAT(read(stream, 28, 2), ElementsAre(std::string("xy\0", 3), std::string(1, '\0')));
+    EXPECT_THAT(read(stream, 0), ElementsAre(bytesOf(names, 8)));
+    EXPECT_THAT(read(stream, 16), ElementsAre(bytesOf(numbers, 8)));
+}
+
+TEST_F(Replay, RefusesDamagedData) {
+    const std::string whole = data.str();
+    ASSERT_EQ(60u, whole.size());
+    for (std::size_t size = 48; size < whole.size(); ++size) {
+        RecordingStream stream = open(text.str(), whole.substr(0, size));
+        expectFailure("recorded data", [&] { read(stream, 48); });
+        EXPECT_EQ(bytesOf(names, 8), read(stream, 0).at(0)) << "what is there can be read";
+    }
+    for (const std::size_t size : {0, 3, 20})
+        expectFailure("recorded data", [&] {
+            RecordingStream stream = open(text.str(), whole.substr(0, size));
+            read(stream, 28, 2);
+        });
+    RecordingStream stream = open(text.str(), whole);
+    for (const unsigned int position : {2u, 20u, 30u, 50u, 61u, 4294967295u})
+        expectFailure("recorded data", [&] { read(stream, position); });
+    // More than the statement's own record.
+    expectFailure("recorded data", [&] { read(stream, 48, 2); });
+    expectFailure("cannot read", [&] { RecordingStream(folder.string() + "/missing", "missing"); });
+}
+
+} // namespace
