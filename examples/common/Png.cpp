@@ -1,16 +1,55 @@
 #include "Png.h"
 
+#if defined(_WIN32)
+#include <windows.h>
+#endif
+
+#define GL_GLEXT_PROTOTYPES
+#include <GL/gl.h>
+#include <GL/glext.h>
 #include <png.h>
 
+#include <cstddef>
 #include <stdexcept>
 
-void writePng(const std::string& path, int width, int height, const std::vector<std::uint8_t>& pixels) {
+Picture readFrame(int width, int height) {
+    Picture picture = {width, height,
+                       std::vector<std::uint8_t>(std::size_t(width) * std::size_t(height) * 3)};
+    glPushClientAttrib(GL_CLIENT_PIXEL_STORE_BIT);
+    // Whatever the program left set would put the pixels elsewhere.
+    GLint packBuffer = 0;
+    glGetIntegerv(GL_PIXEL_PACK_BUFFER_BINDING, &packBuffer);
+    glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
+    for (const GLenum name : {GL_PACK_ROW_LENGTH, GL_PACK_SKIP_ROWS, GL_PACK_SKIP_PIXELS, GL_PACK_SWAP_BYTES})
+        glPixelStorei(name, 0);
+    glPixelStorei(GL_PACK_ALIGNMENT, 1);
+    glReadPixels(0, 0, width, height, GL_RGB, GL_UNSIGNED_BYTE, picture.pixels.data());
+    glBindBuffer(GL_PIXEL_PACK_BUFFER, static_cast<GLuint>(packBuffer));
+    glPopClientAttrib();
+    return picture;
+}
+
+void writePng(const std::string& path, const Picture& picture) {
     png_image image = {};
     image.version = PNG_IMAGE_VERSION;
-    image.width = static_cast<png_uint_32>(width);
-    image.height = static_cast<png_uint_32>(height);
+    image.width = static_cast<png_uint_32>(picture.width);
+    image.height = static_cast<png_uint_32>(picture.height);
     image.format = PNG_FORMAT_RGB;
-    const png_int_32 bottomUp = -3 * width;
-    if (!png_image_write_to_file(&image, path.c_str(), 0, pixels.data(), bottomUp, nullptr))
+    const png_int_32 bottomUp = -3 * picture.width;
+    if (!png_image_write_to_file(&image, path.c_str(), 0, picture.pixels.data(), bottomUp, nullptr))
         throw std::runtime_error("cannot write " + path + ": " + image.message);
+}
+
+Picture readPng(const std::string& path) {
+    png_image image = {};
+    image.version = PNG_IMAGE_VERSION;
+    if (!png_image_begin_read_from_file(&image, path.c_str()))
+        throw std::runtime_error("cannot read " + path + ": " + image.message);
+    image.format = PNG_FORMAT_RGB;
+    Picture picture = {static_cast<int>(image.width), static_cast<int>(image.height),
+                       std::vector<std::uint8_t>(PNG_IMAGE_SIZE(image))};
+    const png_int_32 bottomUp = -3 * picture.width;
+    if (!png_image_finish_read(&image, nullptr, picture.pixels.data(), bottomUp, nullptr))
+        throw std::runtime_error("cannot read " + path + ": " + image.message);
+    return picture;
 }

@@ -12,13 +12,11 @@
 
 #include <GL/gl.h>
 
-#include <cstdint>
 #include <exception>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <stdexcept>
-#include <vector>
 
 using namespace ZLT::OGL;
 
@@ -26,13 +24,6 @@ namespace {
 
 constexpr int width = 960;
 constexpr int height = 640;
-
-std::vector<std::uint8_t> readFrame() {
-    std::vector<std::uint8_t> pixels(std::size_t(width) * height * 3);
-    CGM(PixelStorei, GL_PACK_ALIGNMENT, 1);
-    CGM(ReadPixels, 0, 0, width, height, GL_RGB, GL_UNSIGNED_BYTE, pixels.data());
-    return pixels;
-}
 
 void makeMistake() {
     try {
@@ -58,9 +49,9 @@ void run(const std::filesystem::path& folder) {
     OpenGLInterceptor::Instance()->addInterceptor(&tracer);
 
     {
-        Scene scene(width, height);
-        scene.draw(12.0f);
-        writePng(folder / "frame.png", width, height, readFrame());
+        const auto scene = Scene::make("objects", width, height);
+        scene->draw();
+        writePng(folder / "frame.png", readFrame(width, height));
         makeMistake();
     }
 

@@ -36,11 +36,12 @@ std::vector<std::uint8_t> ringTexture(int size) {
 }
 
 void spherePoint(float latitude, float longitude, float u, float v) {
-    const std::array normal = {std::cos(latitude) * std::cos(longitude), std::sin(latitude),
-                               std::cos(latitude) * std::sin(longitude)};
+    const float x = std::cos(latitude) * std::cos(longitude);
+    const float y = std::sin(latitude);
+    const float z = std::cos(latitude) * std::sin(longitude);
     CGM(TexCoord2f, u, v);
-    CGM(Normal3fv, normal.data());
-    CGM(Vertex3fv, normal.data());
+    CGM(Normal3f, x, y, z);
+    CGM(Vertex3f, x, y, z);
 }
 
 void compileSphere(int stacks, int slices) {
@@ -76,30 +77,24 @@ void compileTorus(int rings, int sides) {
 }
 
 void compileBox() {
-    constexpr float corners[8][3] = {{-1, -1, -1}, {1, -1, -1}, {1, 1, -1}, {-1, 1, -1},
-                                     {-1, -1, 1},  {1, -1, 1},  {1, 1, 1},  {-1, 1, 1}};
-    constexpr int faces[6][4] = {{0, 3, 2, 1}, {4, 5, 6, 7}, {0, 1, 5, 4},
-                                 {3, 7, 6, 2}, {0, 4, 7, 3}, {1, 2, 6, 5}};
-    constexpr float normals[6][3] = {{0, 0, -1}, {0, 0, 1}, {0, -1, 0}, {0, 1, 0}, {-1, 0, 0}, {1, 0, 0}};
-    constexpr float texels[4][2] = {{0, 0}, {1, 0}, {1, 1}, {0, 1}};
-    CGM(Begin, GL_QUADS);
-    for (int face = 0; face < 6; ++face) {
-        CGM(Normal3fv, normals[face]);
-        for (int corner = 0; corner < 4; ++corner) {
-            CGM(TexCoord2fv, texels[corner]);
-            CGM(Vertex3fv, corners[faces[face][corner]]);
+    // Each face is the first one, turned.
+    constexpr float turns[6][4] = {{0, 1, 0, 0},   {90, 1, 0, 0}, {180, 1, 0, 0},
+                                   {270, 1, 0, 0}, {90, 0, 1, 0}, {-90, 0, 1, 0}};
+    for (const auto& [angle, x, y, z] : turns) {
+        CGM(PushMatrix);
+        CGM(Rotatef, angle, x, y, z);
+        CGM(Begin, GL_QUADS);
+        CGM(Normal3f, 0.0f, 0.0f, 1.0f);
+        for (const auto& [u, v] : {std::array{0, 0}, std::array{1, 0}, std::array{1, 1}, std::array{0, 1}}) {
+            CGM(TexCoord2i, u, v);
+            CGM(Vertex3i, 2 * u - 1, 2 * v - 1, 1);
         }
+        CGM(End);
+        CGM(PopMatrix);
     }
-    CGM(End);
 }
 
-void material(Color color, float shininess) {
-    const std::array diffuse = {color.r, color.g, color.b, 1.0f};
-    const std::array specular = {0.6f, 0.6f, 0.6f, 1.0f};
-    CGM(Materialfv, GL_FRONT_AND_BACK, GL_AMBIENT_AND_DIFFUSE, diffuse.data());
-    CGM(Materialfv, GL_FRONT_AND_BACK, GL_SPECULAR, specular.data());
-    CGM(Materialf, GL_FRONT_AND_BACK, GL_SHININESS, shininess);
-}
+void color(Color color) { CGM(Color3f, color.r, color.g, color.b); }
 
 void setCamera(int width, int height) {
     const double aspect = static_cast<double>(width) / static_cast<double>(height);
@@ -120,7 +115,7 @@ void drawFloor() {
     for (int z = -tiles; z < tiles; ++z)
         for (int x = -tiles; x < tiles; ++x) {
             const bool light = ((x ^ z) & 1) != 0;
-            material(light ? Color{0.80f, 0.82f, 0.86f} : Color{0.26f, 0.30f, 0.38f}, 8.0f);
+            color(light ? Color{0.80f, 0.82f, 0.86f} : Color{0.26f, 0.30f, 0.38f});
             CGM(Begin, GL_QUADS);
             CGM(Vertex3i, x, -1, z);
             CGM(Vertex3i, x, -1, z + 1);
@@ -130,34 +125,44 @@ void drawFloor() {
         }
 }
 
-} // namespace
+class Objects : public Scene {
+public:
+    Objects(int width, int height);
+    ~Objects() override;
+    void draw() override;
 
-Scene::Scene(int width, int height) {
+private:
+    // A recording of the deletion reads twice the array.
+    std::array<unsigned int, 2> textures_{};
+    unsigned int lists_ = 0;
+};
+
+Objects::Objects(int width, int height) {
     setCamera(width, height);
-    CGM(ClearColor, 0.62f, 0.72f, 0.84f, 1.0f);
     CGM(Enable, GL_DEPTH_TEST);
     CGM(Enable, GL_NORMALIZE);
     CGM(ShadeModel, GL_SMOOTH);
 
-    const std::array position = {4.0f, 8.0f, 5.0f, 1.0f};
-    const std::array ambient = {0.25f, 0.25f, 0.28f, 1.0f};
+    // The light that GL has from the start: white, from where the eye is.
     CGM(Enable, GL_LIGHTING);
     CGM(Enable, GL_LIGHT0);
-    CGM(Lightfv, GL_LIGHT0, GL_POSITION, position.data());
-    CGM(LightModelfv, GL_LIGHT_MODEL_AMBIENT, ambient.data());
-    CGM(LightModeli, GL_LIGHT_MODEL_TWO_SIDE, GL_TRUE);
+    CGM(LightModeli, GL_LIGHT_MODEL_LOCAL_VIEWER, GL_TRUE);
+    CGM(Materialf, GL_FRONT, GL_SHININESS, 40.0f);
+    CGM(ColorMaterial, GL_FRONT, GL_SPECULAR);
+    CGM(Enable, GL_COLOR_MATERIAL);
+    color({0.5f, 0.5f, 0.5f});
+    CGM(ColorMaterial, GL_FRONT, GL_AMBIENT_AND_DIFFUSE);
 
-    const std::array fog = {0.62f, 0.72f, 0.84f, 1.0f};
+    // Fog to black, as its colour is from the start.
     CGM(Enable, GL_FOG);
     CGM(Fogi, GL_FOG_MODE, GL_LINEAR);
     CGM(Fogf, GL_FOG_START, 11.0f);
-    CGM(Fogf, GL_FOG_END, 22.0f);
-    CGM(Fogfv, GL_FOG_COLOR, fog.data());
+    CGM(Fogf, GL_FOG_END, 21.0f);
 
     constexpr int size = 128;
     const std::vector<std::uint8_t> texels = ringTexture(size);
-    CGM(GenTextures, 1, &texture_);
-    CGM(BindTexture, GL_TEXTURE_2D, texture_);
+    CGM(GenTextures, 1, textures_.data());
+    CGM(BindTexture, GL_TEXTURE_2D, textures_[0]);
     CGM(TexParameteri, GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
     CGM(TexParameteri, GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
     CGM(TexEnvi, GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE);
@@ -176,25 +181,25 @@ Scene::Scene(int width, int height) {
     CGM(EndList);
 }
 
-Scene::~Scene() {
+Objects::~Objects() {
     try {
         CGM(DeleteLists, lists_, listCount);
-        CGM(DeleteTextures, 1, &texture_);
+        CGM(DeleteTextures, 1, textures_.data());
     } catch (...) {
         // A destructor lets nothing out; the names go with the context.
     }
 }
 
-void Scene::draw(float degrees) {
+void Objects::draw() {
     CGM(Clear, GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     drawFloor();
 
     CGM(PushMatrix);
     CGM(Translatef, 0.0f, 0.9f, 0.0f);
     CGM(Scalef, 1.9f, 1.9f, 1.9f);
-    material({0.95f, 0.95f, 0.95f}, 60.0f);
+    color({0.95f, 0.95f, 0.95f});
     CGM(Enable, GL_TEXTURE_2D);
-    CGM(BindTexture, GL_TEXTURE_2D, texture_);
+    CGM(BindTexture, GL_TEXTURE_2D, textures_[0]);
     CGM(CallList, lists_ + sphere);
     CGM(PopMatrix);
 
@@ -205,11 +210,11 @@ void Scene::draw(float degrees) {
     for (int i = 0; i < objects; ++i) {
         const unsigned int shape = static_cast<unsigned int>(i) % listCount;
         CGM(PushMatrix);
-        CGM(Rotatef, degrees + 360.0f * static_cast<float>(i) / objects, 0.0f, 1.0f, 0.0f);
+        CGM(Rotatef, 12.0f + 360.0f * static_cast<float>(i) / objects, 0.0f, 1.0f, 0.0f);
         CGM(Translatef, 4.6f, -0.35f, 0.0f);
         CGM(Rotatef, 35.0f * static_cast<float>(i), 0.3f, 1.0f, 0.2f);
         CGM(Scalef, 0.45f, 0.45f, 0.45f);
-        material(colors[static_cast<std::size_t>(i) % colors.size()], 40.0f);
+        color(colors[static_cast<std::size_t>(i) % colors.size()]);
         if (shape == torus)
             CGM(Disable, GL_TEXTURE_2D);
         else
@@ -219,3 +224,7 @@ void Scene::draw(float degrees) {
     }
     CGM(Finish);
 }
+
+} // namespace
+
+std::unique_ptr<Scene> makeObjects(int width, int height) { return std::make_unique<Objects>(width, height); }

@@ -1,0 +1,4 @@
+#pragma once
+
+/// Makes the recorded calls, once. replay::begin() comes first.
+void replayRecordedCalls();
