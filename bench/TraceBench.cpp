@@ -1,11 +1,12 @@
-// A traced call, from the client to the text in a file, against the same text by plain insertions, and
-// against `apitrace trace`, whose file is a binary one that `apitrace dump` makes text of. Each figure has
-// the GL call in it, on Mesa; ours has the error check too.
+// A traced and a recorded call, from the client to the text in a file, against the trace by plain insertions,
+// and against `apitrace trace`, whose file is a binary one that `apitrace dump` makes text of. Each figure
+// has the GL call in it, on Mesa; ours has the error check too.
 
 #include "Allocations.h"
 #include "CallValues.h"
 #include "Comparison.h"
 #include "HeadlessContext.h"
+#include "extensionator/OpenGLRekorder.h"
 #include "extensionator/OpenGLTracer.h"
 #include "extensionator/TokenName.h"
 
@@ -24,6 +25,7 @@
 namespace {
 
 using ZLT::OGL::OpenGLInterceptor;
+using ZLT::OGL::OpenGLRekorder;
 using ZLT::OGL::OpenGLTracer;
 
 constexpr long callCount = 500000;
@@ -86,6 +88,19 @@ private:
     OpenGLTracer tracer_;
 };
 
+// Likewise a recorder.
+class Recording {
+public:
+    Recording(std::ostream& text, std::ostream& data, bool lineComments)
+        : recorder_(text, data, nullptr, lineComments) {
+        OpenGLInterceptor::Instance()->addInterceptor(&recorder_);
+    }
+    ~Recording() { OpenGLInterceptor::Instance()->popInterceptor(); }
+
+private:
+    OpenGLRekorder recorder_;
+};
+
 template <class Calls>
 void checkedCalls(benchmark::State& state, const Calls& calls) {
     long i = 0;
@@ -97,6 +112,14 @@ template <class Calls>
 void tracedCalls(benchmark::State& state, const Calls& calls) {
     std::ofstream out(folder + "/ours.txt");
     const Tracing tracing(out);
+    checkedCalls(state, calls);
+}
+
+template <bool lineComments, class Calls>
+void recordedCalls(benchmark::State& state, const Calls& calls) {
+    std::ofstream text(folder + "/recording.inl");
+    std::ofstream data(folder + "/recording.bin", std::ios::binary);
+    const Recording recording(text, data, lineComments);
     checkedCalls(state, calls);
 }
 
@@ -186,16 +209,20 @@ bool hasPlainText(const Calls& calls) {
     return false;
 }
 
-// Nothing but the stream's own buffer, which a file has from the start, may be allocated.
+// Nothing but the streams' own buffers, which files have from the start, may be allocated.
 template <class Calls>
 bool allocatesNothing(const Calls& calls) {
     std::ofstream out(folder + "/counted.txt");
+    std::ofstream text(folder + "/counted.inl");
+    std::ofstream data(folder + "/counted.bin", std::ios::binary);
+    const Recording recording(text, data, true);
     const Tracing tracing(out);
     const unsigned long before = allocations();
     for (long i = 0; i < callCount; ++i)
         calls.call(OpenGLInterceptor::Instance(), i);
     const unsigned long count = allocations() - before;
-    std::printf("%s: %lu allocations in %ld traced calls\n", calls.name.c_str(), count, callCount);
+    std::printf("%s: %lu allocations in %ld traced and recorded calls\n", calls.name.c_str(), count,
+                callCount);
     return count == 0;
 }
 
@@ -221,6 +248,8 @@ void registerCalls(const Calls& calls, bool withApitrace, double aim, double lar
     add(": checked", checkedCalls<Calls>, calls)->Iterations(callCount);
     add(": OpenGLTracer", tracedCalls<Calls>, calls)->Iterations(callCount);
     add(": OpenGLTracer, 64 KiB buffer", tracedCallsLargeBuffer<Calls>, calls)->Iterations(callCount);
+    add(": OpenGLRekorder", recordedCalls<false, Calls>, calls)->Iterations(callCount);
+    add(": OpenGLRekorder, line comments", recordedCalls<true, Calls>, calls)->Iterations(callCount);
     add(": plain insertions", insertedCalls<Calls>, calls)->Iterations(callCount);
     comparisons.push_back({name + ": OpenGLTracer", name + ": plain insertions"});
     if (!withApitrace)
@@ -233,6 +262,8 @@ void registerCalls(const Calls& calls, bool withApitrace, double aim, double lar
     comparisons.push_back(
         {name + ": OpenGLTracer, 64 KiB buffer", name + ": apitrace trace", largeBufferAim});
     comparisons.push_back({name + ": OpenGLTracer", name + ": apitrace dump"});
+    comparisons.push_back({name + ": OpenGLRekorder", name + ": apitrace trace", aim});
+    comparisons.push_back({name + ": OpenGLRekorder, line comments", name + ": apitrace trace"});
 }
 
 int measure(int argc, char** argv) {
