@@ -3,6 +3,7 @@
 // to do with the recording.
 
 #include "Png.h"
+#include "Run.h"
 #include "Scene.h"
 #include "Window.h"
 #include "extensionator/OpenGLInterceptor.h"
@@ -10,10 +11,7 @@
 #include "extensionator/OpenGLTracer.h"
 #include "extensionator/win/wglInterceptor.h"
 #include "extensionator/win/wglRekorder.h"
-#include "zlt/core/Core.h"
-#include "zlt/core/Exceptions.h"
 
-#include <exception>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -90,18 +88,10 @@ int main(int argc, char** argv) {
         std::cerr << "usage: record_scene objects|matrices|shaders|layers FOLDER\n";
         return 2;
     }
-    try {
+    return runExample([&] {
         const std::filesystem::path folder = std::filesystem::absolute(argv[2]);
         std::filesystem::create_directories(folder);
-        ZLT::Core::Library::initialize();
         record(argv[1], folder);
-        ZLT::Core::Library::terminate(&std::cerr);
         return 0;
-    } catch (const ZLT::LogicalException& error) {
-        error.write(std::cerr);
-        std::cerr << '\n';
-    } catch (const std::exception& error) {
-        std::cerr << error.what() << '\n';
-    }
-    return 1;
+    });
 }

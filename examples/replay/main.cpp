@@ -4,11 +4,9 @@
 #include "Png.h"
 #include "RecordedCalls.h"
 #include "Replay.h"
+#include "Run.h"
 #include "extensionator/OpenGLInterceptor.h"
-#include "zlt/core/Core.h"
-#include "zlt/core/Exceptions.h"
 
-#include <exception>
 #include <iostream>
 
 namespace {
@@ -44,16 +42,5 @@ int main(int argc, char** argv) {
         std::cerr << "usage: replay TEXT DATA EXPECTED PICTURE\n";
         return 2;
     }
-    try {
-        ZLT::Core::Library::initialize();
-        const bool equal = run(argv + 1);
-        ZLT::Core::Library::terminate();
-        return equal ? 0 : 1;
-    } catch (const ZLT::LogicalException& error) {
-        error.write(std::cerr);
-        std::cerr << '\n';
-    } catch (const std::exception& error) {
-        std::cerr << error.what() << '\n';
-    }
-    return 1;
+    return runExample([&] { return run(argv + 1) ? 0 : 1; });
 }

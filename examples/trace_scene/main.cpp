@@ -4,15 +4,14 @@
 #include "ExceptionOGL.h"
 #include "HeadlessContext.h"
 #include "Png.h"
+#include "Run.h"
 #include "Scene.h"
 #include "extensionator/OpenGLInterceptor.h"
 #include "extensionator/OpenGLTracer.h"
 #include "extensionator/TokenName.h"
-#include "zlt/core/Core.h"
 
 #include <GL/gl.h>
 
-#include <exception>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -64,18 +63,10 @@ void run(const std::filesystem::path& folder) {
 } // namespace
 
 int main(int argc, char** argv) {
-    try {
+    return runExample([&] {
         const std::filesystem::path folder = argc > 1 ? argv[1] : ".";
         std::filesystem::create_directories(folder);
-        ZLT::Core::Library::initialize();
         run(std::filesystem::absolute(folder));
-        ZLT::Core::Library::terminate(&std::cerr);
         return 0;
-    } catch (const ZLT::LogicalException& error) {
-        error.write(std::cerr);
-        std::cerr << '\n';
-    } catch (const std::exception& error) {
-        std::cerr << error.what() << '\n';
-    }
-    return 1;
+    });
 }

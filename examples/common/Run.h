@@ -1,0 +1,7 @@
+#pragma once
+
+#include <functional>
+
+/// Runs `body` between start and stop of the core, and returns what it returned. An exception is reported on
+/// the error stream, with its place where it has one, and gives 1; so is memory that was not released.
+int runExample(const std::function<int()>& body);
