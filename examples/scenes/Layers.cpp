@@ -60,9 +60,10 @@ private:
         constexpr int count = 9;
         for (int i = 0; i < count; ++i) {
             const float share = static_cast<float>(i) / (count - 1);
+            const int middle = (6 * band + 5) * height_ / 20;
             CGM(PushMatrix);
-            CGM(Translatef, 40.0f + share * static_cast<float>(width_ - 80),
-                static_cast<float>((6 * band + 5) * height_ / 20), -16.0f * share);
+            CGM(Translatef, 40.0f + share * static_cast<float>(width_ - 80), static_cast<float>(middle),
+                -16.0f * share);
             CGM(Scalef, static_cast<float>(height_) / 6, static_cast<float>(height_) / 6, 1.0f);
             CGM(Color4f, band == 0 ? 1.0f : share, band == 1 ? 1.0f : 1.0f - share, band == 2 ? 1.0f : 0.25f,
                 0.5f);

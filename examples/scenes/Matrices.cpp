@@ -38,7 +38,7 @@ public:
             for (int x = 0; x < size; ++x)
                 for (const float value : {static_cast<float>(x) / size, static_cast<float>(y) / size, 0.35f})
                     gradient.push_back(value);
-        const std::vector<std::uint32_t> square(8 * 8, 0xFFD040FF);
+        const std::vector<std::uint32_t> square(64, 0xFFD040FF);
         CGM(GenTextures, 1, textures_.data());
         CGM(BindTexture, GL_TEXTURE_2D, textures_[0]);
         CGM(TexParameteri, GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
