@@ -106,7 +106,8 @@ inline char* formatShort(char* to, float value) {
         std::memcpy(to + whole + 1, &fraction, 8);
         return to + (count > whole ? count + 1 : whole);
     }
-    std::memcpy(to, "0.000", 5);
+    constexpr char zeros[] = {'0', '.', '0', '0', '0'};
+    std::memcpy(to, zeros, sizeof(zeros));
     to += 2 - whole;
     std::memcpy(to, &text, 8);
     return to + count;
