@@ -38,8 +38,6 @@ public:
         return value;
     }
 
-    bool isPointer() const { return kind_ == "pointer"; }
-
     bool operator==(const Value&) const = default;
     friend std::ostream& operator<<(std::ostream& out, const Value& value);
 

@@ -1,6 +1,8 @@
 #include "FakeGL.h"
 #include "extensionator/OpenGLErrorChecker.h"
 #include "extensionator/OpenGLTracer.h"
+#include "extensionator/win/wglErrorChecker.h"
+#include "extensionator/win/wglRekorder.h"
 #include "zlt/core/Exceptions.h"
 #include "zlt/core/Memory.h"
 
@@ -13,90 +15,111 @@ using namespace ZLT::OGL;
 
 namespace {
 
+// What differs between the chains of GL and of WGL.
+struct GL {
+    using Interceptor = OpenGLInterceptor;
+    using Checker = OpenGLErrorChecker;
+    struct Layer : OpenGLTracer {
+        explicit Layer(std::ostream& text, Interceptor* next = nullptr) : OpenGLTracer(text, next) {}
+    };
+    static void call(Interceptor& gl) { gl.cgmFlush("a.cpp", 5); }
+    static constexpr const char *function = "glFlush", *text = "a.cpp:5: glFlush()\n";
+    static constexpr const char* rule = "Enforce dynamic_cast<OpenGLErrorChecker *>(gInterceptor) != NULL";
+    static constexpr const char* file = "..\\..\\extensionator\\OpenGLInterceptor";
+};
+struct WGL {
+    using Interceptor = wglInterceptor;
+    using Checker = wglErrorChecker;
+    struct Layer : wglRekorder {
+        explicit Layer(std::ostream& text, Interceptor* next = nullptr)
+            : wglRekorder(text, text, nullptr, next, false) {}
+    };
+    static void call(Interceptor& gl) { gl.wcgmGetCurrentDC("a.cpp", 5); }
+    static constexpr const char *function = "wglGetCurrentDC", *text = "wglGetCurrentDC();\n";
+    static constexpr const char* rule = "Enforce dynamic_cast<wglErrorChecker *>(gInterceptor) != NULL";
+    static constexpr const char* file = "..\\..\\extensionator\\win\\wglInterceptor";
+};
+
+template <class Kind>
 class Chain : public testing::Test {
 protected:
+    using Interceptor = typename Kind::Interceptor;
     Chain() { FakeGL::reset(); }
     // Whatever layers a failed test left there.
     ~Chain() override {
         while (other.popInterceptor()) {
         }
-        OpenGLInterceptor::destroy();
+        Interceptor::destroy();
         EXPECT_EQ(0u, Core::allocationCount());
     }
 
-    OpenGLErrorChecker other; // not in the chain; all operations of the chain work through it as well
-    std::ostringstream text;
-    OpenGLTracer layer{text, &other};
+    typename Kind::Checker other; // not in the chain; all operations of the chain work through it as well
+    std::ostringstream text, secondText;
+    typename Kind::Layer layer{text, &other}, second{secondText};
 };
+using Kinds = testing::Types<GL, WGL>;
+TYPED_TEST_SUITE(Chain, Kinds);
 
-TEST_F(Chain, MakesItsCheckerOnceAndWhenAskedFor) {
-    EXPECT_EQ(nullptr, other.popInterceptor());
-    EXPECT_EQ(0u, Core::allocationCount());
-    OpenGLInterceptor::destroy();
+TYPED_TEST(Chain, MakesItsCheckerOnceAndWhenAskedFor) {
+    using Interceptor = typename TypeParam::Interceptor;
+    EXPECT_EQ(nullptr, this->other.popInterceptor());
+    Interceptor::destroy();
     EXPECT_EQ(0u, Core::allocationCount());
 
-    OpenGLInterceptor* const checker = OpenGLInterceptor::Instance();
-    EXPECT_NE(nullptr, dynamic_cast<OpenGLErrorChecker*>(checker));
+    Interceptor* const checker = Interceptor::Instance();
+    EXPECT_NE(nullptr, dynamic_cast<typename TypeParam::Checker*>(checker));
     EXPECT_EQ(nullptr, checker->popInterceptor());
-    EXPECT_EQ(checker, OpenGLInterceptor::Instance());
+    EXPECT_EQ(checker, Interceptor::Instance());
     std::ostringstream blocks;
     EXPECT_EQ(1u, Core::writeAllocations(blocks));
-    EXPECT_THAT(blocks.str(), testing::StartsWith("..\\..\\extensionator\\OpenGLInterceptor:"));
+    EXPECT_THAT(blocks.str(), testing::StartsWith(std::string(TypeParam::file) + ':'));
 
-    OpenGLInterceptor::destroy();
-    OpenGLInterceptor::destroy();
+    Interceptor::destroy();
+    Interceptor::destroy();
     EXPECT_EQ(0u, Core::allocationCount());
-    OpenGLInterceptor::Instance()->cgmFlush("a.cpp", 2);
-    EXPECT_EQ("glFlush", FakeGL::calls().at(0).function);
 }
 
-TEST_F(Chain, StacksLayersAndGivesThemBack) {
-    OpenGLInterceptor* const checker = OpenGLInterceptor::Instance();
-    std::ostringstream secondText;
-    OpenGLTracer second(secondText);
-    EXPECT_EQ(&other, layer.interceptor());
+TYPED_TEST(Chain, StacksLayersAndGivesThemBackAndStaysUnderThem) {
+    using Interceptor = typename TypeParam::Interceptor;
+    auto &layer = this->layer, &second = this->second;
+    Interceptor* const checker = Interceptor::Instance();
+    EXPECT_EQ(&this->other, layer.interceptor());
+    EXPECT_EQ(nullptr, second.interceptor());
     checker->addInterceptor(&layer);
     checker->addInterceptor(&second);
-    EXPECT_EQ(&second, OpenGLInterceptor::Instance());
+    EXPECT_EQ(&second, Interceptor::Instance());
     EXPECT_EQ(&layer, second.interceptor());
     EXPECT_EQ(checker, layer.interceptor()) << "the old head, not the constructor's";
 
-    FakeGL::setResult("glIsTexture", static_cast<unsigned char>(3));
-    EXPECT_EQ(3, OpenGLInterceptor::Instance()->cgmIsTexture("a.cpp", 5, 6));
-    EXPECT_EQ("a.cpp:5: glIsTexture(6)\n", text.str());
-    EXPECT_EQ(text.str(), secondText.str());
-    EXPECT_EQ((std::vector<FakeGL::Call>{{"glIsTexture", {6u}}, {"glGetError", {}}}), FakeGL::calls());
+    this->text.str("");
+    this->secondText.str("");
+    TypeParam::call(*Interceptor::Instance());
+    EXPECT_EQ(TypeParam::text, this->text.str());
+    EXPECT_EQ(TypeParam::text, this->secondText.str());
+    EXPECT_EQ(TypeParam::function, FakeGL::calls().at(0).function);
 
-    EXPECT_EQ(&second, OpenGLInterceptor::Instance()->popInterceptor());
-    EXPECT_EQ(&layer, second.interceptor()) << "left as it was";
-    EXPECT_EQ(&layer, OpenGLInterceptor::Instance()->popInterceptor());
-    EXPECT_EQ(nullptr, OpenGLInterceptor::Instance()->popInterceptor());
-    EXPECT_EQ(checker, OpenGLInterceptor::Instance());
-}
-
-TEST_F(Chain, RefusesToGoAwayUnderALayer) {
-    OpenGLInterceptor* const checker = OpenGLInterceptor::Instance();
-    checker->addInterceptor(&layer);
     try {
-        OpenGLInterceptor::destroy();
+        Interceptor::destroy();
         ADD_FAILURE() << "no exception";
     } catch (const InternalException& exception) {
-        EXPECT_STREQ("Enforce dynamic_cast<OpenGLErrorChecker *>(gInterceptor) != NULL", exception.what());
-        EXPECT_STREQ("..\\..\\extensionator\\OpenGLInterceptor", exception.file());
+        EXPECT_STREQ(TypeParam::rule, exception.what());
+        EXPECT_STREQ(TypeParam::file, exception.file());
     }
-    EXPECT_EQ(&layer, OpenGLInterceptor::Instance());
-    EXPECT_EQ(checker, layer.interceptor());
-    layer.popInterceptor();
-    OpenGLInterceptor::destroy();
-    EXPECT_EQ(0u, Core::allocationCount());
+    EXPECT_EQ(&second, Interceptor::Instance());
+    EXPECT_EQ(&second, checker->popInterceptor());
+    EXPECT_EQ(&layer, second.interceptor()) << "left as it was";
+    EXPECT_EQ(&layer, Interceptor::Instance()->popInterceptor());
+    EXPECT_EQ(nullptr, Interceptor::Instance()->popInterceptor());
+    EXPECT_EQ(checker, Interceptor::Instance());
 }
 
-TEST_F(Chain, ALayerOnAnEmptyChainEndsInNothing) {
+TYPED_TEST(Chain, ALayerOnAnEmptyChainEndsInNothing) {
+    auto& layer = this->layer;
     layer.addInterceptor(&layer);
     EXPECT_EQ(nullptr, layer.interceptor());
-    EXPECT_EQ(&layer, OpenGLInterceptor::Instance());
+    EXPECT_EQ(&layer, TypeParam::Interceptor::Instance());
     EXPECT_EQ(&layer, layer.popInterceptor());
-    EXPECT_NE(&layer, OpenGLInterceptor::Instance());
+    EXPECT_NE(&layer, TypeParam::Interceptor::Instance());
 }
 
 } // namespace

@@ -81,9 +81,8 @@ TEST(Core, EnforcementHoldsTheSourceTextOfItsRule) {
         int line;
         const char* text;
     } cases[] = {
-        {[&] { ZLT_ASSERT(!(nSize == 0)); }, __LINE__, "!(nSize == 0)"},
-        {[&] { ZLT_ASSERT(std::pair<int, int>(1, 2).second == nSize); }, __LINE__,
-         "std::pair<int, int>(1, 2).second == nSize"},
+        {[&] { ZLT_ASSERT(!(std::pair<int, int>(0, 1).first == nSize)); }, __LINE__,
+         "!(std::pair<int, int>(0, 1).first == nSize)"},
         {[&] { ZLT_ENFORCE(poTex != nullptr); }, __LINE__, "Enforce poTex != nullptr"},
         {[&] { ZLT_UNREACHABLE("No \"such\" filter."); }, __LINE__, "!\"No \\\"such\\\" filter.\""},
         {[&] { ZLT_RANGE(nSize > 0); }, __LINE__, "Range error: nSize > 0"},
@@ -98,48 +97,29 @@ TEST(Core, EnforcementHoldsTheSourceTextOfItsRule) {
     EXPECT_EQ(2, nSize) << "a rule is evaluated once";
 }
 
-TEST(Exceptions, AreCaughtByEachOfTheirBases) {
-    const InternalException internal("a.cpp", 1, "rule");
-    const ExceptionOGL gl("a.cpp", 1, "text", 0x500);
-    EXPECT_THROW(throw InternalException(internal), LogicalException);
-    EXPECT_THROW(throw InternalException(internal), ExceptionBase);
-    EXPECT_THROW(throw InternalException(internal), std::exception);
-    EXPECT_THROW(throw ExceptionOGL(gl), LogicalException);
-    EXPECT_THROW(throw ExceptionOGL(gl), ExceptionBase);
-    EXPECT_THROW(throw ExceptionOGL(gl), std::exception);
-    EXPECT_EQ(nullptr, dynamic_cast<const ExceptionOGL*>(static_cast<const ExceptionBase*>(&internal)));
-    EXPECT_EQ(nullptr, dynamic_cast<const InternalException*>(static_cast<const ExceptionBase*>(&gl)));
-}
-
-TEST(Exceptions, KeepMessagePlaceAndNumberInEveryCopy) {
+TEST(Exceptions, KeepTypeMessagePlaceAndNumberInEveryCopy) {
     auto original = std::make_unique<ExceptionOGL>("dir\\a.cpp", 12, "invalid enumerant", 0x500);
-    ExceptionOGL assigned("other", 1, "other", 0);
-    EXPECT_EQ(0u, assigned.errorNumber());
+    ExceptionOGL assigned("other", 1, nullptr, 0);
+    EXPECT_EQ("other:1: ", written(assigned));
     const ExceptionOGL copy(*original);
     assigned = *original;
-    const Clone clone(original->clone());
+    Clone clone(original->clone());
+    EXPECT_EQ(1u, Core::allocationCount());
+    EXPECT_THAT(liveBlocks(), testing::HasSubstr("..\\..\\ExceptionOGL:"));
     original.reset(); // the copies stand alone
     for (const ExceptionOGL* exception :
          {&copy, &std::as_const(assigned), &dynamic_cast<const ExceptionOGL&>(*clone)}) {
         EXPECT_STREQ("invalid enumerant", exception->what());
         EXPECT_EQ("dir\\a.cpp:12: invalid enumerant", written(*exception));
         EXPECT_EQ(0x500u, exception->errorNumber());
+        EXPECT_THROW(throw *exception, LogicalException);
+        EXPECT_THROW(throw *exception, std::exception);
     }
-    const ExceptionOGL nothing(nullptr, 0, nullptr, 0);
-    EXPECT_STREQ("", nothing.what());
-    EXPECT_EQ(":0: ", written(nothing));
-}
-
-TEST(Exceptions, ClonesHaveTheirTypeAndAreFreedByTheDeleter) {
-    {
-        const Clone logical(LogicalException("a", 1, "b").clone()),
-            internal(InternalException("a", 1, "b").clone()), gl(ExceptionOGL("a", 1, "b", 2).clone());
-        EXPECT_TRUE(typeid(LogicalException) == typeid(*logical));
-        EXPECT_TRUE(typeid(InternalException) == typeid(*internal));
-        EXPECT_TRUE(typeid(ExceptionOGL) == typeid(*gl));
-        EXPECT_EQ(3u, Core::allocationCount());
-        EXPECT_THAT(liveBlocks(), testing::HasSubstr("..\\..\\ExceptionOGL:"));
-    }
+    clone.reset(InternalException("a", 1, "b").clone());
+    EXPECT_TRUE(typeid(InternalException) == typeid(*clone));
+    clone.reset(LogicalException("a", 1, "b").clone());
+    EXPECT_TRUE(typeid(LogicalException) == typeid(*clone));
+    clone.reset();
     EXPECT_EQ("", liveBlocks());
 }
 
@@ -158,22 +138,6 @@ TEST(Allocator, ReportsItsOwnHeaderAndRefusesWhatNoMemoryHolds) {
     };
     EXPECT_THROW(new (memory, "a.cpp", 1) Never, std::domain_error);
     EXPECT_EQ("", liveBlocks()) << "a constructor that throws gives its memory back";
-}
-
-TEST(Allocator, DeleterFindsTheBlockThroughASecondBase) {
-    struct Second {
-        virtual ~Second() = default;
-    };
-    static int destroyed = 0;
-    struct Both : ExceptionOGL, Second {
-        Both() : ExceptionOGL("", 0, "", 0) {}
-        ~Both() override { ++destroyed; }
-    };
-    ZLTDeleter<Second>()(new (memory, "a.cpp", 1) Both);
-    ZLTDeleter<const Both>()(new (memory, "a.cpp", 1) Both);
-    ZLTDeleter<Second>()(nullptr);
-    EXPECT_EQ(2, destroyed);
-    EXPECT_EQ("", liveBlocks());
 }
 
 TEST(Allocator, ServesThreadsAtTheSameTime) {

@@ -1,7 +1,12 @@
+#include "Entries.h"
 #include "ExpectError.h"
-#include "ValueText.h"
+#include "RecordRows.h"
+#include "extensionator/OpenGLRekorder.h"
 #include "extensionator/OpenGLTracer.h"
+#include "extensionator/TokenName.h"
 
+#include <algorithm>
+#include <map>
 #include <set>
 #include <sstream>
 
@@ -13,11 +18,83 @@ namespace {
 
 const char* const file = "ogl\\Texture";
 
-// The beginning of a trace line.
-std::string prefix(const char* file, int line, const Entry& entry) {
+// How a value of each type is written that is not a pointer, a float or a size.
+using Form = void (*)(std::ostream&, const Value&);
+template <class T>
+constexpr Form number = [](std::ostream& out, const Value& value) { out << value.as<T>(); };
+const std::map<std::string, Form> formsByValue = {
+    {"GLenum", [](std::ostream& out, const Value& value) { out << TokenName(value.as<unsigned int>()); }},
+    {"GLboolean",
+     [](std::ostream& out, const Value& value) { out << boolToString(value.as<unsigned char>()); }},
+    {"GLhandleARB",
+     [](std::ostream& out, const Value& value) { out << "(GLhandleARB)" << value.as<unsigned>(); }},
+    {"GLuint", number<unsigned int>},
+    {"GLbitfield", number<unsigned int>},
+    {"GLhalfNV", number<unsigned short>},
+    {"GLint", number<int>},
+    {"GLsizei", number<int>},
+    {"GLshort", number<short>},
+    {"GLushort", number<unsigned short>},
+    {"GLdouble", number<double>},
+    {"GLclampd", number<double>},
+    {"GLuint64", number<unsigned long long>},
+    {"GLuint64EXT", number<unsigned long long>},
+    {"GLbyte", number<signed char>},
+    {"GLubyte", number<unsigned char>}}; // the last two: one raw character
+const std::set<std::string> textPointers = {"GLchar*", "GLcharARB*", "GLbyte*", "GLubyte*", "GLboolean*"};
+const std::set<std::string> sizes = {"GLintptr", "GLsizeiptr", "GLintptrARB", "GLsizeiptrARB"};
+
+// The entries whose GLfloat is written bare.
+const std::set<std::string> plainFloats = {"FragmentMaterialfEXT", "FragmentMaterialfSGIX",
+                                           "ImageTransformParameterfHP", "PixelTransformParameterfEXT"};
+
+// How a layer writes an argument of `entry` that the GL headers give this type.
+std::string textOf(const Entry& entry, std::string type, const Value& value) {
+    if (type.starts_with("const "))
+        type.erase(0, 6);
     std::ostringstream out;
-    out << file << ':' << line << ": gl" << entry.name << '(';
+    if (textPointers.contains(type)) {
+        out << value.as<const char*>();
+    } else if (type.ends_with('*') || type == "GLsync") {
+        char digits[17];
+        const auto address = reinterpret_cast<std::uintptr_t>(value.as<void*>());
+        std::snprintf(digits, sizeof(digits), "%016llX", static_cast<unsigned long long>(address));
+        out << digits;
+    } else if (sizes.contains(type)) {
+        out << static_cast<int>(value.as<long long>() & 0xFFFFFFFF);
+    } else if (type != "GLfloat" && type != "GLclampf") {
+        formsByValue.at(type)(out, value);
+    } else if (plainFloats.contains(entry.name)) {
+        out << value.as<float>();
+    } else {
+        int bits;
+        const float real = value.as<float>();
+        std::memcpy(&bits, &real, sizeof(bits));
+        out << "makeFloat(" << bits << ") /* " << real << " */";
+    }
     return out.str();
+}
+
+std::string callText(const Entry& entry, const Attempt& attempt) {
+    std::string text = "gl" + entry.name + '(';
+    for (std::size_t i = 0; i < entry.types.size(); ++i)
+        text += (i > 0 ? ", " : "") + textOf(entry, entry.types[i], attempt.arguments.at(i));
+    return text + ')';
+}
+
+std::string statement(const Entry& entry, const Attempt& attempt, const std::string& comment) {
+    if (entry.takesPointer)
+        return "OpenGLRekorderUnsupported(\"Capturing an OpenGL function (gl" + entry.name +
+               ") with pointer parameter requires a specialized implementation!\");\n";
+    return callText(entry, attempt) + ';' + comment + '\n';
+}
+
+// The entries that are recorded in a form of their own.
+std::set<std::string> ownForms() {
+    std::set<std::string> names = {"ReadPixels"};
+    for (const RecordRow& row : recordRows())
+        names.insert(row.name);
+    return names;
 }
 
 // A tracer in front of the checker.
@@ -52,17 +129,76 @@ TEST_F(Sweep, EveryEntryHasItsVirtualSlot) {
     EXPECT_EQ(1833u + 2u, slotBehindTheLast());
 }
 
-TEST_F(Sweep, ArgumentsAndResultsPassUnchangedAndEachCallIsCheckedOnce) {
-    int results = 0;
-    for (int round = 0; round < 4; ++round)
+TEST_F(Sweep, EveryCallIsTracedByItsTypesPassedOnUnchangedAndCheckedOnce) {
+    int results = 0, handles = 0;
+    for (int line = 0; line < 4; ++line)
         forEachBut({}, [&](const Entry& entry) {
             Attempt attempt;
-            entry.viaChain(attempt, file, 1);
+            entry.viaChain(attempt, file, line);
             expectCheckedCall(entry, attempt);
             EXPECT_EQ(attempt.scripted, attempt.returned);
+            EXPECT_EQ(file + (':' + std::to_string(line)) + ": " + callText(entry, attempt) + '\n',
+                      text.str());
             results += attempt.returned != Value();
+            handles += std::ranges::count(entry.types, "GLhandleARB");
         });
     EXPECT_EQ(4 * 81, results);
+    EXPECT_EQ(4 * 22, handles);
+}
+
+// With and without comments, and with a tracer on either side.
+TEST_F(Sweep, EveryCallIsRecordedByItsTypesAndThenMade) {
+    std::ostringstream commented, bare, data, traceInFront;
+    OpenGLRekorder inner(bare, data, nullptr, false), outer(commented, data, nullptr, true);
+    OpenGLTracer front(traceInFront);
+    for (OpenGLInterceptorDecorator* layer :
+         std::initializer_list<OpenGLInterceptorDecorator*>{&inner, &outer, &front})
+        OpenGLInterceptor::Instance()->addInterceptor(layer);
+    const std::set<std::string> own = ownForms();
+    EXPECT_EQ(67u, own.size());
+    int marked = 0, plain = 0;
+    forEachBut(own, [&](const Entry& entry) {
+        for (std::ostringstream* out : {&commented, &bare, &traceInFront})
+            out->str("");
+        std::string textOnCall;
+        FakeGL::setHook([&](const Call& call) {
+            if (call.function == "gl" + entry.name && textOnCall.empty())
+                textOnCall = commented.str() + bare.str();
+        });
+        Attempt attempt;
+        entry.viaChain(attempt, file, 412);
+        EXPECT_EQ(statement(entry, attempt, "\t\t// ogl\\Texture, line 412"), commented.str());
+        EXPECT_EQ(statement(entry, attempt, ""), bare.str());
+        EXPECT_EQ(commented.str() + bare.str(), textOnCall)
+            << "written before the call, and nothing after it";
+        EXPECT_EQ(text.str(), traceInFront.str());
+        expectCheckedCall(entry, attempt);
+        EXPECT_EQ(attempt.scripted, attempt.returned);
+        ++(entry.takesPointer ? marked : plain);
+    });
+    EXPECT_EQ("", data.str());
+    EXPECT_EQ(910, marked);
+    EXPECT_EQ(856, plain);
+    for (int layers = 0; layers < 3; ++layers)
+        OpenGLInterceptor::Instance()->popInterceptor();
+}
+
+TEST_F(Sweep, MarkersBySuffix) {
+    const std::map<std::string, int> expected = {{"", 298},     {"EXT", 245}, {"NV", 134},  {"ARB", 99},
+                                                 {"ATI", 34},   {"SUN", 25},  {"SGIX", 15}, {"MESA", 12},
+                                                 {"APPLE", 11}, {"IBM", 10},  {"SGIS", 10}, {"SGI", 6},
+                                                 {"HP", 4},     {"INTEL", 4}, {"OES", 2},   {"GREMEDY", 1}};
+    const std::set<std::string> own = ownForms();
+    std::map<std::string, int> counted;
+    for (const Entry& entry : entries())
+        if (entry.takesPointer && !own.contains(entry.name)) {
+            std::string suffix;
+            for (const auto& known : expected) // the empty one first
+                if (entry.name.ends_with(known.first))
+                    suffix = known.first;
+            ++counted[suffix];
+        }
+    EXPECT_EQ(expected, counted);
 }
 
 TEST_F(Sweep, EveryErrorComesBackWithTheCallersPlace) {
@@ -100,31 +236,10 @@ TEST_F(Sweep, EveryMacroOfGlInterceptCallsItsEntryFromItsOwnLine) {
         entry.viaMacro(attempt);
         expectCheckedCall(entry, attempt);
         EXPECT_EQ(attempt.scripted, attempt.returned);
-        const std::string expected = prefix(entry.macroFile, entry.macroLine, entry);
+        const std::string place = entry.macroFile + (':' + std::to_string(entry.macroLine));
+        const std::string expected = place + ": gl" + entry.name + '(';
         EXPECT_EQ(expected, text.str().substr(0, expected.size()));
     });
-}
-
-TEST_F(Sweep, EveryTraceLineFollowsTheTypesOfTheParameters) {
-    std::multiset<std::string> handles, bareFloats;
-    for (int line = 0; line < 3; ++line)
-        forEachBut({}, [&](const Entry& entry) {
-            Attempt attempt;
-            entry.viaChain(attempt, file, line);
-            ASSERT_EQ(entry.types.size(), attempt.arguments.size());
-            std::string expected = prefix(file, line, entry);
-            for (std::size_t i = 0; i < entry.types.size(); ++i) {
-                expected += (i > 0 ? ", " : "") + textOf(entry, entry.types[i], attempt.arguments[i]);
-                if (line == 0 && entry.types[i] == "GLhandleARB")
-                    handles.insert(entry.name);
-                if (line == 0 && entry.types[i] == "GLfloat" && plainFloats.contains(entry.name))
-                    bareFloats.insert(entry.name);
-            }
-            EXPECT_EQ(expected + ")\n", text.str());
-        });
-    EXPECT_EQ(22u, handles.size());
-    EXPECT_EQ(20u, std::set<std::string>(handles.begin(), handles.end()).size());
-    EXPECT_EQ(std::multiset<std::string>(plainFloats.begin(), plainFloats.end()), bareFloats);
 }
 
 } // namespace
