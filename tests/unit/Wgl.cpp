@@ -162,7 +162,9 @@ TEST_F(Wgl, EachCallIsWrittenAndThenMadeOrRefused) {
         EXPECT_EQ("", data.str());
         text.str("");
     }
-    // The macro is the call with its place.
+}
+
+TEST_F(Wgl, TheMacroNamesThePlace) {
     wglRekorder layer(text, data, device, nullptr, true);
     wglInterceptor::Instance()->addInterceptor(&layer);
     text.str("");

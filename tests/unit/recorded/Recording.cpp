@@ -4,9 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
-#include <regex>
 #include <set>
 #include <sstream>
 
@@ -19,11 +19,14 @@ std::string contentOf(const char* path) {
     return {std::istreambuf_iterator<char>(in), {}};
 }
 
-// Without what differs from program to program: the places of the calls, and the addresses of a shader's
-// lengths.
-std::string comparable(const std::string& text) {
-    const std::string placeless = std::regex_replace(text, std::regex("\t\t// .*"), "");
-    return std::regex_replace(placeless, std::regex(R"(if \((?!0{16})[0-9A-F]{16}\))"), "if (lengths)");
+// A line without what differs from program to program: the place of the call, and the address of a shader's
+// lengths, of which only zero or not matters.
+std::string comparable(std::string line) {
+    line.resize(std::min(line.size(), line.find("\t\t// ")));
+    const std::size_t condition = line.find("if (");
+    if (condition != std::string::npos && line.substr(condition + 4, 16) != std::string(16, '0'))
+        line.replace(condition + 4, 16, "lengths");
+    return line;
 }
 
 TEST(Recording, CompiledAndRunLeavesTheSameRecordingAgain) {
@@ -37,10 +40,10 @@ TEST(Recording, CompiledAndRunLeavesTheSameRecordingAgain) {
     recorder.popInterceptor();
     OpenGLInterceptor::destroy();
 
-    std::istringstream expected(comparable(contentOf(ZLT_RECORDING ".inl"))), again(comparable(text.str()));
+    std::istringstream expected(contentOf(ZLT_RECORDING ".inl")), again(text.str());
     for (std::string line, lineAgain; std::getline(expected, line);) {
         ASSERT_TRUE(std::getline(again, lineAgain)) << line;
-        ASSERT_EQ(line, lineAgain);
+        ASSERT_EQ(comparable(line), comparable(lineAgain));
     }
     EXPECT_EQ(again.peek(), std::istringstream::traits_type::eof());
     EXPECT_TRUE(contentOf(ZLT_RECORDING ".bin") == data.str());
