@@ -1,6 +1,7 @@
 #include "RecordingStream.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstring>
 #include <fstream>
 #include <iterator>
@@ -24,7 +25,12 @@ std::vector<std::size_t> positionsIn(const std::string& text) {
     std::vector<std::size_t> positions;
     for (std::size_t at = 0; (at = text.find(seek, at)) != std::string::npos;) {
         at += sizeof(seek) - 1;
-        positions.push_back(std::stoull(text.substr(at, text.find(')', at) - at)));
+        std::size_t position = 0;
+        const char* end = text.data() + text.size();
+        const auto [stop, error] = std::from_chars(text.data() + at, end, position);
+        if (error != std::errc() || stop == end || *stop != ')')
+            throw std::runtime_error("no position behind byte " + std::to_string(at) + " of the statements");
+        positions.push_back(position);
     }
     return positions;
 }

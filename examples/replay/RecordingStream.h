@@ -11,11 +11,12 @@
 /// gives them the payload from its true beginning.
 ///
 /// Which records these are follows from the positions in the text: a record ends where the next one begins.
+/// Data that was cut off exactly 4 bytes before its end passes for data with a last length of 4 bytes.
 class RecordingStream {
 public:
     /// @param text  path of the statements, for their positions
     /// @param data  path of the records
-    /// @throws std::runtime_error when one can't be read
+    /// @throws std::runtime_error when one can't be read, or when the text ends inside a position
     RecordingStream(const std::string& text, const std::string& data);
 
     /// Goes to the record at `position`.

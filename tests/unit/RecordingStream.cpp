@@ -80,6 +80,9 @@ TEST_F(Replay, RefusesDamagedData) {
         EXPECT_THROW(read(stream, position), std::runtime_error) << position;
     EXPECT_THROW(read(stream, 48, 2), std::runtime_error) << "more than the statement's own record";
     EXPECT_THROW(RecordingStream((folder / "missing").string(), "missing"), std::runtime_error);
+    for (const char* cut : {"", "x)", "4", "99999999999999999999999)"})
+        EXPECT_THROW(open(std::string("    pBinaryInputStream->seekg(") + cut, whole), std::runtime_error)
+            << cut;
 }
 
 } // namespace
