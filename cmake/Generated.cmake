@@ -24,7 +24,8 @@ else()
 endif()
 
 set(zlt_generated_headers)
-foreach(name InterceptorEntries.inl LayerEntries.inl FunctionTable.h gl_intercept.h gl_tokens.h)
+foreach(name InterceptorEntries.inl LayerEntries.inl FunctionTable.h Extension.h ExtensionLoaders.inl gl_intercept.h
+        gl_tokens.h win/WglFunctions.h)
   list(APPEND zlt_generated_headers ${zlt_generated}/include/extensionator/${name})
 endforeach()
 set(zlt_generated_sources)
@@ -33,16 +34,20 @@ foreach(topic GL11 GL12to30 ARB EXT NV Vendors)
     list(APPEND zlt_generated_sources ${zlt_generated}/src/extensionator/${family}_${topic}.cpp)
   endforeach()
 endforeach()
-set(zlt_generated_rows
-  ${zlt_generated}/src/extensionator/FunctionNames.inl
-  ${zlt_generated}/src/extensionator/TokenRows.inl)
+foreach(topic GL12to30 ARB EXT NV Vendors)
+  list(APPEND zlt_generated_sources ${zlt_generated}/src/extensionator/ExtensionLoading_${topic}.cpp)
+endforeach()
+set(zlt_generated_rows)
+foreach(name TokenRows ExtensionNames ExtensionCases WglFunctions WglCases)
+  list(APPEND zlt_generated_rows ${zlt_generated}/src/extensionator/${name}.inl)
+endforeach()
 set(zlt_generated_tests ${zlt_generated}/tests/EntryPoints.inl)
 
 add_custom_command(
   OUTPUT ${zlt_generated_headers} ${zlt_generated_sources} ${zlt_generated_rows} ${zlt_generated_tests}
   COMMAND ${zlt_generator} ${zlt_tables} ${zlt_generated}
   DEPENDS ${zlt_generator_target} ${zlt_tables}/gl_entry_points.tsv ${zlt_tables}/gl_tokens.tsv
-          ${zlt_tables}/extensions.tsv
+          ${zlt_tables}/extensions.tsv ${zlt_tables}/wgl_extension_functions.tsv
   COMMENT "Generating the call families"
   VERBATIM)
 add_custom_target(zlt_generate DEPENDS ${zlt_generated_headers} ${zlt_generated_sources} ${zlt_generated_rows}

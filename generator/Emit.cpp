@@ -7,8 +7,6 @@
 
 namespace generator {
 
-namespace {
-
 std::string topicNameOf(const std::string& group) {
     if (group == "GL_VERSION_1_1")
         return "GL11";
@@ -19,8 +17,6 @@ std::string topicNameOf(const std::string& group) {
             return vendor;
     return "Vendors";
 }
-
-} // namespace
 
 std::vector<Topic> topicsOf(const std::vector<EntryPoint>& entries) {
     std::vector<Topic> topics;

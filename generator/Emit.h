@@ -17,6 +17,8 @@ struct Topic {
     std::string name; // "GL11": OpenGLTracer_GL11.cpp
     std::vector<const EntryPoint*> entries;
 };
+/// The topic to which a group of entry points belongs.
+std::string topicNameOf(const std::string& group);
 std::vector<Topic> topicsOf(const std::vector<EntryPoint>& entries);
 
 /// The first line of every file that comes from the list of entry points.
@@ -51,9 +53,16 @@ std::string forwarding(const EntryPoint& entry);
 
 /// InterceptorEntries.inl, LayerEntries.inl: the declarations in the classes.
 void emitDeclarations(const std::vector<EntryPoint>& entries, const std::filesystem::path& directory);
-/// FunctionTable.h among the headers, FunctionNames.inl among the sources.
-void emitFunctionTable(const std::vector<EntryPoint>& entries, const std::filesystem::path& headers,
-                       const std::filesystem::path& sources);
+/// FunctionTable.h.
+void emitFunctionTable(const std::vector<EntryPoint>& entries, const std::filesystem::path& directory);
+/// Extension.h: the enumeration. ExtensionLoaders.inl: the loaders' declarations.
+void emitExtensionHeaders(const std::vector<Extension>& extensions, const std::filesystem::path& directory);
+/// ExtensionNames.inl, ExtensionLoading_*.cpp, ExtensionCases.inl: what the extension manager looks up.
+void emitExtensionLoading(const std::vector<Extension>& extensions, const std::vector<Topic>& topics,
+                          const std::filesystem::path& directory);
+/// WglFunctions.h among the headers; WglFunctions.inl and WglCases.inl among the sources.
+void emitWglFunctions(const std::vector<Extension>& extensions, const std::vector<WglFunction>& functions,
+                      const std::filesystem::path& headers, const std::filesystem::path& sources);
 /// gl_intercept.h.
 void emitInterceptMacros(const std::vector<EntryPoint>& entries, const std::filesystem::path& directory);
 /// OpenGLErrorChecker_*.cpp.

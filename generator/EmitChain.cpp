@@ -33,8 +33,7 @@ void emitDeclarations(const std::vector<EntryPoint>& entries, const std::filesys
     writeFile(directory / "LayerEntries.inl", overrides);
 }
 
-void emitFunctionTable(const std::vector<EntryPoint>& entries, const std::filesystem::path& headers,
-                       const std::filesystem::path& sources) {
+void emitFunctionTable(const std::vector<EntryPoint>& entries, const std::filesystem::path& directory) {
     std::string table = generatedNotice;
     table += "#pragma once\n\n"
              "#if defined(_WIN32)\n#include <windows.h>\n#endif\n\n"
@@ -42,7 +41,6 @@ void emitFunctionTable(const std::vector<EntryPoint>& entries, const std::filesy
              "namespace ZLT::OGL {\n\n"
              "/// One pointer for each GL function outside GL 1.1, in the order of the chain's entries.\n"
              "struct FunctionTable {\n";
-    std::string names = generatedNotice;
     std::string group;
     for (const EntryPoint& entry : entries) {
         if (entry.isCore11())
@@ -53,11 +51,9 @@ void emitFunctionTable(const std::vector<EntryPoint>& entries, const std::filesy
         }
         table +=
             list(4, entry.result + "(APIENTRY* gl" + entry.name + ")(", glParameters(entry), ");") + '\n';
-        names += "\"gl" + entry.name + "\",\n";
     }
     table += "};\n\n} // namespace ZLT::OGL\n";
-    writeFile(headers / "FunctionTable.h", table);
-    writeFile(sources / "FunctionNames.inl", names);
+    writeFile(directory / "FunctionTable.h", table);
 }
 
 void emitInterceptMacros(const std::vector<EntryPoint>& entries, const std::filesystem::path& directory) {

@@ -177,6 +177,16 @@ private:
 
 } // namespace
 
+std::string Extension::enumerator() const {
+    const std::string version = "GL_VERSION_";
+    if (name.starts_with(version))
+        return "OPEN_GL_" + name.substr(version.size());
+    std::string text = name;
+    std::ranges::transform(text, text.begin(),
+                           [](char c) { return c >= 'a' && c <= 'z' ? char(c - 'a' + 'A') : c; });
+    return text;
+}
+
 std::vector<Extension> readExtensions(std::istream& in) {
     Rows rows(in, "extensions.tsv", "value\tname\tentry_points");
     std::vector<Extension> extensions;
@@ -220,6 +230,38 @@ std::vector<EntryPoint> readEntryPoints(std::istream& in, const std::vector<Exte
     }
     groups.finish(rows);
     return entries;
+}
+
+std::vector<WglFunction> readWglFunctions(std::istream& in, const std::vector<Extension>& extensions) {
+    Rows rows(in, "wgl_extension_functions.tsv",
+              "index\textension_value\textension\tname\tresult\tparameters");
+    std::vector<WglFunction> functions;
+    std::set<std::string> names;
+    std::map<std::string, std::size_t> counts;
+    unsigned long lastValue = 0;
+    while (rows.next()) {
+        if (rows.number(0) != functions.size())
+            rows.fail("index " + rows.cell(0) + " instead of " + std::to_string(functions.size()));
+        const unsigned long value = rows.number(1);
+        WglFunction function = {rows.cell(2), rows.cell(3), rows.cell(4), rows.cell(5)};
+        if (value >= extensions.size() || extensions[value].name != function.extension ||
+            !extensions[value].isWgl())
+            rows.fail("'" + function.extension + "' is not the WGL extension of value " + rows.cell(1));
+        if (value < lastValue)
+            rows.fail("'" + function.extension + "' stands too late");
+        lastValue = value;
+        addName(names, function.name, rows);
+        if (!function.name.starts_with("wgl"))
+            rows.fail("'" + function.name + "' does not begin with wgl");
+        function.name.erase(0, 3);
+        ++counts[function.extension];
+        functions.push_back(std::move(function));
+    }
+    for (const Extension& extension : extensions)
+        if (extension.isWgl() && counts[extension.name] != extension.entryPoints)
+            rows.fail("'" + extension.name + "' has " + std::to_string(counts[extension.name]) +
+                      " functions instead of " + std::to_string(extension.entryPoints));
+    return functions;
 }
 
 std::vector<Token> readTokens(std::istream& in) {

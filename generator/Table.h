@@ -64,6 +64,20 @@ struct Extension {
     unsigned value = 0;
     std::string name;
     std::size_t entryPoints = 0;
+
+    bool isWgl() const { return name.starts_with("WGL_"); }
+    /// "OPEN_GL_1_2", "GL_ARB_MULTITEXTURE", "WGL_ARB_PBUFFER".
+    std::string enumerator() const;
+    /// "init_GL_VERSION_1_2": the member that loads it.
+    std::string loader() const { return "init_" + name; }
+};
+
+/// A function of a WGL extension: a pointer variable of the library.
+struct WglFunction {
+    std::string extension;
+    std::string name; // without prefix: "SwapIntervalEXT"
+    std::string result;
+    std::string parameters; // as one text: "HDC hDC, UINT uState"
 };
 
 struct Token {
@@ -77,6 +91,10 @@ std::vector<Extension> readExtensions(std::istream& in);
 /// Reads gl_entry_points.tsv. Checks the order, the slots, the names, the types, and that each group stands
 /// in the order of `extensions` with the number of entries given there.
 std::vector<EntryPoint> readEntryPoints(std::istream& in, const std::vector<Extension>& extensions);
+
+/// Reads wgl_extension_functions.tsv. Checks the order and the names, and that each extension has the number
+/// of functions given in `extensions`.
+std::vector<WglFunction> readWglFunctions(std::istream& in, const std::vector<Extension>& extensions);
 
 /// Reads gl_tokens.tsv: ascending 32-bit values, distinct names.
 std::vector<Token> readTokens(std::istream& in);

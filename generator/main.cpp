@@ -19,16 +19,22 @@ void generate(const std::filesystem::path& tables, const std::filesystem::path& 
     std::ifstream extensionRows = open(tables / "extensions.tsv");
     std::ifstream entryRows = open(tables / "gl_entry_points.tsv");
     std::ifstream tokenRows = open(tables / "gl_tokens.tsv");
-    const std::vector<EntryPoint> entries = readEntryPoints(entryRows, readExtensions(extensionRows));
+    std::ifstream wglRows = open(tables / "wgl_extension_functions.tsv");
+    const std::vector<Extension> extensions = readExtensions(extensionRows);
+    const std::vector<EntryPoint> entries = readEntryPoints(entryRows, extensions);
+    const std::vector<WglFunction> wglFunctions = readWglFunctions(wglRows, extensions);
     const std::vector<Token> tokens = readTokens(tokenRows);
     const std::vector<Topic> topics = topicsOf(entries);
 
     const std::filesystem::path headers = output / "include" / "extensionator";
     emitDeclarations(entries, headers);
     emitInterceptMacros(entries, headers);
+    emitFunctionTable(entries, headers);
+    emitExtensionHeaders(extensions, headers);
 
     const std::filesystem::path sources = output / "src" / "extensionator";
-    emitFunctionTable(entries, headers, sources);
+    emitExtensionLoading(extensions, topics, sources);
+    emitWglFunctions(extensions, wglFunctions, headers / "win", sources);
     emitErrorChecker(topics, sources);
     emitTracer(topics, sources);
     emitRekorder(topics, sources);
