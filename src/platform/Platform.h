@@ -3,44 +3,93 @@
 /// @file
 /// The window system operations that the library stands on, by their WGL, GDI and USER names. On Windows they
 /// are the system's own. On Linux this header declares the same types and functions, which `zlt_ogl`
-/// implements over EGL: a window is then a pbuffer of its size, which needs no X server. A context that is
-/// current when its thread ends is current no more. A function that fails returns what it returns on Windows
-/// and leaves an error number for GetLastError(). A handle that was never given out, or is gone, is refused.
+/// implements over EGL and X11:
+///
+/// - With an X server (DISPLAY) a window is an X11 window, an HWND is its XID, whoever made it, and the
+/// display
+///   devices are the monitors.
+/// - Without one, a window is a pbuffer, and the display devices are the EGL devices, laid out side by side:
+/// a
+///   window belongs to the device on which its top left corner lies.
+/// - `ZLT_OGL_PLATFORM` set to `x11` or `headless` forces one of the two. With any other text there is no
+///   display device, and no window can be made.
+///
+/// A context that somebody else made current, through EGL or GLX, has handles here as well:
+/// wglGetCurrentContext and wglGetCurrentDC report it, and wglMakeCurrent makes it current again. Nothing
+/// here ever destroys it.
+///
+/// A context that is current when its thread ends is current no more. A function that fails returns what it
+/// returns on Windows and leaves an error number for GetLastError(). A handle that was never given out, or is
+/// gone, is refused.
 
 #if defined(_WIN32)
 
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
 #include <windows.h>
 
 #else
 
 #include "Export.h"
 
+#include <cstddef>
 #include <cstdint>
+
+// The calling conventions, which Linux has one of.
+#ifndef WINAPI
+#define WINAPI
+#endif
+#ifndef CALLBACK
+#define CALLBACK
+#endif
 
 using BOOL = int;
 using BYTE = std::uint8_t;
+using CHAR = char;
 using WORD = std::uint16_t;
+using SHORT = std::int16_t;
+using USHORT = std::uint16_t;
 using DWORD = std::uint32_t;
+using LONG = std::int32_t;
+using INT = int;
+using INT32 = std::int32_t;
+using INT64 = std::int64_t;
 using UINT = unsigned int;
 using FLOAT = float;
 using COLORREF = std::uint32_t;
 using LPVOID = void*;
+using HANDLE = void*;
 using LPCSTR = const char*;
 using PROC = void (*)();
+using ATOM = WORD;
+using WPARAM = std::uintptr_t;
+using LPARAM = std::intptr_t;
+using LRESULT = std::intptr_t;
 
 namespace ZLT::Platform {
 struct Window;
 struct DeviceContext;
 struct RenderingContext;
+struct Monitor;
 struct Menu;
 struct Instance;
+struct Icon;
+struct Cursor;
+struct Brush;
 } // namespace ZLT::Platform
 
 using HWND = ZLT::Platform::Window*;
 using HDC = ZLT::Platform::DeviceContext*;
 using HGLRC = ZLT::Platform::RenderingContext*;
+using HMONITOR = ZLT::Platform::Monitor*;
 using HMENU = ZLT::Platform::Menu*;
 using HINSTANCE = ZLT::Platform::Instance*;
+using HMODULE = HINSTANCE;
+using HICON = ZLT::Platform::Icon*;
+using HCURSOR = ZLT::Platform::Cursor*;
+using HBRUSH = ZLT::Platform::Brush*;
+using WNDPROC = LRESULT(CALLBACK*)(HWND, UINT, WPARAM, LPARAM);
 
 // Other headers define these two as macros.
 #ifndef FALSE
@@ -59,14 +108,46 @@ constexpr DWORD ERROR_INVALID_PARAMETER = 87;
 constexpr DWORD ERROR_PROC_NOT_FOUND = 127;
 constexpr DWORD ERROR_BUSY = 170;
 constexpr DWORD ERROR_INVALID_WINDOW_HANDLE = 1400;
+constexpr DWORD ERROR_CANNOT_FIND_WND_CLASS = 1407;
+constexpr DWORD ERROR_CLASS_ALREADY_EXISTS = 1410;
+constexpr DWORD ERROR_CLASS_DOES_NOT_EXIST = 1411;
+constexpr DWORD ERROR_CLASS_HAS_WINDOWS = 1412;
+constexpr DWORD ERROR_INVALID_MONITOR_HANDLE = 1461;
 constexpr DWORD ERROR_INVALID_PIXEL_FORMAT = 2000;
 constexpr DWORD ERROR_INVALID_OPERATION = 4317;
 
+constexpr UINT CS_CLASSDC = 0x0040;
+constexpr DWORD WS_OVERLAPPEDWINDOW = 0x00CF0000;
+constexpr DWORD WS_CLIPCHILDREN = 0x02000000;
+constexpr DWORD WS_CLIPSIBLINGS = 0x04000000;
+constexpr DWORD WS_VISIBLE = 0x10000000;
 constexpr DWORD WS_POPUP = 0x80000000;
+constexpr DWORD WS_EX_WINDOWEDGE = 0x00000100;
+constexpr DWORD WS_EX_APPWINDOW = 0x00040000;
+constexpr int SW_HIDE = 0;
+constexpr int SW_SHOWNORMAL = 1;
+/// The name of the arrow among the system's cursors: a number in the place of a text.
+inline const LPCSTR IDC_ARROW =
+    reinterpret_cast<LPCSTR>(std::uintptr_t(0x7F00)); // NOLINT(performance-no-int-to-ptr)
+
+constexpr DWORD DISPLAY_DEVICE_ATTACHED_TO_DESKTOP = 0x00000001;
+constexpr DWORD DISPLAY_DEVICE_PRIMARY_DEVICE = 0x00000004;
+constexpr DWORD DISPLAY_DEVICE_MIRRORING_DRIVER = 0x00000008;
+constexpr DWORD ENUM_CURRENT_SETTINGS = 0xFFFFFFFF;
+constexpr DWORD MONITOR_DEFAULTTONULL = 0;
+constexpr DWORD MONITOR_DEFAULTTOPRIMARY = 1;
+constexpr DWORD MONITOR_DEFAULTTONEAREST = 2;
+constexpr DWORD MONITORINFOF_PRIMARY = 1;
+constexpr DWORD DM_POSITION = 0x00000020;
+constexpr DWORD DM_BITSPERPEL = 0x00040000;
+constexpr DWORD DM_PELSWIDTH = 0x00080000;
+constexpr DWORD DM_PELSHEIGHT = 0x00100000;
 
 constexpr DWORD PFD_DOUBLEBUFFER = 0x00000001;
 constexpr DWORD PFD_DRAW_TO_WINDOW = 0x00000004;
 constexpr DWORD PFD_SUPPORT_OPENGL = 0x00000020;
+constexpr DWORD PFD_GENERIC_FORMAT = 0x00000040;
+constexpr DWORD PFD_GENERIC_ACCELERATED = 0x00001000;
 constexpr BYTE PFD_TYPE_RGBA = 0;
 constexpr UINT WGL_SWAP_MAIN_PLANE = 1;
 
@@ -99,6 +180,84 @@ struct PIXELFORMATDESCRIPTOR {
     DWORD dwDamageMask;
 };
 
+struct POINTL {
+    LONG x;
+    LONG y;
+};
+
+struct RECT {
+    LONG left;
+    LONG top;
+    LONG right;
+    LONG bottom;
+};
+
+struct DISPLAY_DEVICEA {
+    DWORD cb;
+    CHAR DeviceName[32];
+    CHAR DeviceString[128];
+    DWORD StateFlags;
+    CHAR DeviceID[128];
+    CHAR DeviceKey[128];
+};
+
+struct DEVMODEA {
+    BYTE dmDeviceName[32];
+    WORD dmSpecVersion;
+    WORD dmDriverVersion;
+    WORD dmSize;
+    WORD dmDriverExtra;
+    DWORD dmFields;
+    POINTL dmPosition;
+    DWORD dmDisplayOrientation;
+    DWORD dmDisplayFixedOutput;
+    SHORT dmColor;
+    SHORT dmDuplex;
+    SHORT dmYResolution;
+    SHORT dmTTOption;
+    SHORT dmCollate;
+    BYTE dmFormName[32];
+    WORD dmLogPixels;
+    DWORD dmBitsPerPel;
+    DWORD dmPelsWidth;
+    DWORD dmPelsHeight;
+    DWORD dmDisplayFlags;
+    DWORD dmDisplayFrequency;
+    DWORD dmICMMethod;
+    DWORD dmICMIntent;
+    DWORD dmMediaType;
+    DWORD dmDitherType;
+    DWORD dmReserved1;
+    DWORD dmReserved2;
+    DWORD dmPanningWidth;
+    DWORD dmPanningHeight;
+};
+
+struct MONITORINFO {
+    DWORD cbSize;
+    RECT rcMonitor;
+    RECT rcWork;
+    DWORD dwFlags;
+};
+struct MONITORINFOEXA : MONITORINFO {
+    CHAR szDevice[32];
+};
+
+struct WNDCLASSEXA {
+    UINT cbSize;
+    UINT style;
+    WNDPROC lpfnWndProc;
+    int cbClsExtra;
+    int cbWndExtra;
+    HINSTANCE hInstance;
+    HICON hIcon;
+    HCURSOR hCursor;
+    HBRUSH hbrBackground;
+    LPCSTR lpszMenuName;
+    LPCSTR lpszClassName;
+    HICON hIconSm;
+};
+
 // Layer planes and glyph outlines exist on Windows alone; the types serve the signatures.
 using LPLAYERPLANEDESCRIPTOR = struct LAYERPLANEDESCRIPTOR*;
 using LPGLYPHMETRICSFLOAT = struct GLYPHMETRICSFLOAT*;
@@ -112,23 +271,51 @@ struct WGLSWAP {
 ZLT_OGL_API DWORD GetLastError();
 ZLT_OGL_API void SetLastError(DWORD error);
 
-/// A window of width x height pixels; class, texts, place, parent, menu and instance don't matter.
+/// The display devices, from 0: FALSE past the last one. `device` must be null and the flags 0.
+ZLT_OGL_API BOOL EnumDisplayDevicesA(LPCSTR device, DWORD index, DISPLAY_DEVICEA* record, DWORD flags);
+/// Position and size of a display device as it is set now; `mode` must be ENUM_CURRENT_SETTINGS.
+ZLT_OGL_API BOOL EnumDisplaySettingsA(LPCSTR device, DWORD mode, DEVMODEA* settings);
+/// The monitor that shows most of the window, or the nearest, the primary or none, as `otherwise` says.
+ZLT_OGL_API HMONITOR MonitorFromWindow(HWND window, DWORD otherwise);
+/// Fills a MONITORINFO or a MONITORINFOEXA, as cbSize says.
+ZLT_OGL_API BOOL GetMonitorInfoA(HMONITOR monitor, MONITORINFO* information);
+
+/// "STATIC" is there already.
+ZLT_OGL_API ATOM RegisterClassExA(const WNDCLASSEXA* description);
+/// Refused while a window of the class exists.
+ZLT_OGL_API BOOL UnregisterClassA(LPCSTR className, HINSTANCE instance);
+ZLT_OGL_API LRESULT DefWindowProcW(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+ZLT_OGL_API HCURSOR LoadCursorA(HINSTANCE instance, LPCSTR name);
+ZLT_OGL_API HMODULE GetModuleHandleA(LPCSTR module);
+/// Windows have no frame of their own here, so the rectangle stays as it is.
+ZLT_OGL_API BOOL AdjustWindowRectEx(RECT* rectangle, DWORD style, BOOL menu, DWORD exStyle);
+
+/// A window of width x height pixels at (x, y) of the desktop, without events of its own and hidden unless
+/// the style has WS_VISIBLE. Parent and menu must be null.
 ZLT_OGL_API HWND CreateWindowExA(DWORD exStyle, LPCSTR className, LPCSTR name, DWORD style, int x, int y,
                                  int width, int height, HWND parent, HMENU menu, HINSTANCE instance,
                                  LPVOID data);
+/// A window that CreateWindowExA made.
 ZLT_OGL_API BOOL DestroyWindow(HWND window);
+/// The content is undefined after a change of size.
+ZLT_OGL_API BOOL MoveWindow(HWND window, int x, int y, int width, int height, BOOL repaint);
+/// SW_HIDE, or any other command to show. Whether it was visible before.
+ZLT_OGL_API BOOL ShowWindow(HWND window, int command);
+ZLT_OGL_API BOOL GetClientRect(HWND window, RECT* rectangle);
 /// The window's device context: always the same one, valid as long as the window.
 ZLT_OGL_API HDC GetDC(HWND window);
 ZLT_OGL_API int ReleaseDC(HWND window, HDC device);
 
-/// The index, from 1, of the format nearest to the one described.
+/// The index, from 1, of the format nearest to the one described, among those that the window can have. The
+/// formats are EGL's configurations, each double buffered and then each single buffered.
 ZLT_OGL_API int ChoosePixelFormat(HDC device, const PIXELFORMATDESCRIPTOR* wanted);
-/// Describes the format, and returns how many there are.
+/// Describes the format, and returns how many there are. A context of somebody else has one format, number 1.
 ZLT_OGL_API int DescribePixelFormat(HDC device, int format, UINT size, PIXELFORMATDESCRIPTOR* description);
 ZLT_OGL_API int GetPixelFormat(HDC device);
 /// Once for each window.
 ZLT_OGL_API BOOL SetPixelFormat(HDC device, int format, const PIXELFORMATDESCRIPTOR* description);
-/// A pbuffer has nothing to show: ends the frame of the current window, and does nothing for another.
+/// Shows what was drawn. EGL swaps the current window alone: another one on X11 is refused, and one that is a
+/// pbuffer has nothing to show.
 ZLT_OGL_API BOOL SwapBuffers(HDC device);
 
 ZLT_OGL_API BOOL wglCopyContext(HGLRC source, HGLRC destination, UINT mask);
@@ -138,7 +325,8 @@ ZLT_OGL_API BOOL wglDeleteContext(HGLRC context);
 ZLT_OGL_API HGLRC wglGetCurrentContext();
 ZLT_OGL_API HDC wglGetCurrentDC();
 /// Not null for any name that begins with "gl": the system's GL library has a function for each, and only the
-/// driver's version and extensions tell whether it does something.
+/// driver's version and extensions tell whether it does something. Of the WGL extensions it knows those that
+/// wglGetExtensionsStringARB names.
 ZLT_OGL_API PROC wglGetProcAddress(LPCSTR name);
 ZLT_OGL_API BOOL wglMakeCurrent(HDC device, HGLRC context);
 /// Lets `second` share what `first` has. `second` was never current, and shares with nobody yet.
@@ -159,4 +347,19 @@ ZLT_OGL_API BOOL wglSwapLayerBuffers(HDC device, UINT planes);
 /// Bit i of the result is set when buffer i was swapped.
 ZLT_OGL_API DWORD wglSwapMultipleBuffers(UINT count, const WGLSWAP* buffers);
 
+namespace ZLT::Platform {
+/// How many windows, pbuffers and contexts of this layer are live in the process.
+ZLT_OGL_API std::size_t liveHandles();
+} // namespace ZLT::Platform
+
 #endif
+
+// Handles of the WGL extensions, which <windows.h> lacks. They agree with those of GL/wglext.h.
+// NOLINTBEGIN(bugprone-reserved-identifier)
+using HPBUFFERARB = struct HPBUFFERARB__*;
+using HPBUFFEREXT = struct HPBUFFEREXT__*;
+using HVIDEOOUTPUTDEVICENV = struct HVIDEOOUTPUTDEVICENV__*;
+using HPVIDEODEV = struct HPVIDEODEV__*;
+using HGPUNV = struct HGPUNV__*;
+using PGPU_DEVICE = struct _GPU_DEVICE*;
+// NOLINTEND(bugprone-reserved-identifier)

@@ -3,77 +3,183 @@
 
 #include "platform/linux/Handles.h"
 
-#include <cstring>
-#include <memory>
+#include "platform/WglTokens.h"
 
 using namespace ZLT::Platform;
 
 namespace {
 
-// What is current on this thread. Gives it back when the thread ends.
-struct Current {
-    HDC device = nullptr;
-    HGLRC context = nullptr;
-    ~Current();
+// Without a destructor, so that reading it takes no more than its address.
+constinit thread_local Current here;
+
+// Gives back what is current when the thread ends.
+struct AtThreadEnd {
+    bool armed = false;
+    ~AtThreadEnd() {
+        if (!here.context)
+            return;
+        State& state = ZLT::Platform::state();
+        const std::lock_guard guard(state.lock);
+        releaseCurrent();
+        forgetOwnCurrent();
+    }
 };
-thread_local Current current;
+thread_local AtThreadEnd atThreadEnd;
 
-// The pair is no longer current on this thread. The caller holds the lock.
-void forget() {
-    if (!current.context)
-        return;
-    current.context->currentOn = {};
-    const HWND window = current.device->window;
-    if (--window->current == 0 && window->gone)
-        delete window;
-    current.context = nullptr;
-    current.device = nullptr;
-}
-
-EGLContext createNative(const State& state, int pixelFormat, EGLContext share) {
+EGLContext createNative(const Connection& connection, int pixelFormat, EGLContext share,
+                        const std::vector<EGLint>& attributes) {
     eglBindAPI(EGL_OPENGL_API);
-    return eglCreateContext(state.display, state.config(pixelFormat), share, nullptr);
+    return eglCreateContext(connection.display, connection.format(pixelFormat).config, share,
+                            attributes.data());
 }
 
-// Ends what is current on this thread. The caller holds the lock.
-bool release(const State& state) {
-    if (!current.context)
-        return true;
-    if (!eglMakeCurrent(state.display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT))
-        return false;
-    forget();
-    return true;
+// Who has it current decides; for somebody else's it is the driver who says so.
+bool isCurrentElsewhere(HGLRC context) {
+    return context != here.context && context->currentOn != std::thread::id();
 }
 
-Current::~Current() {
-    if (!context)
-        return;
+HGLRC create(HDC device, HGLRC share, std::vector<EGLint> attributes, DWORD refused) {
     State& state = ZLT::Platform::state();
     const std::lock_guard guard(state.lock);
-    release(state);
+    if (!state.devices.contains(device) || device->isForeign())
+        return fail(ERROR_INVALID_HANDLE);
+    if (share && (!state.contexts.contains(share) || share->connection != device->connection))
+        return fail(ERROR_INVALID_OPERATION);
+    if (device->pixelFormat == 0)
+        return fail(ERROR_INVALID_PIXEL_FORMAT);
+    const EGLContext native = createNative(*device->connection, device->pixelFormat,
+                                           share ? share->native : EGL_NO_CONTEXT, attributes);
+    if (native == EGL_NO_CONTEXT) {
+        failOfEGL();
+        return refused ? HGLRC(fail(refused)) : nullptr;
+    }
+    auto context = std::make_unique<RenderingContext>();
+    context->connection = device->connection;
+    context->pixelFormat = device->pixelFormat;
+    context->attributes = std::move(attributes);
+    context->native = native;
+    context->display = device->connection->display;
+    if (share)
+        share->used = context->used = true;
+    state.contexts.insert(context.get());
+    return context.release();
 }
 
-bool isCurrentElsewhere(HGLRC context) {
-    return context != current.context && context->currentOn != std::thread::id();
+// Of a context that was made here. The caller holds the lock.
+BOOL makeOwnCurrent(HDC draw, HDC read, HGLRC context) {
+    for (DeviceContext* device : {draw, read}) {
+        if (device->connection != context->connection || device->pixelFormat == 0)
+            return fail(ERROR_INVALID_PIXEL_FORMAT);
+        refresh(*device);
+    }
+    if (draw->pixelFormat != context->pixelFormat)
+        return fail(ERROR_INVALID_PIXEL_FORMAT);
+    if (isCurrentElsewhere(context))
+        return fail(ERROR_BUSY);
+    releaseGlx();
+    eglBindAPI(EGL_OPENGL_API);
+    if (!eglMakeCurrent(context->display, draw->surface, read->surface, context->native))
+        return failOfEGL();
+    ++draw->current;
+    ++read->current;
+    forgetOwnCurrent();
+    here = {draw, read, context};
+    atThreadEnd.armed = true;
+    context->currentOn = std::this_thread::get_id();
+    context->used = true;
+    return TRUE;
 }
 
 } // namespace
 
-HGLRC wglCreateContext(HDC device) {
+namespace ZLT::Platform {
+
+const Current& ownCurrent() { return here; }
+
+void forgetOwnCurrent() {
+    if (!here.context)
+        return;
+    here.context->currentOn = {};
+    for (DeviceContext* device : {here.device, here.read})
+        if (--device->current == 0 && device->gone)
+            delete device;
+    here = {};
+}
+
+HGLRC WINAPI createContextAttribsARB(HDC device, HGLRC share, const int* attributes) {
+    std::vector<EGLint> native;
+    const auto add = [&](EGLint name, EGLint value) { native.insert(native.end(), {name, value}); };
+    int major = 1;
+    int minor = 0;
+    for (; attributes && attributes[0] != 0; attributes += 2) {
+        const int value = attributes[1];
+        switch (attributes[0]) {
+        case WGL_CONTEXT_MAJOR_VERSION_ARB:
+            major = value;
+            break;
+        case WGL_CONTEXT_MINOR_VERSION_ARB:
+            minor = value;
+            break;
+        case WGL_CONTEXT_LAYER_PLANE_ARB:
+            if (value != 0)
+                return fail(ERROR_INVALID_PARAMETER);
+            break;
+        case WGL_CONTEXT_FLAGS_ARB:
+            if (value & ~(WGL_CONTEXT_DEBUG_BIT_ARB | WGL_CONTEXT_FORWARD_COMPATIBLE_BIT_ARB))
+                return fail(ERROR_INVALID_PARAMETER);
+            if (value & WGL_CONTEXT_DEBUG_BIT_ARB)
+                add(EGL_CONTEXT_OPENGL_DEBUG, EGL_TRUE);
+            if (value & WGL_CONTEXT_FORWARD_COMPATIBLE_BIT_ARB)
+                add(EGL_CONTEXT_OPENGL_FORWARD_COMPATIBLE, EGL_TRUE);
+            break;
+        case WGL_CONTEXT_PROFILE_MASK_ARB:
+            if (value != WGL_CONTEXT_CORE_PROFILE_BIT_ARB &&
+                value != WGL_CONTEXT_COMPATIBILITY_PROFILE_BIT_ARB)
+                return fail(static_cast<DWORD>(ERROR_INVALID_PROFILE_ARB));
+            add(EGL_CONTEXT_OPENGL_PROFILE_MASK, value); // the bits are the same
+            break;
+        default:
+            return fail(ERROR_INVALID_PARAMETER);
+        }
+    }
+    add(EGL_CONTEXT_MAJOR_VERSION, major);
+    add(EGL_CONTEXT_MINOR_VERSION, minor);
+    native.push_back(EGL_NONE);
+    return create(device, share, std::move(native), static_cast<DWORD>(ERROR_INVALID_VERSION_ARB));
+}
+
+BOOL WINAPI makeContextCurrentARB(HDC draw, HDC read, HGLRC context) {
     State& state = ZLT::Platform::state();
     const std::lock_guard guard(state.lock);
-    const HWND window = windowOf(state, device);
-    if (!window)
+    if (!context) {
+        if (!releaseCurrent())
+            return failOfEGL();
+        forgetOwnCurrent();
+        return TRUE;
+    }
+    if (!state.contexts.contains(context) || !state.devices.contains(draw) || !state.devices.contains(read))
         return fail(ERROR_INVALID_HANDLE);
-    if (window->pixelFormat == 0)
+    if (!context->isForeign())
+        return makeOwnCurrent(draw, read, context);
+    if (draw != read || !draw->isForeign() || draw->api != context->api || draw->display != context->display)
         return fail(ERROR_INVALID_PIXEL_FORMAT);
-    const EGLContext native = createNative(state, window->pixelFormat, EGL_NO_CONTEXT);
-    if (native == EGL_NO_CONTEXT)
-        return failOfEGL();
-    auto context = std::make_unique<RenderingContext>(RenderingContext{window->pixelFormat, native});
-    state.contexts.insert(context.get());
-    return context.release();
+    const bool made = makeForeignCurrent(*draw, *context);
+    if (here.context && eglGetCurrentContext() != here.context->native)
+        forgetOwnCurrent();
+    if (made)
+        return TRUE;
+    return context->api == Api::egl ? failOfEGL() : fail(ERROR_INVALID_HANDLE);
 }
+
+HDC WINAPI getCurrentReadDCARB() {
+    if (here.context && !foreignContextsSeen())
+        return here.read;
+    return askCurrent().read;
+}
+
+} // namespace ZLT::Platform
+
+HGLRC wglCreateContext(HDC device) { return create(device, nullptr, {EGL_NONE}, 0); }
 
 // Only the main plane exists.
 HGLRC wglCreateLayerContext(HDC device, int layer) {
@@ -85,42 +191,34 @@ BOOL wglDeleteContext(HGLRC context) {
     const std::lock_guard guard(state.lock);
     if (!state.contexts.contains(context))
         return fail(ERROR_INVALID_HANDLE);
+    if (context->isForeign())
+        return fail(ERROR_INVALID_OPERATION);
     if (isCurrentElsewhere(context))
         return fail(ERROR_BUSY);
-    if (context == current.context && !release(state))
-        return failOfEGL();
-    eglDestroyContext(state.display, context->native);
+    if (context == here.context) {
+        if (!releaseCurrent())
+            return failOfEGL();
+        forgetOwnCurrent();
+    }
+    eglDestroyContext(context->display, context->native);
     state.contexts.erase(context);
     delete context;
     return TRUE;
 }
 
-HGLRC wglGetCurrentContext() { return current.context; }
-HDC wglGetCurrentDC() { return current.device; }
-
-BOOL wglMakeCurrent(HDC device, HGLRC context) {
-    State& state = ZLT::Platform::state();
-    const std::lock_guard guard(state.lock);
-    if (!context)
-        return release(state) ? TRUE : failOfEGL();
-    const HWND window = windowOf(state, device);
-    if (!window || !state.contexts.contains(context))
-        return fail(ERROR_INVALID_HANDLE);
-    if (window->pixelFormat != context->pixelFormat)
-        return fail(ERROR_INVALID_PIXEL_FORMAT);
-    if (isCurrentElsewhere(context))
-        return fail(ERROR_BUSY);
-    eglBindAPI(EGL_OPENGL_API);
-    if (!eglMakeCurrent(state.display, window->surface, window->surface, context->native))
-        return failOfEGL();
-    ++window->current;
-    forget();
-    current.context = context;
-    current.device = device;
-    context->currentOn = std::this_thread::get_id();
-    context->used = true;
-    return TRUE;
+HGLRC wglGetCurrentContext() {
+    if (here.context && !foreignContextsSeen()) [[likely]]
+        return here.context;
+    return askCurrent().context;
 }
+
+HDC wglGetCurrentDC() {
+    if (here.context && !foreignContextsSeen()) [[likely]]
+        return here.device;
+    return askCurrent().device;
+}
+
+BOOL wglMakeCurrent(HDC device, HGLRC context) { return makeContextCurrentARB(device, device, context); }
 
 BOOL wglShareLists(HGLRC first, HGLRC second) {
     State& state = ZLT::Platform::state();
@@ -129,24 +227,36 @@ BOOL wglShareLists(HGLRC first, HGLRC second) {
         return fail(ERROR_INVALID_HANDLE);
     if (first == second)
         return fail(ERROR_INVALID_PARAMETER);
-    if (second->used)
+    if (second->used || first->connection != second->connection)
         return fail(ERROR_INVALID_OPERATION);
-    const EGLContext shared = createNative(state, second->pixelFormat, first->native);
+    const EGLContext shared =
+        createNative(*second->connection, second->pixelFormat, first->native, second->attributes);
     if (shared == EGL_NO_CONTEXT)
         return failOfEGL();
-    eglDestroyContext(state.display, second->native);
+    eglDestroyContext(second->display, second->native);
     second->native = shared;
     // Made again with another share, either would leave the group.
     first->used = second->used = true;
     return TRUE;
 }
 
-PROC wglGetProcAddress(LPCSTR name) {
-    if (!current.context)
-        return fail(ERROR_INVALID_HANDLE);
-    // EGL's own functions are not WGL's to give.
-    const PROC address = name && std::strncmp(name, "gl", 2) == 0 ? eglGetProcAddress(name) : nullptr;
-    return address ? address : fail(ERROR_PROC_NOT_FOUND);
+BOOL SwapBuffers(HDC device) {
+    State& state = ZLT::Platform::state();
+    {
+        const std::lock_guard guard(state.lock);
+        if (!state.devices.contains(device))
+            return fail(ERROR_INVALID_HANDLE);
+        if (!device->isForeign() && device->surface == EGL_NO_SURFACE)
+            return fail(ERROR_INVALID_PIXEL_FORMAT);
+        if (!device->isForeign())
+            refresh(*device);
+    }
+    // Without the lock: it may wait for the driver.
+    if (device->isForeign())
+        return swapForeign(*device) ? TRUE : failOfEGL();
+    if (device != wglGetCurrentDC())
+        return device->xid ? fail(ERROR_INVALID_OPERATION) : TRUE;
+    return eglSwapBuffers(device->connection->display, device->surface) ? TRUE : failOfEGL();
 }
 
 BOOL wglSwapLayerBuffers(HDC device, UINT planes) {

@@ -1,44 +1,16 @@
 #include "platform/linux/Handles.h"
 
-#include <EGL/eglext.h>
-
 namespace ZLT::Platform {
 
 namespace {
-
 thread_local DWORD lastError = ERROR_SUCCESS;
-
-EGLint attribute(EGLDisplay display, EGLConfig config, EGLint name) {
-    EGLint value = 0;
-    eglGetConfigAttrib(display, config, name, &value);
-    return value;
 }
-
-void openDisplay(State& state) {
-    for (const EGLDisplay display : {eglGetPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, nullptr, nullptr),
-                                     eglGetDisplay(EGL_DEFAULT_DISPLAY)})
-        if (display != EGL_NO_DISPLAY && eglInitialize(display, nullptr, nullptr)) {
-            state.display = display;
-            break;
-        }
-    if (state.display == EGL_NO_DISPLAY)
-        return;
-    EGLint count = 0;
-    eglGetConfigs(state.display, nullptr, 0, &count);
-    std::vector<EGLConfig> all(static_cast<std::size_t>(count));
-    eglGetConfigs(state.display, all.data(), count, &count);
-    for (const EGLConfig config : all)
-        if ((attribute(state.display, config, EGL_RENDERABLE_TYPE) & EGL_OPENGL_BIT) &&
-            (attribute(state.display, config, EGL_SURFACE_TYPE) & EGL_PBUFFER_BIT))
-            state.configs.push_back(config);
-}
-
-} // namespace
 
 State& state() {
     static State& only = *[] {
         auto* made = new State;
-        openDisplay(*made);
+        made->classes["STATIC"] = 0;
+        openDisplays(*made);
         return made;
     }();
     return only;
@@ -58,16 +30,22 @@ Failure failOfEGL() {
     case EGL_BAD_CONFIG:
     case EGL_BAD_MATCH:
         return fail(ERROR_INVALID_PIXEL_FORMAT);
+    case EGL_BAD_NATIVE_WINDOW:
+        return fail(ERROR_INVALID_WINDOW_HANDLE);
     default:
         return fail(ERROR_GEN_FAILURE);
     }
 }
 
-HWND windowOf(const State& state, HDC device) {
-    for (const HWND window : state.windows)
-        if (&window->device == device)
-            return window;
-    return nullptr;
+std::size_t liveHandles() {
+    State& state = ZLT::Platform::state();
+    const std::lock_guard guard(state.lock);
+    std::size_t count = state.windows.size();
+    for (const HDC device : state.devices)
+        count += device->isPbuffer() ? 1 : 0;
+    for (const HGLRC context : state.contexts)
+        count += context->isForeign() ? 0 : 1;
+    return count;
 }
 
 } // namespace ZLT::Platform

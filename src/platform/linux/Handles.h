@@ -4,48 +4,120 @@
 
 #include <EGL/egl.h>
 
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <memory>
 #include <mutex>
 #include <set>
+#include <string>
 #include <thread>
 #include <vector>
 
 /// @file
 /// What the handles stand for, and which of them are live. Everything here is guarded by State::lock.
 
+struct _XDisplay; // NOLINT(bugprone-reserved-identifier): Xlib's Display
+
 namespace ZLT::Platform {
 
-struct DeviceContext {
-    HWND window;
+/// An EGL configuration in one of its two forms of buffering.
+struct Format {
+    EGLConfig config;
+    bool doubleBuffered;
+    int red, green, blue, alpha, depth, stencil, samples;
+    bool floatingPoint;
+    bool slow;
+    bool pbuffer; // can be a pbuffer
+    bool window;  // can be an X11 window of this visual
+    std::uintptr_t visual;
+
+    int colorBits() const { return red + green + blue + alpha; }
 };
 
-struct Window {
-    int width;
-    int height;
+/// An EGL display and its formats. On X11 there is one, without X there is one for each EGL device.
+struct Connection {
+    EGLDisplay display;
+    bool x11;
+    std::vector<Format> formats; // pixel format i is formats[i - 1]
+    std::string extensions;      // the names of the WGL extensions
+    std::string adapter;         // for people
+    std::string key;             // what is different for each adapter
+
+    bool has(int format) const { return format >= 1 && static_cast<std::size_t>(format) <= formats.size(); }
+    const Format& format(int number) const { return formats[static_cast<std::size_t>(number - 1)]; }
+};
+
+/// A display device: a monitor, or an EGL device with a place of its own beside the others.
+struct Device {
+    std::string name;
+    RECT area;
+    bool primary;
+    Connection* connection;
+};
+
+enum class Api { egl, glx };
+
+/// What can be drawn to: a window, a pbuffer, or the drawable of somebody else's context.
+struct DeviceContext {
+    Connection* connection = nullptr; // null: somebody else's
+    HWND window = nullptr;            // null: not a window
+    std::uintptr_t xid = 0;           // the X11 window
+    std::uintptr_t visual = 0;        // and its visual
+    int width = 0;
+    int height = 0;
     int pixelFormat = 0; // 0: none set
     EGLSurface surface = EGL_NO_SURFACE;
-    DeviceContext device{this};
-    int current = 0;   // on how many threads it is the current drawable
-    bool gone = false; // destroyed meanwhile: deleted when it is no longer current
+    bool stale = false; // the surface has another size than the window
+    int current = 0;    // on how many threads it is the current drawable
+    bool gone = false;  // destroyed meanwhile: deleted when it is no longer current
+
+    // Somebody else's: EGL surfaces or GLX drawables.
+    Api api = Api::egl;
+    void* display = nullptr;
+    std::uintptr_t draw = 0;
+    std::uintptr_t read = 0;
+    HGLRC owner = nullptr; // the context that it was seen with
+
+    bool isForeign() const { return connection == nullptr; }
+    bool isPbuffer() const { return connection && !window; }
+};
+
+struct WindowRecord {
+    std::unique_ptr<DeviceContext> device;
+    std::string className;
+    int x = 0;
+    int y = 0;
+    bool visible = false;
+    bool foreign = false; // an X11 window that somebody else made
 };
 
 struct RenderingContext {
-    int pixelFormat;
-    EGLContext native;
-    bool used = false;           // was current or shares with another: can't be given a share any more
-    std::thread::id currentOn{}; // the thread on which it is current
+    Connection* connection = nullptr; // null: somebody else's
+    int pixelFormat = 0;
+    std::vector<EGLint> attributes; // it was created with, EGL_NONE at the end
+    void* native = nullptr;         // EGLContext or GLXContext
+    bool used = false;              // was current or shares with another: can't be given a share any more
+    std::thread::id currentOn{};    // the thread on which it is current
+
+    Api api = Api::egl;
+    void* display = nullptr; // EGLDisplay or Display, of the native one
+
+    bool isForeign() const { return connection == nullptr; }
 };
 
 struct State {
     std::mutex lock;
-    EGLDisplay display = EGL_NO_DISPLAY;
-    std::vector<EGLConfig> configs; // pixel format i is configs[i - 1]
-    std::set<HWND> windows;
+    _XDisplay* server = nullptr; // null: no X11
+    std::deque<Connection> connections;
+    std::map<std::string, int, std::less<>> classes; // window classes, and how many windows each has
+    std::map<HWND, std::unique_ptr<WindowRecord>> windows;
+    std::set<HDC> devices; // of windows, pbuffers and foreign drawables
     std::set<HGLRC> contexts;
-
-    EGLConfig config(int pixelFormat) const { return configs[static_cast<std::size_t>(pixelFormat - 1)]; }
 };
 
-/// The state of the process; opens the display on first use. Never destroyed: handles outlive static objects.
+/// The state of the process; opens the displays on first use. Never destroyed: handles outlive static
+/// objects.
 State& state();
 
 /// What a failing function returns: 0 in whatever type it has.
@@ -60,7 +132,75 @@ Failure fail(DWORD error);
 /// Leaves the number that fits EGL's last error.
 Failure failOfEGL();
 
-/// The window of a live device context, or null.
-HWND windowOf(const State& state, HDC device);
+// Displays.cpp
+
+/// Opens the EGL displays, and the X server when there is one.
+void openDisplays(State& state);
+/// The display devices as they are now.
+std::vector<Device> displayDevices(State& state);
+/// The device at (x, y) or the one nearest to it; null when there is none.
+const Device* deviceAt(const std::vector<Device>& devices, int x, int y);
+
+// Windows.cpp
+
+/// The window of a handle; an X11 window of somebody else's is entered with the first call. Null, with the
+/// error number, when there is none.
+WindowRecord* windowOf(State& state, HWND handle);
+/// Gives the drawable a surface of the window's size, unless it is current on another thread.
+void refresh(DeviceContext& device);
+/// Deletes a drawable of a window or pbuffer, or leaves it to the thread on which it is current.
+void destroyDrawable(State& state, std::unique_ptr<DeviceContext> device);
+
+// PixelFormats.cpp
+
+Format readFormat(EGLDisplay display, EGLConfig config, bool doubleBuffered);
+/// The formats of an EGL display, each in both forms of buffering.
+std::vector<Format> formatsOf(EGLDisplay display);
+/// Whether the drawable can be a window of this format.
+bool drawsToWindow(const DeviceContext& device, const Format& format);
+BOOL WINAPI choosePixelFormatARB(HDC device, const int* integers, const FLOAT* reals, UINT capacity,
+                                 int* formats, UINT* count);
+BOOL WINAPI getPixelFormatAttribivARB(HDC device, int format, int layer, UINT count, const int* attributes,
+                                      int* values);
+BOOL WINAPI getPixelFormatAttribfvARB(HDC device, int format, int layer, UINT count, const int* attributes,
+                                      FLOAT* values);
+
+// Contexts.cpp
+
+/// A pair that is current on a thread.
+struct Current {
+    HDC device = nullptr;
+    HDC read = nullptr;
+    HGLRC context = nullptr;
+};
+/// What is current on the calling thread of the contexts that were made here, as far as it is known here.
+const Current& ownCurrent();
+/// It is no longer current. The caller holds the lock.
+void forgetOwnCurrent();
+HGLRC WINAPI createContextAttribsARB(HDC device, HGLRC share, const int* attributes);
+BOOL WINAPI makeContextCurrentARB(HDC draw, HDC read, HGLRC context);
+HDC WINAPI getCurrentReadDCARB();
+
+// Foreign.cpp
+
+/// Whether a context of somebody else was ever seen: from then on nothing is known without asking.
+bool foreignContextsSeen();
+/// Asks EGL and GLX what is current on this thread, and makes handles for what somebody else made. Without
+/// the lock.
+Current askCurrent();
+/// Makes somebody else's context current again. The caller holds the lock.
+bool makeForeignCurrent(const DeviceContext& draw, const RenderingContext& context);
+/// Leaves the thread with no context of EGL or GLX, whoever made it.
+bool releaseCurrent();
+/// Leaves the thread with no context of GLX, which and EGL exclude each other.
+void releaseGlx();
+/// The one format of somebody else's drawable.
+Format foreignFormat(const DeviceContext& device);
+bool swapForeign(const DeviceContext& device);
+
+// Extensions.cpp
+
+/// The names of the WGL extensions that work on this display.
+std::string extensionNames(const Connection& connection);
 
 } // namespace ZLT::Platform

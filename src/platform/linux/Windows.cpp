@@ -1,174 +1,283 @@
-// Windows, their device contexts and pixel formats.
+// Window classes, windows and their device contexts.
 
 #include "platform/linux/Handles.h"
+#include "platform/linux/XErrors.h"
 
-#include <limits>
-#include <memory>
+#include <X11/Xutil.h>
 
 using namespace ZLT::Platform;
 
 namespace {
 
-int bits(const State& state, int format, EGLint name) {
-    EGLint value = 0;
-    eglGetConfigAttrib(state.display, state.config(format), name, &value);
-    return value;
+HWND handleOf(std::uintptr_t value) {
+    return reinterpret_cast<HWND>(value);
+} // NOLINT(performance-no-int-to-ptr)
+
+std::uintptr_t valueOf(HWND handle) { return reinterpret_cast<std::uintptr_t>(handle); }
+
+std::unique_ptr<::Window> makeXWindow(State& state, int x, int y, int width, int height, LPCSTR name,
+                                      bool visible) {
+    Display* server = state.server;
+    XErrors errors(server);
+    XSetWindowAttributes attributes = {};
+    attributes.background_pixmap = 0; // what GL drew is not painted over
+    attributes.border_pixel = 0;
+    const ::Window window = XCreateWindow(
+        server, DefaultRootWindow(server), x, y, static_cast<unsigned>(width), static_cast<unsigned>(height),
+        0, CopyFromParent, InputOutput, CopyFromParent, CWBackPixmap | CWBorderPixel, &attributes);
+    // At this place and of this size, whatever the window manager prefers.
+    XSizeHints hints = {};
+    hints.flags = USPosition | USSize;
+    XSetWMNormalHints(server, window, &hints);
+    if (name)
+        XStoreName(server, window, name);
+    if (visible)
+        XMapWindow(server, window);
+    if (errors.any())
+        return nullptr;
+    return std::make_unique<::Window>(window);
 }
 
-PIXELFORMATDESCRIPTOR describe(const State& state, int format) {
-    const auto byte = [&](EGLint name) { return static_cast<BYTE>(bits(state, format, name)); };
-    PIXELFORMATDESCRIPTOR description = {};
-    description.nSize = sizeof(description);
-    description.nVersion = 1;
-    description.dwFlags = PFD_DRAW_TO_WINDOW | PFD_SUPPORT_OPENGL | PFD_DOUBLEBUFFER;
-    description.iPixelType = PFD_TYPE_RGBA;
-    description.cRedBits = byte(EGL_RED_SIZE);
-    description.cGreenBits = byte(EGL_GREEN_SIZE);
-    description.cBlueBits = byte(EGL_BLUE_SIZE);
-    description.cAlphaBits = byte(EGL_ALPHA_SIZE);
-    description.cColorBits =
-        static_cast<BYTE>(description.cRedBits + description.cGreenBits + description.cBlueBits);
-    description.cDepthBits = byte(EGL_DEPTH_SIZE);
-    description.cStencilBits = byte(EGL_STENCIL_SIZE);
-    return description;
+// Reads size and visual; false when the window is gone.
+bool readGeometry(State& state, DeviceContext& device) {
+    XErrors errors(state.server);
+    XWindowAttributes attributes = {};
+    const bool found = XGetWindowAttributes(state.server, device.xid, &attributes) != 0;
+    if (!found || errors.any() || attributes.c_class != InputOutput)
+        return false;
+    device.width = attributes.width;
+    device.height = attributes.height;
+    device.visual = XVisualIDFromVisual(attributes.visual);
+    return true;
 }
 
-// How far a number of bits is from the wanted one: too few weigh more than too many.
-int distance(int offered, int wanted) {
-    return offered < wanted ? 100 * (wanted - offered) : offered - wanted;
-}
-
-bool isFormat(const State& state, int format) {
-    return format >= 1 && static_cast<std::size_t>(format) <= state.configs.size();
+void forgetWindow(State& state, HWND handle) {
+    const auto found = state.windows.find(handle);
+    std::unique_ptr<WindowRecord> window = std::move(found->second);
+    state.windows.erase(found);
+    if (!window->foreign)
+        --state.classes[window->className];
+    destroyDrawable(state, std::move(window->device));
 }
 
 } // namespace
 
-HWND CreateWindowExA(DWORD, LPCSTR, LPCSTR, DWORD, int, int, int width, int height, HWND, HMENU, HINSTANCE,
-                     LPVOID) {
-    State& state = ZLT::Platform::state();
-    const std::lock_guard guard(state.lock);
-    if (width < 1 || height < 1)
-        return fail(ERROR_INVALID_PARAMETER);
-    if (state.display == EGL_NO_DISPLAY)
-        return fail(ERROR_GEN_FAILURE);
-    auto window = std::make_unique<Window>(Window{width, height});
-    window->device.window = window.get();
-    state.windows.insert(window.get());
-    return window.release();
+namespace ZLT::Platform {
+
+WindowRecord* windowOf(State& state, HWND handle) {
+    const auto found = state.windows.find(handle);
+    if (found != state.windows.end()) {
+        DeviceContext& device = *found->second->device;
+        if (!device.xid || readGeometry(state, device))
+            return found->second.get();
+        // Somebody else destroyed it.
+        forgetWindow(state, handle);
+    } else if (state.server && handle) {
+        auto window = std::make_unique<WindowRecord>();
+        window->foreign = true;
+        window->device = std::make_unique<DeviceContext>();
+        window->device->connection = &state.connections.front();
+        window->device->window = handle;
+        window->device->xid = valueOf(handle);
+        if (readGeometry(state, *window->device)) {
+            state.devices.insert(window->device.get());
+            return (state.windows[handle] = std::move(window)).get();
+        }
+    }
+    fail(ERROR_INVALID_WINDOW_HANDLE);
+    return nullptr;
 }
 
-BOOL DestroyWindow(HWND window) {
-    State& state = ZLT::Platform::state();
-    const std::lock_guard guard(state.lock);
-    if (state.windows.erase(window) == 0)
-        return fail(ERROR_INVALID_WINDOW_HANDLE);
+void destroyDrawable(State& state, std::unique_ptr<DeviceContext> device) {
+    state.devices.erase(device.get());
     // EGL keeps a surface that is current until it no longer is.
-    if (window->surface != EGL_NO_SURFACE)
-        eglDestroySurface(state.display, window->surface);
-    if (window->current == 0)
-        delete window;
-    else
-        window->gone = true; // its address is not given out again while a thread has it current
-    return TRUE;
+    if (device->surface != EGL_NO_SURFACE)
+        eglDestroySurface(device->connection->display, device->surface);
+    device->surface = EGL_NO_SURFACE;
+    if (device->current > 0) {
+        // Its address is not given out again while a thread has it current.
+        device->gone = true;
+        device.release();
+    }
 }
 
-HDC GetDC(HWND window) {
-    State& state = ZLT::Platform::state();
-    const std::lock_guard guard(state.lock);
-    if (!state.windows.contains(window))
-        return fail(ERROR_INVALID_WINDOW_HANDLE);
-    return &window->device;
+void refresh(DeviceContext& device) {
+    const Current& here = ownCurrent();
+    const bool currentHere = here.device == &device || here.read == &device;
+    if (!device.stale || device.current > (currentHere ? 1 : 0))
+        return;
+    const EGLDisplay display = device.connection->display;
+    const EGLint size[] = {EGL_WIDTH, device.width, EGL_HEIGHT, device.height, EGL_NONE};
+    const EGLSurface surface =
+        eglCreatePbufferSurface(display, device.connection->format(device.pixelFormat).config, size);
+    if (surface == EGL_NO_SURFACE)
+        return;
+    const EGLSurface old = device.surface;
+    device.surface = surface;
+    device.stale = false;
+    if (currentHere)
+        eglMakeCurrent(display, here.device->surface, here.read->surface, here.context->native);
+    eglDestroySurface(display, old);
 }
 
-int ReleaseDC(HWND window, HDC device) {
+} // namespace ZLT::Platform
+
+ATOM RegisterClassExA(const WNDCLASSEXA* description) {
     State& state = ZLT::Platform::state();
     const std::lock_guard guard(state.lock);
-    if (!state.windows.contains(window) || &window->device != device)
-        return fail(ERROR_INVALID_HANDLE);
+    if (!description || description->cbSize != sizeof(*description) || !description->lpszClassName)
+        return fail(ERROR_INVALID_PARAMETER);
+    if (!state.classes.emplace(description->lpszClassName, 0).second)
+        return fail(ERROR_CLASS_ALREADY_EXISTS);
     return 1;
 }
 
-int ChoosePixelFormat(HDC device, const PIXELFORMATDESCRIPTOR* wanted) {
+BOOL UnregisterClassA(LPCSTR className, HINSTANCE) {
     State& state = ZLT::Platform::state();
     const std::lock_guard guard(state.lock);
-    if (!windowOf(state, device))
-        return fail(ERROR_INVALID_HANDLE);
-    if (!wanted)
-        return fail(ERROR_INVALID_PARAMETER);
-    int best = 0;
-    int least = std::numeric_limits<int>::max();
-    for (int format = 1; isFormat(state, format); ++format) {
-        const PIXELFORMATDESCRIPTOR offered = describe(state, format);
-        const int away = distance(offered.cColorBits, wanted->cColorBits) +
-                         distance(offered.cAlphaBits, wanted->cAlphaBits) +
-                         distance(offered.cDepthBits, wanted->cDepthBits) +
-                         distance(offered.cStencilBits, wanted->cStencilBits) +
-                         bits(state, format, EGL_SAMPLES);
-        if (away < least) {
-            least = away;
-            best = format;
-        }
-    }
-    return best ? best : fail(ERROR_INVALID_PIXEL_FORMAT);
-}
-
-int DescribePixelFormat(HDC device, int format, UINT size, PIXELFORMATDESCRIPTOR* description) {
-    State& state = ZLT::Platform::state();
-    const std::lock_guard guard(state.lock);
-    if (!windowOf(state, device))
-        return fail(ERROR_INVALID_HANDLE);
-    if (description) {
-        if (size < sizeof(*description))
-            return fail(ERROR_INVALID_PARAMETER);
-        if (!isFormat(state, format))
-            return fail(ERROR_INVALID_PIXEL_FORMAT);
-        *description = describe(state, format);
-    }
-    return static_cast<int>(state.configs.size());
-}
-
-int GetPixelFormat(HDC device) {
-    State& state = ZLT::Platform::state();
-    const std::lock_guard guard(state.lock);
-    const HWND window = windowOf(state, device);
-    if (!window)
-        return fail(ERROR_INVALID_HANDLE);
-    return window->pixelFormat ? window->pixelFormat : fail(ERROR_INVALID_PIXEL_FORMAT);
-}
-
-BOOL SetPixelFormat(HDC device, int format, const PIXELFORMATDESCRIPTOR*) {
-    State& state = ZLT::Platform::state();
-    const std::lock_guard guard(state.lock);
-    const HWND window = windowOf(state, device);
-    if (!window)
-        return fail(ERROR_INVALID_HANDLE);
-    if (!isFormat(state, format))
-        return fail(ERROR_INVALID_PIXEL_FORMAT);
-    if (window->pixelFormat != 0)
-        return window->pixelFormat == format ? TRUE : fail(ERROR_INVALID_PIXEL_FORMAT);
-    const EGLint size[] = {EGL_WIDTH, window->width, EGL_HEIGHT, window->height, EGL_NONE};
-    window->surface = eglCreatePbufferSurface(state.display, state.config(format), size);
-    if (window->surface == EGL_NO_SURFACE)
-        return failOfEGL();
-    window->pixelFormat = format;
+    const auto found = className ? state.classes.find(className) : state.classes.end();
+    if (found == state.classes.end())
+        return fail(ERROR_CLASS_DOES_NOT_EXIST);
+    if (found->second > 0)
+        return fail(ERROR_CLASS_HAS_WINDOWS);
+    state.classes.erase(found);
     return TRUE;
 }
 
-BOOL SwapBuffers(HDC device) {
+// No message ever arrives.
+LRESULT DefWindowProcW(HWND, UINT, WPARAM, LPARAM) { return 0; }
+HCURSOR LoadCursorA(HINSTANCE, LPCSTR) { return nullptr; }
+HMODULE GetModuleHandleA(LPCSTR) { return nullptr; }
+BOOL AdjustWindowRectEx(RECT* rectangle, DWORD, BOOL, DWORD) {
+    return rectangle ? TRUE : fail(ERROR_INVALID_PARAMETER);
+}
+
+HWND CreateWindowExA(DWORD, LPCSTR className, LPCSTR name, DWORD style, int x, int y, int width, int height,
+                     HWND parent, HMENU menu, HINSTANCE, LPVOID) {
     State& state = ZLT::Platform::state();
-    EGLSurface surface = EGL_NO_SURFACE;
-    {
-        const std::lock_guard guard(state.lock);
-        const HWND window = windowOf(state, device);
-        if (!window)
-            return fail(ERROR_INVALID_HANDLE);
-        surface = window->surface;
+    const std::lock_guard guard(state.lock);
+    if (width < 1 || height < 1 || parent || menu || !className)
+        return fail(ERROR_INVALID_PARAMETER);
+    const auto found = state.classes.find(className);
+    if (found == state.classes.end())
+        return fail(ERROR_CANNOT_FIND_WND_CLASS);
+    const std::vector<Device> devices = displayDevices(state);
+    const Device* place = deviceAt(devices, x, y);
+    if (!place)
+        return fail(ERROR_GEN_FAILURE);
+
+    auto window = std::make_unique<WindowRecord>();
+    window->className = className;
+    window->x = x;
+    window->y = y;
+    window->visible = (style & WS_VISIBLE) != 0;
+    window->device = std::make_unique<DeviceContext>();
+    DeviceContext& device = *window->device;
+    device.connection = place->connection;
+    device.width = width;
+    device.height = height;
+    device.window = reinterpret_cast<HWND>(window.get());
+    if (state.server) {
+        const auto xid = makeXWindow(state, x, y, width, height, name, window->visible);
+        if (!xid)
+            return fail(ERROR_GEN_FAILURE);
+        device.xid = *xid;
+        device.window = handleOf(*xid);
+        readGeometry(state, device);
     }
-    if (surface == EGL_NO_SURFACE)
-        return fail(ERROR_INVALID_PIXEL_FORMAT);
-    // EGL swaps the current surface alone. Without the lock: it may wait for the driver.
-    if (device != wglGetCurrentDC())
-        return TRUE;
-    return eglSwapBuffers(state.display, surface) ? TRUE : failOfEGL();
+    ++found->second;
+    const HWND handle = device.window;
+    state.devices.insert(&device);
+    state.windows[handle] = std::move(window);
+    return handle;
+}
+
+BOOL DestroyWindow(HWND handle) {
+    State& state = ZLT::Platform::state();
+    const std::lock_guard guard(state.lock);
+    const WindowRecord* window = windowOf(state, handle);
+    if (!window)
+        return FALSE;
+    if (window->foreign)
+        return fail(ERROR_INVALID_WINDOW_HANDLE);
+    const ::Window xid = window->device->xid;
+    forgetWindow(state, handle);
+    if (xid) {
+        XErrors errors(state.server);
+        XDestroyWindow(state.server, xid);
+    }
+    return TRUE;
+}
+
+BOOL MoveWindow(HWND handle, int x, int y, int width, int height, BOOL) {
+    State& state = ZLT::Platform::state();
+    const std::lock_guard guard(state.lock);
+    WindowRecord* window = windowOf(state, handle);
+    if (!window)
+        return FALSE;
+    if (width < 1 || height < 1)
+        return fail(ERROR_INVALID_PARAMETER);
+    window->x = x;
+    window->y = y;
+    DeviceContext& device = *window->device;
+    const bool resized = device.width != width || device.height != height;
+    device.width = width;
+    device.height = height;
+    if (device.xid) {
+        XErrors errors(state.server);
+        XMoveResizeWindow(state.server, device.xid, x, y, static_cast<unsigned>(width),
+                          static_cast<unsigned>(height));
+        return errors.any() ? fail(ERROR_INVALID_WINDOW_HANDLE) : TRUE;
+    }
+    if (resized && device.surface != EGL_NO_SURFACE) {
+        device.stale = true;
+        refresh(device);
+    }
+    return TRUE;
+}
+
+BOOL ShowWindow(HWND handle, int command) {
+    State& state = ZLT::Platform::state();
+    const std::lock_guard guard(state.lock);
+    WindowRecord* window = windowOf(state, handle);
+    if (!window)
+        return FALSE;
+    const bool before = window->visible;
+    window->visible = command != SW_HIDE;
+    if (window->device->xid) {
+        XErrors errors(state.server);
+        if (window->visible)
+            XMapWindow(state.server, window->device->xid);
+        else
+            XUnmapWindow(state.server, window->device->xid);
+    }
+    return before;
+}
+
+BOOL GetClientRect(HWND handle, RECT* rectangle) {
+    State& state = ZLT::Platform::state();
+    const std::lock_guard guard(state.lock);
+    const WindowRecord* window = windowOf(state, handle);
+    if (!window)
+        return FALSE;
+    if (!rectangle)
+        return fail(ERROR_INVALID_PARAMETER);
+    *rectangle = {0, 0, window->device->width, window->device->height};
+    return TRUE;
+}
+
+HDC GetDC(HWND handle) {
+    State& state = ZLT::Platform::state();
+    const std::lock_guard guard(state.lock);
+    WindowRecord* window = windowOf(state, handle);
+    return window ? window->device.get() : nullptr;
+}
+
+int ReleaseDC(HWND handle, HDC device) {
+    State& state = ZLT::Platform::state();
+    const std::lock_guard guard(state.lock);
+    const auto found = state.windows.find(handle);
+    if (found == state.windows.end() || found->second->device.get() != device)
+        return fail(ERROR_INVALID_HANDLE);
+    return 1;
 }

@@ -1,0 +1,184 @@
+// Contexts that somebody else made, through EGL or GLX: seen, made current again, and never destroyed.
+
+#include "platform/linux/Handles.h"
+#include "platform/linux/XErrors.h"
+
+#include <GL/glx.h>
+
+#include <algorithm>
+#include <atomic>
+
+namespace ZLT::Platform {
+
+namespace {
+
+std::atomic<bool> seen = false;
+
+// What the system says is current.
+struct Native {
+    Api api = Api::egl;
+    void* display = nullptr;
+    void* context = nullptr;
+    std::uintptr_t draw = 0;
+    std::uintptr_t read = 0;
+
+    bool operator==(const Native&) const = default;
+};
+
+std::uintptr_t value(EGLSurface surface) { return reinterpret_cast<std::uintptr_t>(surface); }
+EGLSurface surface(std::uintptr_t value) {
+    return reinterpret_cast<EGLSurface>(value); // NOLINT(performance-no-int-to-ptr)
+}
+
+Native ask() {
+    if (const EGLContext context = eglGetCurrentContext(); context != EGL_NO_CONTEXT)
+        return {Api::egl, eglGetCurrentDisplay(), context, value(eglGetCurrentSurface(EGL_DRAW)),
+                value(eglGetCurrentSurface(EGL_READ))};
+    if (const GLXContext context = glXGetCurrentContext())
+        return {Api::glx, glXGetCurrentDisplay(), context, glXGetCurrentDrawable(),
+                glXGetCurrentReadDrawable()};
+    return {};
+}
+
+HGLRC contextOf(State& state, const Native& native) {
+    for (const HGLRC context : state.contexts)
+        if (context->native == native.context && context->api == native.api &&
+            context->display == native.display)
+            return context;
+    auto made = std::make_unique<RenderingContext>();
+    made->api = native.api;
+    made->display = native.display;
+    made->native = native.context;
+    made->used = true;
+    state.contexts.insert(made.get());
+    return made.release();
+}
+
+HDC deviceOf(State& state, const Native& native, HGLRC owner) {
+    for (const HDC device : state.devices)
+        if (device->isForeign() && device->api == native.api && device->display == native.display &&
+            device->draw == native.draw && device->read == native.read)
+            return device;
+    auto made = std::make_unique<DeviceContext>();
+    made->api = native.api;
+    made->display = native.display;
+    made->draw = native.draw;
+    made->read = native.read;
+    made->owner = owner;
+    state.devices.insert(made.get());
+    return made.release();
+}
+
+Format glxFormat(const DeviceContext& device) {
+    auto* display = static_cast<Display*>(device.display);
+    const auto native = static_cast<GLXContext>(device.owner->native);
+    Format format = {};
+    int id = 0;
+    int screen = 0;
+    int count = 0;
+    glXQueryContext(display, native, GLX_FBCONFIG_ID, &id);
+    glXQueryContext(display, native, GLX_SCREEN, &screen);
+    const int wanted[] = {GLX_FBCONFIG_ID, id, None};
+    GLXFBConfig* configs = glXChooseFBConfig(display, screen, wanted, &count);
+    if (configs && count > 0) {
+        const auto get = [&](int name) {
+            int value = 0;
+            glXGetFBConfigAttrib(display, configs[0], name, &value);
+            return value;
+        };
+        format.doubleBuffered = get(GLX_DOUBLEBUFFER) != 0;
+        format.red = get(GLX_RED_SIZE);
+        format.green = get(GLX_GREEN_SIZE);
+        format.blue = get(GLX_BLUE_SIZE);
+        format.alpha = get(GLX_ALPHA_SIZE);
+        format.depth = get(GLX_DEPTH_SIZE);
+        format.stencil = get(GLX_STENCIL_SIZE);
+        format.samples = get(GLX_SAMPLES);
+    }
+    if (configs)
+        XFree(configs);
+    return format;
+}
+
+Format eglFormat(const DeviceContext& device) {
+    EGLint id = 0;
+    EGLint buffer = EGL_BACK_BUFFER;
+    if (!eglQueryContext(device.display, device.owner->native, EGL_CONFIG_ID, &id) || id == 0)
+        eglQuerySurface(device.display, surface(device.draw), EGL_CONFIG_ID, &id);
+    eglQueryContext(device.display, device.owner->native, EGL_RENDER_BUFFER, &buffer);
+    const EGLint wanted[] = {EGL_CONFIG_ID, id, EGL_NONE};
+    EGLConfig config = nullptr;
+    EGLint count = 0;
+    if (!eglChooseConfig(device.display, wanted, &config, 1, &count) || count == 0)
+        return {};
+    return readFormat(device.display, config, buffer == EGL_BACK_BUFFER);
+}
+
+} // namespace
+
+bool foreignContextsSeen() { return seen.load(std::memory_order_relaxed); }
+
+Current askCurrent() {
+    const Native native = ask();
+    const Current& own = ownCurrent();
+    if (own.context && native.api == Api::egl && native.context == own.context->native &&
+        native.display == own.context->display)
+        return own;
+    // The records of what is foreign are never deleted, so what was found last still holds.
+    thread_local Native lastNative;
+    thread_local Current last;
+    if (!own.context && native == lastNative)
+        return last;
+    State& state = ZLT::Platform::state();
+    const std::lock_guard guard(state.lock);
+    forgetOwnCurrent();
+    lastNative = native;
+    last = {};
+    if (native.context) {
+        last.context = contextOf(state, native);
+        last.device = last.read = deviceOf(state, native, last.context);
+        seen = true;
+    }
+    return last;
+}
+
+bool makeForeignCurrent(const DeviceContext& draw, const RenderingContext& context) {
+    if (context.api == Api::egl) {
+        releaseGlx();
+        return eglMakeCurrent(context.display, surface(draw.draw), surface(draw.read), context.native) !=
+               EGL_FALSE;
+    }
+    auto* display = static_cast<Display*>(context.display);
+    if (eglGetCurrentContext() != EGL_NO_CONTEXT)
+        eglMakeCurrent(eglGetCurrentDisplay(), EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+    XErrors errors(display, XErrors::Before::theirs);
+    return glXMakeContextCurrent(display, draw.draw, draw.read, static_cast<GLXContext>(context.native)) &&
+           !errors.any();
+}
+
+bool releaseCurrent() {
+    const Native native = ask();
+    if (!native.context)
+        return true;
+    if (native.api == Api::egl)
+        return eglMakeCurrent(native.display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT) != EGL_FALSE;
+    return glXMakeContextCurrent(static_cast<Display*>(native.display), None, None, nullptr) != False;
+}
+
+void releaseGlx() {
+    if (glXGetCurrentContext())
+        glXMakeContextCurrent(glXGetCurrentDisplay(), None, None, nullptr);
+}
+
+Format foreignFormat(const DeviceContext& device) {
+    return device.api == Api::egl ? eglFormat(device) : glxFormat(device);
+}
+
+bool swapForeign(const DeviceContext& device) {
+    if (device.api == Api::egl)
+        return eglSwapBuffers(device.display, surface(device.draw)) != EGL_FALSE;
+    glXSwapBuffers(static_cast<Display*>(device.display), device.draw);
+    return true;
+}
+
+} // namespace ZLT::Platform
