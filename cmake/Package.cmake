@@ -10,18 +10,29 @@ install(TARGETS zlt_core zlt_ogl EXPORT zlt_oglTargets
 set(public_headers
   Export.h
   ExceptionOGL.h
+  InternalWindow.h
+  LibraryOGL.h
+  extensionator/ExtensionManager.h
   extensionator/OpenGLErrorChecker.h
   extensionator/OpenGLInterceptor.h
   extensionator/OpenGLInterceptorDecorator.h
   extensionator/OpenGLRekorder.h
   extensionator/OpenGLTracer.h
+  extensionator/TextureState.h
   extensionator/TokenName.h
   extensionator/win/wglErrorChecker.h
   extensionator/win/wglInterceptor.h
   extensionator/win/wglInterceptorDecorator.h
   extensionator/win/wglLayerEntries.inl
   extensionator/win/wglRekorder.h
+  ogl/BufferFormat.h
+  ogl/Context.h
+  ogl/ContextOffscreen.h
+  ogl/ContextWindowed.h
+  ogl/ContextWrapped.h
+  ogl/ScopedContextWrapper.h
   platform/Platform.h
+  platform/WglTokens.h
   zlt/core/Core.h
   zlt/core/Enforce.h
   zlt/core/Exceptions.h
@@ -34,7 +45,11 @@ foreach(header IN LISTS public_headers)
   cmake_path(GET header PARENT_PATH folder)
   install(FILES ${PROJECT_SOURCE_DIR}/src/${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zlt_ogl/${folder})
 endforeach()
-install(FILES ${zlt_generated_headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zlt_ogl/extensionator)
+foreach(header IN LISTS zlt_generated_headers)
+  cmake_path(RELATIVE_PATH header BASE_DIRECTORY ${zlt_generated}/include OUTPUT_VARIABLE name)
+  cmake_path(GET name PARENT_PATH folder)
+  install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zlt_ogl/${folder})
+endforeach()
 
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/zlt_ogl)
 install(EXPORT zlt_oglTargets NAMESPACE zlt_ogl:: DESTINATION ${package_folder})

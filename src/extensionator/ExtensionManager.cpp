@@ -1,59 +1,120 @@
 #include "extensionator/ExtensionManager.h"
 
-#if !defined(_WIN32)
-#include <EGL/egl.h>
-#endif
+#include "LibraryOGL.h"
+#include "ogl/ScopedContextWrapper.h"
+#include "ogl/internal/ContextBootstrap.h"
+#include "zlt/core/Enforce.h"
+#include "zlt/core/Exceptions.h"
+#include "zlt/core/memory/ZLTDeleter.h"
 
-#include <array>
+#include <tbb/concurrent_hash_map.h>
+
 #include <cstdint>
-#include <cstring>
+#include <sstream>
 
 namespace ZLT::OGL {
 
 namespace {
 
-using Function = void (*)();
-
-constexpr const char* functionNames[] = {
-#include "extensionator/FunctionNames.inl"
+// The handle's value is the hash: handles differ, and a lookup stands in front of each call.
+struct HandleHash {
+    static std::size_t hash(HGLRC context) { return reinterpret_cast<std::uintptr_t>(context); }
+    static bool equal(HGLRC a, HGLRC b) { return a == b; }
 };
-constexpr std::size_t functionCount = std::size(functionNames);
-static_assert(sizeof(FunctionTable) == functionCount * sizeof(Function), "one pointer for each name");
+// An allocator of its own keeps TBB free of its run-time library.
+using PerContextMap = tbb::concurrent_hash_map<HGLRC, ExtensionManager*, HandleHash,
+                                               std::allocator<std::pair<const HGLRC, ExtensionManager*>>>;
+PerContextMap perContextMap_;
 
-#if defined(_WIN32)
-bool hasCurrentContext() { return wglGetCurrentContext() != nullptr; }
-
-Function addressOf(const char* name) {
-    const auto address = reinterpret_cast<Function>(wglGetProcAddress(name));
-    // Some drivers answer 1, 2, 3 or -1 for a name that they don't know.
-    const auto value = reinterpret_cast<std::intptr_t>(address);
-    return value >= -1 && value <= 3 ? nullptr : address;
+[[noreturn, gnu::noinline, gnu::cold]] void raiseUnknownContext() {
+    std::ostringstream message;
+    // The sentence has no "or"; clients match on it.
+    message << "currentContext either not created with ZLT::OGL";
+    throw InternalException(ZLT_SOURCE_FILE, __LINE__, message.str().c_str());
 }
-#else
-// The entry points are the dispatch functions of the system's GL library, the same for every context.
-bool hasCurrentContext() { return true; }
-
-Function addressOf(const char* name) { return eglGetProcAddress(name); }
-#endif
 
 } // namespace
 
+std::vector<ExtensionManager*> ExtensionManager::perDeviceEM_;
+ExtensionManager* ExtensionManager::cachedNullExtMgrInstance = nullptr;
+const ExtensionManager::InitOptions ExtensionManager::oInitOptions_;
+
+ExtensionManager::~ExtensionManager() = default;
+
 ExtensionManager* ExtensionManager::Instance() {
-    if (!hasCurrentContext()) {
-        static ExtensionManager none(Source::none);
-        return &none;
-    }
-    static ExtensionManager loaded(Source::driver);
-    return &loaded;
+    const HGLRC context = wglGetCurrentContext();
+    if (!context && Library::isInitialized())
+        return nullExtensionManager();
+    PerContextMap::const_accessor entry;
+    if (!perContextMap_.find(entry, context)) [[unlikely]]
+        raiseUnknownContext();
+    return entry->second;
 }
 
-ExtensionManager::ExtensionManager(Source source) {
-    if (source == Source::none)
-        return;
-    std::array<Function, functionCount> functions;
-    for (std::size_t i = 0; i < functionCount; ++i)
-        functions[i] = addressOf(functionNames[i]);
-    std::memcpy(&table_, functions.data(), sizeof(table_));
+ExtensionManager* ExtensionManager::Create(const DISPLAY_DEVICEA& device) {
+    const ScopedContextWrapper restore;
+    internal::ContextBootstrap bootstrap(device);
+    bootstrap.makeCurrent();
+    const String name = bootstrap.deviceName();
+    for (ExtensionManager* manager : perDeviceEM_)
+        if (manager->deviceName_ == name)
+            return manager;
+    std::unique_ptr<ExtensionManager, ZLTDeleter<ExtensionManager>> made(
+        new (MemoryType(0), ZLT_SOURCE_FILE, __LINE__) ExtensionManager(&bootstrap));
+    perDeviceEM_.push_back(made.get());
+    return made.release();
 }
+
+void ExtensionManager::RegisterContext(Context& context) {
+    ExtensionManager* pInstance = nullptr;
+    const String name = context.deviceName();
+    // To the end, so that the last match wins.
+    for (ExtensionManager* manager : perDeviceEM_)
+        if (manager->deviceName_ == name)
+            pInstance = manager;
+    if (!pInstance)
+        pInstance = Create(context.displayDevice());
+    ZLT_ENFORCE(pInstance != NULL); // NOLINT(modernize-use-nullptr): the rule's text is known to clients
+    PerContextMap::accessor entry;
+    if (perContextMap_.insert(entry, context.renderContext()))
+        entry->second = pInstance;
+}
+
+void ExtensionManager::UnRegisterContext(Context& context) {
+    const bool found = perContextMap_.erase(context.renderContext());
+    ZLT_ASSERT(found);
+}
+
+ExtensionManager* ExtensionManager::nullExtensionManager() { return cachedNullExtMgrInstance; }
+
+const FunctionTable& ExtensionManager::table() const {
+    ZLT_ASSERT(tableExt_.get() != 0); // NOLINT(modernize-use-nullptr): as above
+    return *tableExt_;
+}
+
+bool ExtensionManager::isSupported(teExtension extension) const { return extensions_.contains(extension); }
+
+unsigned int ExtensionManager::majorVersion() const { return nMajorVersion_; }
+unsigned int ExtensionManager::minorVersion() const { return nMinorVersion_; }
+bool ExtensionManager::hasReleaseVersion() const { return nReleaseVersion_ != -1; }
+
+unsigned int ExtensionManager::releaseVersion() const {
+    ZLT_ASSERT(nReleaseVersion_ != -1);
+    return static_cast<unsigned int>(nReleaseVersion_);
+}
+
+String ExtensionManager::additionalVersionInfo() const { return additionalVersionInfo_; }
+ExtensionManager::teVendor ExtensionManager::vendor() const { return vendor_; }
+
+const ExtensionManager::InitOptions& ExtensionManager::initOptions() { return oInitOptions_; }
+
+ExtensionManager::InitOptions::InitOptions() : throwOnNullContext_(true), flushOnMakeCurrentMacOnly_(true) {}
+ExtensionManager::InitOptions::InitOptions(const InitOptions&) = default;
+ExtensionManager::InitOptions::~InitOptions() = default;
+ExtensionManager::InitOptions& ExtensionManager::InitOptions::operator=(const InitOptions&) = default;
+bool ExtensionManager::InitOptions::throwOnNullContext() const { return throwOnNullContext_; }
+void ExtensionManager::InitOptions::setThrowOnNullContext(bool on) { throwOnNullContext_ = on; }
+bool ExtensionManager::InitOptions::flushOnMakeCurrentMacOnly() const { return flushOnMakeCurrentMacOnly_; }
+void ExtensionManager::InitOptions::setFlushOnMakeCurrentMacOnly(bool on) { flushOnMakeCurrentMacOnly_ = on; }
 
 } // namespace ZLT::OGL

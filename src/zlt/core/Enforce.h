@@ -10,6 +10,8 @@
 ///     ZLT_ENFORCE(poTex != NULL)           "Enforce poTex != NULL"
 ///     ZLT_UNREACHABLE("No such filter.")   "!\"No such filter.\""
 ///     ZLT_RANGE(nSize > 0)                 "Range error: nSize > 0"
+///
+/// ZLT_RAISE throws the same exception with a message of its own.
 
 // The build names each source by a fixed text, so that no path of a build machine ends up in a message.
 #ifndef ZLT_SOURCE_FILE
@@ -31,6 +33,9 @@ namespace ZLT::Detail {
 
 /// A branch that must not be reached; `text` is a string literal.
 #define ZLT_UNREACHABLE(text) ZLT::Detail::raiseInternal(ZLT_SOURCE_FILE, __LINE__, "!" #text)
+
+/// A failure with a message of its own.
+#define ZLT_RAISE(text) ZLT::Detail::raiseInternal(ZLT_SOURCE_FILE, __LINE__, text)
 
 /// An argument that must be in range.
 #define ZLT_RANGE(...)                                                                                       \

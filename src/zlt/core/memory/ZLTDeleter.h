@@ -19,8 +19,15 @@ struct ZLTDeleter {
             static_assert(std::has_virtual_destructor_v<T>, "a base needs a virtual destructor");
             block = const_cast<void*>(dynamic_cast<const volatile void*>(p));
         }
+        // As after `delete`: the memory goes even if the destructor throws.
+        struct Release {
+            void* block;
+            ~Release() {
+                ::operator delete(block, MemoryType(0), "..\\..\\zlt\\core\\memory\\ZLTDeleter", __LINE__);
+            }
+        };
+        const Release release{block};
         p->~T();
-        ::operator delete(block, MemoryType(0), "..\\..\\zlt\\core\\memory\\ZLTDeleter", __LINE__);
     }
 };
 

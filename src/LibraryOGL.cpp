@@ -1,0 +1,62 @@
+#include "LibraryOGL.h"
+
+#include "extensionator/OpenGLInterceptor.h"
+#include "extensionator/win/wglInterceptor.h"
+#include "ogl/internal/ContextBootstrap.h"
+#include "zlt/core/Core.h"
+#include "zlt/core/Enforce.h"
+#include "zlt/core/memory/ZLTDeleter.h"
+
+namespace ZLT::OGL {
+
+bool Library::isInitialized_ = false;
+Library::InitOptions Library::initOptions_;
+
+void Library::initialize(const InitOptions& options) {
+    ZLT_ASSERT(!isInitialized_);
+    ZLT_ASSERT(Core::Library::isInitialized());
+    // A start that failed has left one.
+    ZLTDeleter<ExtensionManager>()(ExtensionManager::cachedNullExtMgrInstance);
+    ExtensionManager::cachedNullExtMgrInstance =
+        new (MemoryType(0), ZLT_SOURCE_FILE, __LINE__) ExtensionManager(nullptr);
+    for (std::size_t index = 0; index < Context::numDisplayDevice(); ++index) {
+        DISPLAY_DEVICEA device = {};
+        Context::displayDevice(index, device);
+        internal::ContextBootstrap bootstrap(device);
+        bootstrap.makeCurrent();
+        const ExtensionManager* extMan = ExtensionManager::Create(device);
+        ZLT_ASSERT(extMan);
+    }
+    Context::initializeWglCreateContextAttribsPtr();
+    initOptions_ = options;
+    isInitialized_ = true;
+}
+
+bool Library::isInitialized() { return isInitialized_; }
+
+void Library::terminate() {
+    wglInterceptor::destroy();
+    OpenGLInterceptor::destroy();
+    ZLT_ASSERT(isInitialized_);
+    // The text of the start lacks the namespace and this one has it.
+    ZLT_ASSERT(ZLT::Core::Library::isInitialized());
+    Context::unInitializeWglCreateContextAttribsPtr();
+    isInitialized_ = false;
+    const ZLTDeleter<ExtensionManager> destroy;
+    for (ExtensionManager* manager : ExtensionManager::perDeviceEM_)
+        destroy(manager);
+    ExtensionManager::perDeviceEM_.clear();
+    destroy(ExtensionManager::cachedNullExtMgrInstance);
+    ExtensionManager::cachedNullExtMgrInstance = nullptr;
+}
+
+Library::InitOptions::InitOptions() : throwOnNullContext_(true), flushOnMakeCurrentMacOnly_(true) {}
+Library::InitOptions::InitOptions(const InitOptions&) = default;
+Library::InitOptions::~InitOptions() = default;
+Library::InitOptions& Library::InitOptions::operator=(const InitOptions&) = default;
+bool Library::InitOptions::throwOnNullContext() const { return throwOnNullContext_; }
+void Library::InitOptions::setThrowOnNullContext(bool on) { throwOnNullContext_ = on; }
+bool Library::InitOptions::flushOnMakeCurrentMacOnly() const { return flushOnMakeCurrentMacOnly_; }
+void Library::InitOptions::setFlushOnMakeCurrentMacOnly(bool on) { flushOnMakeCurrentMacOnly_ = on; }
+
+} // namespace ZLT::OGL

@@ -1,0 +1,47 @@
+#include "ogl/ContextWrapped.h"
+
+#include "extensionator/ExtensionManager.h"
+#include "zlt/core/Enforce.h"
+#include "zlt/core/Exceptions.h"
+
+namespace ZLT::OGL {
+
+ContextWrapped::ContextWrapped() {
+    renderContext_ = wglGetCurrentContext();
+    deviceContext_ = wglGetCurrentDC();
+    adopt(nullptr);
+}
+
+ContextWrapped::ContextWrapped(HDC hdc, HGLRC hrc, HWND window) {
+    deviceContext_ = hdc;
+    renderContext_ = hrc;
+    adopt(window);
+}
+
+void ContextWrapped::adopt(HWND window) {
+    if (!deviceContext_)
+        ZLT_RAISE("ContextWrapped::ctor invalid device");
+    if (!renderContext_)
+        ZLT_RAISE("ContextWrapped::ctor invalid rendering context");
+    if (window)
+        displayDevice_ = displayDeviceFromWindow(window);
+    else
+        Context::displayDevice(primaryDisplayIndex(), displayDevice_);
+    ExtensionManager::RegisterContext(*this);
+    _registerContextWrapped(this);
+}
+
+ContextWrapped::~ContextWrapped() noexcept(false) {
+    _unregisterShareContext(this);
+    unregisterWithExtensionMgr();
+}
+
+void ContextWrapped::makeCurrent() const {
+    try {
+        Context::makeCurrent();
+    } catch (const InternalException&) {
+        ZLT_RAISE("ContextWrapped Object leaked");
+    }
+}
+
+} // namespace ZLT::OGL

@@ -1,0 +1,28 @@
+#include "ogl/ScopedContextWrapper.h"
+
+#include "zlt/core/Enforce.h"
+
+#include <sstream>
+
+namespace ZLT::OGL {
+
+ScopedContextWrapper::ScopedContextWrapper()
+    : savedDeviceContext_(nullptr), savedRenderContext_(wglGetCurrentContext()) {
+    savedDeviceContext_ = wglGetCurrentDC();
+}
+
+// The one place where a failure is lost on purpose: it must not hide the one that ended the scope.
+ScopedContextWrapper::~ScopedContextWrapper() {
+    try {
+        if (wglGetCurrentContext() == savedRenderContext_ && wglGetCurrentDC() == savedDeviceContext_)
+            return;
+        if (wglMakeCurrent(savedDeviceContext_, savedRenderContext_))
+            return;
+        std::ostringstream message;
+        message << "Context::can't make this context current" << GetLastError();
+        ZLT_RAISE(message.str().c_str());
+    } catch (...) { // NOLINT(bugprone-empty-catch)
+    }
+}
+
+} // namespace ZLT::OGL
