@@ -2,6 +2,7 @@
 
 #include "extensionator/OpenGLInterceptor.h"
 #include "extensionator/win/wglInterceptor.h"
+#include "ogl/ScopedContextWrapper.h"
 #include "ogl/internal/ContextBootstrap.h"
 #include "zlt/core/Core.h"
 #include "zlt/core/Enforce.h"
@@ -15,6 +16,8 @@ Library::InitOptions Library::initOptions_;
 void Library::initialize(const InitOptions& options) {
     ZLT_ASSERT(!isInitialized_);
     ZLT_ASSERT(Core::Library::isInitialized());
+    // A client that starts the library with its own context current keeps it.
+    const ScopedContextWrapper restore;
     // A start that failed has left one.
     ZLTDeleter<ExtensionManager>()(ExtensionManager::cachedNullExtMgrInstance);
     ExtensionManager::cachedNullExtMgrInstance =

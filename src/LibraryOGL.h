@@ -33,7 +33,8 @@ public:
 
     Library& operator=(const Library&) { return *this; }
 
-    /// Starts the library: makes the extension manager of each display device. A failure leaves it stopped,
+    /// Starts the library: makes the extension manager of each display device. The calling thread's current
+    /// context is again what it was. A failure leaves it stopped,
     /// with what was made so far.
     /// @throws InternalException "!isInitialized_" when it is started already,
     ///         "Core::Library::isInitialized()" when the core is not, and whatever a device's context raises

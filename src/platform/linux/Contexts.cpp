@@ -33,36 +33,41 @@ EGLContext createNative(const Connection& connection, int pixelFormat, EGLContex
                             attributes.data());
 }
 
+// After a change of what is current that failed: the old one may be gone.
+Failure failOf(const RenderingContext& context) {
+    if (here.context && !isCurrentNatively(*here.context))
+        forgetOwnCurrent();
+    return context.api == Api::egl ? failOfEGL() : fail(ERROR_INVALID_HANDLE);
+}
+
 // Who has it current decides; for somebody else's it is the driver who says so.
 bool isCurrentElsewhere(HGLRC context) {
     return context != here.context && context->currentOn != std::thread::id();
 }
 
-HGLRC create(HDC device, HGLRC share, std::vector<EGLint> attributes, DWORD refused) {
-    State& state = ZLT::Platform::state();
-    const std::lock_guard guard(state.lock);
-    if (!state.devices.contains(device) || device->isForeign())
+HGLRC create(HDC device, std::vector<EGLint> attributes) {
+    if (!ZLT::Platform::state().devices.contains(device) || device->isForeign())
         return fail(ERROR_INVALID_HANDLE);
-    if (share && (!state.contexts.contains(share) || share->connection != device->connection))
-        return fail(ERROR_INVALID_OPERATION);
     if (device->pixelFormat == 0)
         return fail(ERROR_INVALID_PIXEL_FORMAT);
-    const EGLContext native = createNative(*device->connection, device->pixelFormat,
-                                           share ? share->native : EGL_NO_CONTEXT, attributes);
-    if (native == EGL_NO_CONTEXT) {
-        failOfEGL();
-        return refused ? HGLRC(fail(refused)) : nullptr;
-    }
+    const EGLContext native =
+        createNative(*device->connection, device->pixelFormat, EGL_NO_CONTEXT, attributes);
+    if (native == EGL_NO_CONTEXT)
+        return failOfEGL();
     auto context = std::make_unique<RenderingContext>();
     context->connection = device->connection;
     context->pixelFormat = device->pixelFormat;
     context->attributes = std::move(attributes);
     context->native = native;
     context->display = device->connection->display;
-    if (share)
-        share->used = context->used = true;
-    state.contexts.insert(context.get());
+    ZLT::Platform::state().contexts.insert(context.get());
     return context.release();
+}
+
+void destroy(State& state, HGLRC context) {
+    destroyNative(*context);
+    state.contexts.erase(context);
+    delete context;
 }
 
 // Of a context that was made here. The caller holds the lock.
@@ -76,10 +81,8 @@ BOOL makeOwnCurrent(HDC draw, HDC read, HGLRC context) {
         return fail(ERROR_INVALID_PIXEL_FORMAT);
     if (isCurrentElsewhere(context))
         return fail(ERROR_BUSY);
-    releaseGlx();
-    eglBindAPI(EGL_OPENGL_API);
-    if (!eglMakeCurrent(context->display, draw->surface, read->surface, context->native))
-        return failOfEGL();
+    if (!makeNativeCurrent(*context, surfaceFor(*draw, *context), surfaceFor(*read, *context)))
+        return failOf(*context);
     ++draw->current;
     ++read->current;
     forgetOwnCurrent();
@@ -87,6 +90,25 @@ BOOL makeOwnCurrent(HDC draw, HDC read, HGLRC context) {
     atThreadEnd.armed = true;
     context->currentOn = std::this_thread::get_id();
     context->used = true;
+    return TRUE;
+}
+
+// Makes the native context of `second` again, so that it shares what `first` has. The caller holds the lock.
+BOOL share(HGLRC first, HGLRC second) {
+    if (second->used)
+        return fail(ERROR_INVALID_OPERATION);
+    if (first->display == second->display) {
+        const EGLContext shared =
+            createNative(*second->connection, second->pixelFormat, first->native, second->attributes);
+        if (shared == EGL_NO_CONTEXT)
+            return failOfEGL();
+        destroyNative(*second);
+        second->native = shared;
+    } else if (!becomeGuest(*second, *first)) {
+        return fail(ERROR_INVALID_OPERATION);
+    }
+    // Made again with another share, either would leave the group.
+    first->used = second->used = true;
     return TRUE;
 }
 
@@ -106,7 +128,7 @@ void forgetOwnCurrent() {
     here = {};
 }
 
-HGLRC WINAPI createContextAttribsARB(HDC device, HGLRC share, const int* attributes) {
+HGLRC WINAPI createContextAttribsARB(HDC device, HGLRC shareWith, const int* attributes) {
     std::vector<EGLint> native;
     const auto add = [&](EGLint name, EGLint value) { native.insert(native.end(), {name, value}); };
     int major = 1;
@@ -145,7 +167,20 @@ HGLRC WINAPI createContextAttribsARB(HDC device, HGLRC share, const int* attribu
     add(EGL_CONTEXT_MAJOR_VERSION, major);
     add(EGL_CONTEXT_MINOR_VERSION, minor);
     native.push_back(EGL_NONE);
-    return create(device, share, std::move(native), static_cast<DWORD>(ERROR_INVALID_VERSION_ARB));
+    State& state = ZLT::Platform::state();
+    const std::lock_guard guard(state.lock);
+    if (shareWith && !state.contexts.contains(shareWith))
+        return fail(ERROR_INVALID_HANDLE);
+    const HGLRC made = create(device, std::move(native));
+    if (!made)
+        return GetLastError() == ERROR_INVALID_PIXEL_FORMAT && device->pixelFormat
+                   ? HGLRC(fail(static_cast<DWORD>(ERROR_INVALID_VERSION_ARB)))
+                   : nullptr;
+    if (shareWith && !share(shareWith, made)) {
+        destroy(state, made);
+        return nullptr;
+    }
+    return made;
 }
 
 BOOL WINAPI makeContextCurrentARB(HDC draw, HDC read, HGLRC context) {
@@ -163,12 +198,10 @@ BOOL WINAPI makeContextCurrentARB(HDC draw, HDC read, HGLRC context) {
         return makeOwnCurrent(draw, read, context);
     if (draw != read || !draw->isForeign() || draw->api != context->api || draw->display != context->display)
         return fail(ERROR_INVALID_PIXEL_FORMAT);
-    const bool made = makeForeignCurrent(*draw, *context);
-    if (here.context && eglGetCurrentContext() != here.context->native)
-        forgetOwnCurrent();
-    if (made)
-        return TRUE;
-    return context->api == Api::egl ? failOfEGL() : fail(ERROR_INVALID_HANDLE);
+    if (!makeNativeCurrent(*context, draw->draw, draw->read))
+        return failOf(*context);
+    forgetOwnCurrent();
+    return TRUE;
 }
 
 HDC WINAPI getCurrentReadDCARB() {
@@ -179,7 +212,10 @@ HDC WINAPI getCurrentReadDCARB() {
 
 } // namespace ZLT::Platform
 
-HGLRC wglCreateContext(HDC device) { return create(device, nullptr, {EGL_NONE}, 0); }
+HGLRC wglCreateContext(HDC device) {
+    const std::lock_guard guard(ZLT::Platform::state().lock);
+    return create(device, {EGL_NONE});
+}
 
 // Only the main plane exists.
 HGLRC wglCreateLayerContext(HDC device, int layer) {
@@ -200,9 +236,7 @@ BOOL wglDeleteContext(HGLRC context) {
             return failOfEGL();
         forgetOwnCurrent();
     }
-    eglDestroyContext(context->display, context->native);
-    state.contexts.erase(context);
-    delete context;
+    destroy(state, context);
     return TRUE;
 }
 
@@ -227,17 +261,9 @@ BOOL wglShareLists(HGLRC first, HGLRC second) {
         return fail(ERROR_INVALID_HANDLE);
     if (first == second)
         return fail(ERROR_INVALID_PARAMETER);
-    if (second->used || first->connection != second->connection)
+    if (second->isForeign())
         return fail(ERROR_INVALID_OPERATION);
-    const EGLContext shared =
-        createNative(*second->connection, second->pixelFormat, first->native, second->attributes);
-    if (shared == EGL_NO_CONTEXT)
-        return failOfEGL();
-    eglDestroyContext(second->display, second->native);
-    second->native = shared;
-    // Made again with another share, either would leave the group.
-    first->used = second->used = true;
-    return TRUE;
+    return share(first, second);
 }
 
 BOOL SwapBuffers(HDC device) {
@@ -253,10 +279,11 @@ BOOL SwapBuffers(HDC device) {
     }
     // Without the lock: it may wait for the driver.
     if (device->isForeign())
-        return swapForeign(*device) ? TRUE : failOfEGL();
+        return swapNative(device->api, device->display, device->draw) ? TRUE : failOfEGL();
     if (device != wglGetCurrentDC())
         return device->xid ? fail(ERROR_INVALID_OPERATION) : TRUE;
-    return eglSwapBuffers(device->connection->display, device->surface) ? TRUE : failOfEGL();
+    const RenderingContext& context = *here.context;
+    return swapNative(context.api, context.display, surfaceFor(*device, context)) ? TRUE : failOfEGL();
 }
 
 BOOL wglSwapLayerBuffers(HDC device, UINT planes) {

@@ -1,4 +1,5 @@
-// Contexts that somebody else made, through EGL or GLX: seen, made current again, and never destroyed.
+// What EGL and GLX have current: contexts that somebody else made are seen, made current again, and never
+// destroyed.
 
 #include "platform/linux/Handles.h"
 #include "platform/linux/XErrors.h"
@@ -40,10 +41,13 @@ Native ask() {
     return {};
 }
 
+bool isNative(const RenderingContext& context, const Native& native) {
+    return native.api == context.api && native.context == context.native && native.display == context.display;
+}
+
 HGLRC contextOf(State& state, const Native& native) {
     for (const HGLRC context : state.contexts)
-        if (context->native == native.context && context->api == native.api &&
-            context->display == native.display)
+        if (isNative(*context, native))
             return context;
     auto made = std::make_unique<RenderingContext>();
     made->api = native.api;
@@ -57,8 +61,10 @@ HGLRC contextOf(State& state, const Native& native) {
 HDC deviceOf(State& state, const Native& native, HGLRC owner) {
     for (const HDC device : state.devices)
         if (device->isForeign() && device->api == native.api && device->display == native.display &&
-            device->draw == native.draw && device->read == native.read)
+            device->draw == native.draw && device->read == native.read) {
+            device->owner = owner; // the last one was perhaps another
             return device;
+        }
     auto made = std::make_unique<DeviceContext>();
     made->api = native.api;
     made->display = native.display;
@@ -72,32 +78,31 @@ HDC deviceOf(State& state, const Native& native, HGLRC owner) {
 Format glxFormat(const DeviceContext& device) {
     auto* display = static_cast<Display*>(device.display);
     const auto native = static_cast<GLXContext>(device.owner->native);
-    Format format = {};
+    XErrors errors(display, XErrors::Before::theirs);
     int id = 0;
     int screen = 0;
-    int count = 0;
     glXQueryContext(display, native, GLX_FBCONFIG_ID, &id);
     glXQueryContext(display, native, GLX_SCREEN, &screen);
-    const int wanted[] = {GLX_FBCONFIG_ID, id, None};
-    GLXFBConfig* configs = glXChooseFBConfig(display, screen, wanted, &count);
-    if (configs && count > 0) {
-        const auto get = [&](int name) {
-            int value = 0;
-            glXGetFBConfigAttrib(display, configs[0], name, &value);
-            return value;
-        };
-        format.doubleBuffered = get(GLX_DOUBLEBUFFER) != 0;
-        format.red = get(GLX_RED_SIZE);
-        format.green = get(GLX_GREEN_SIZE);
-        format.blue = get(GLX_BLUE_SIZE);
-        format.alpha = get(GLX_ALPHA_SIZE);
-        format.depth = get(GLX_DEPTH_SIZE);
-        format.stencil = get(GLX_STENCIL_SIZE);
-        format.samples = get(GLX_SAMPLES);
+    // A context made the old way knows no configuration, but its window has a visual.
+    XWindowAttributes attributes = {};
+    std::uintptr_t visual = 0;
+    if (id <= 0 && XGetWindowAttributes(display, device.draw, &attributes))
+        visual = XVisualIDFromVisual(attributes.visual);
+    Format found = {};
+    int count = 0;
+    GLXFBConfig* configs = glXGetFBConfigs(display, screen, &count);
+    for (int i = 0; i < count; ++i) {
+        int number = 0;
+        glXGetFBConfigAttrib(display, configs[i], GLX_FBCONFIG_ID, &number);
+        const Format format = readFormat(display, configs[i]);
+        if (number == id || (visual && format.visual == visual)) {
+            found = format;
+            break;
+        }
     }
     if (configs)
         XFree(configs);
-    return format;
+    return found;
 }
 
 Format eglFormat(const DeviceContext& device) {
@@ -121,8 +126,7 @@ bool foreignContextsSeen() { return seen.load(std::memory_order_relaxed); }
 Current askCurrent() {
     const Native native = ask();
     const Current& own = ownCurrent();
-    if (own.context && native.api == Api::egl && native.context == own.context->native &&
-        native.display == own.context->display)
+    if (own.context && isNative(*own.context, native))
         return own;
     // The records of what is foreign are never deleted, so what was found last still holds.
     thread_local Native lastNative;
@@ -142,19 +146,21 @@ Current askCurrent() {
     return last;
 }
 
-bool makeForeignCurrent(const DeviceContext& draw, const RenderingContext& context) {
+bool makeNativeCurrent(const RenderingContext& context, std::uintptr_t draw, std::uintptr_t read) {
     if (context.api == Api::egl) {
         releaseGlx();
-        return eglMakeCurrent(context.display, surface(draw.draw), surface(draw.read), context.native) !=
-               EGL_FALSE;
+        eglBindAPI(EGL_OPENGL_API);
+        return eglMakeCurrent(context.display, surface(draw), surface(read), context.native) != EGL_FALSE;
     }
     auto* display = static_cast<Display*>(context.display);
     if (eglGetCurrentContext() != EGL_NO_CONTEXT)
         eglMakeCurrent(eglGetCurrentDisplay(), EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
     XErrors errors(display, XErrors::Before::theirs);
-    return glXMakeContextCurrent(display, draw.draw, draw.read, static_cast<GLXContext>(context.native)) &&
+    return glXMakeContextCurrent(display, draw, read, static_cast<GLXContext>(context.native)) &&
            !errors.any();
 }
+
+bool isCurrentNatively(const RenderingContext& context) { return isNative(context, ask()); }
 
 bool releaseCurrent() {
     const Native native = ask();
@@ -174,10 +180,10 @@ Format foreignFormat(const DeviceContext& device) {
     return device.api == Api::egl ? eglFormat(device) : glxFormat(device);
 }
 
-bool swapForeign(const DeviceContext& device) {
-    if (device.api == Api::egl)
-        return eglSwapBuffers(device.display, surface(device.draw)) != EGL_FALSE;
-    glXSwapBuffers(static_cast<Display*>(device.display), device.draw);
+bool swapNative(Api api, void* display, std::uintptr_t drawable) {
+    if (api == Api::egl)
+        return eglSwapBuffers(display, surface(drawable)) != EGL_FALSE;
+    glXSwapBuffers(static_cast<Display*>(display), drawable);
     return true;
 }
 

@@ -40,7 +40,9 @@ Failure failOfEGL() {
 std::size_t liveHandles() {
     State& state = ZLT::Platform::state();
     const std::lock_guard guard(state.lock);
-    std::size_t count = state.windows.size();
+    std::size_t count = 0;
+    for (const auto& [handle, window] : state.windows)
+        count += window->foreign ? 0 : 1;
     for (const HDC device : state.devices)
         count += device->isPbuffer() ? 1 : 0;
     for (const HGLRC context : state.contexts)

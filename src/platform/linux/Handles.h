@@ -17,7 +17,10 @@
 /// @file
 /// What the handles stand for, and which of them are live. Everything here is guarded by State::lock.
 
-struct _XDisplay; // NOLINT(bugprone-reserved-identifier): Xlib's Display
+// NOLINTBEGIN(bugprone-reserved-identifier)
+struct _XDisplay;        // Xlib's Display
+struct __GLXFBConfigRec; // what a GLXFBConfig points at
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace ZLT::Platform {
 
@@ -58,6 +61,14 @@ struct Device {
 
 enum class Api { egl, glx };
 
+/// A surface for a context of ours on somebody else's display (Guests.cpp).
+struct GuestSurface {
+    Api api;
+    void* display;
+    void* config;
+    std::uintptr_t surface;
+};
+
 /// What can be drawn to: a window, a pbuffer, or the drawable of somebody else's context.
 struct DeviceContext {
     Connection* connection = nullptr; // null: somebody else's
@@ -71,6 +82,8 @@ struct DeviceContext {
     bool stale = false; // the surface has another size than the window
     int current = 0;    // on how many threads it is the current drawable
     bool gone = false;  // destroyed meanwhile: deleted when it is no longer current
+
+    std::vector<GuestSurface> guests;
 
     // Somebody else's: EGL surfaces or GLX drawables.
     Api api = Api::egl;
@@ -102,6 +115,7 @@ struct RenderingContext {
 
     Api api = Api::egl;
     void* display = nullptr; // EGLDisplay or Display, of the native one
+    void* config = nullptr;  // of a context of ours on somebody else's display: EGLConfig or GLXFBConfig
 
     bool isForeign() const { return connection == nullptr; }
 };
@@ -154,6 +168,8 @@ void destroyDrawable(State& state, std::unique_ptr<DeviceContext> device);
 // PixelFormats.cpp
 
 Format readFormat(EGLDisplay display, EGLConfig config, bool doubleBuffered);
+/// The same of a GLXFBConfig.
+Format readFormat(_XDisplay* display, __GLXFBConfigRec* config);
 /// The formats of an EGL display, each in both forms of buffering.
 std::vector<Format> formatsOf(EGLDisplay display);
 /// Whether the drawable can be a window of this format.
@@ -188,15 +204,28 @@ bool foreignContextsSeen();
 /// Asks EGL and GLX what is current on this thread, and makes handles for what somebody else made. Without
 /// the lock.
 Current askCurrent();
-/// Makes somebody else's context current again. The caller holds the lock.
-bool makeForeignCurrent(const DeviceContext& draw, const RenderingContext& context);
+/// Makes the native context of either API current. The caller holds the lock.
+bool makeNativeCurrent(const RenderingContext& context, std::uintptr_t draw, std::uintptr_t read);
+/// Whether the system says that this context is current on the calling thread.
+bool isCurrentNatively(const RenderingContext& context);
 /// Leaves the thread with no context of EGL or GLX, whoever made it.
 bool releaseCurrent();
 /// Leaves the thread with no context of GLX, which and EGL exclude each other.
 void releaseGlx();
 /// The one format of somebody else's drawable.
 Format foreignFormat(const DeviceContext& device);
-bool swapForeign(const DeviceContext& device);
+/// Swaps an EGL surface or a GLX drawable.
+bool swapNative(Api api, void* display, std::uintptr_t surface);
+
+// Guests.cpp
+
+/// Makes the native context of `context` again, on the display of `host` and sharing with it. False, and
+/// nothing is changed, when that display has no such format or refuses.
+bool becomeGuest(RenderingContext& context, const RenderingContext& host);
+/// The EGL surface or GLX drawable by which the context draws there; 0 when there is none.
+std::uintptr_t surfaceFor(DeviceContext& device, const RenderingContext& context);
+void destroyGuests(DeviceContext& device);
+void destroyNative(const RenderingContext& context);
 
 // Extensions.cpp
 

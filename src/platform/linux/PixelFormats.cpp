@@ -5,6 +5,7 @@
 #include "platform/WglTokens.h"
 
 #include <EGL/eglext.h>
+#include <GL/glx.h>
 
 #include <algorithm>
 #include <cstring>
@@ -195,6 +196,29 @@ Format readFormat(EGLDisplay display, EGLConfig config, bool doubleBuffered) {
     format.pbuffer = (surfaces & EGL_PBUFFER_BIT) != 0;
     format.window = (surfaces & EGL_WINDOW_BIT) != 0;
     format.visual = static_cast<std::uintptr_t>(get(EGL_NATIVE_VISUAL_ID));
+    return format;
+}
+
+Format readFormat(Display* display, GLXFBConfig config) {
+    const auto get = [&](int name) {
+        int value = 0;
+        glXGetFBConfigAttrib(display, config, name, &value);
+        return value;
+    };
+    const int drawables = get(GLX_DRAWABLE_TYPE);
+    Format format = {};
+    format.doubleBuffered = get(GLX_DOUBLEBUFFER) != 0;
+    format.red = get(GLX_RED_SIZE);
+    format.green = get(GLX_GREEN_SIZE);
+    format.blue = get(GLX_BLUE_SIZE);
+    format.alpha = get(GLX_ALPHA_SIZE);
+    format.depth = get(GLX_DEPTH_SIZE);
+    format.stencil = get(GLX_STENCIL_SIZE);
+    format.samples = get(GLX_SAMPLES);
+    format.floatingPoint = (get(GLX_RENDER_TYPE) & GLX_RGBA_FLOAT_BIT_ARB) != 0;
+    format.pbuffer = (drawables & GLX_PBUFFER_BIT) != 0;
+    format.window = (drawables & GLX_WINDOW_BIT) != 0;
+    format.visual = static_cast<std::uintptr_t>(get(GLX_VISUAL_ID));
     return format;
 }
 

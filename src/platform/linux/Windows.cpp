@@ -60,17 +60,30 @@ void forgetWindow(State& state, HWND handle) {
     destroyDrawable(state, std::move(window->device));
 }
 
+// Hears of the windows that somebody else destroyed meanwhile: their numbers are given out again.
+void forgetDestroyedWindows(State& state) {
+    if (!state.server)
+        return;
+    XErrors errors(state.server);
+    while (XPending(state.server) > 0) {
+        XEvent event;
+        XNextEvent(state.server, &event);
+        if (event.type == DestroyNotify && state.windows.contains(handleOf(event.xdestroywindow.window)))
+            forgetWindow(state, handleOf(event.xdestroywindow.window));
+    }
+}
+
 } // namespace
 
 namespace ZLT::Platform {
 
 WindowRecord* windowOf(State& state, HWND handle) {
+    forgetDestroyedWindows(state);
     const auto found = state.windows.find(handle);
     if (found != state.windows.end()) {
         DeviceContext& device = *found->second->device;
         if (!device.xid || readGeometry(state, device))
             return found->second.get();
-        // Somebody else destroyed it.
         forgetWindow(state, handle);
     } else if (state.server && handle) {
         auto window = std::make_unique<WindowRecord>();
@@ -80,6 +93,8 @@ WindowRecord* windowOf(State& state, HWND handle) {
         window->device->window = handle;
         window->device->xid = valueOf(handle);
         if (readGeometry(state, *window->device)) {
+            XErrors errors(state.server);
+            XSelectInput(state.server, window->device->xid, StructureNotifyMask);
             state.devices.insert(window->device.get());
             return (state.windows[handle] = std::move(window)).get();
         }
@@ -94,6 +109,7 @@ void destroyDrawable(State& state, std::unique_ptr<DeviceContext> device) {
     if (device->surface != EGL_NO_SURFACE)
         eglDestroySurface(device->connection->display, device->surface);
     device->surface = EGL_NO_SURFACE;
+    destroyGuests(*device);
     if (device->current > 0) {
         // Its address is not given out again while a thread has it current.
         device->gone = true;
@@ -113,11 +129,17 @@ void refresh(DeviceContext& device) {
     if (surface == EGL_NO_SURFACE)
         return;
     const EGLSurface old = device.surface;
+    const std::vector<GuestSurface> oldGuests = std::move(device.guests);
     device.surface = surface;
+    device.guests.clear();
     device.stale = false;
     if (currentHere)
-        eglMakeCurrent(display, here.device->surface, here.read->surface, here.context->native);
+        makeNativeCurrent(*here.context, surfaceFor(*here.device, *here.context),
+                          surfaceFor(*here.read, *here.context));
     eglDestroySurface(display, old);
+    DeviceContext gone;
+    gone.guests = oldGuests;
+    destroyGuests(gone);
 }
 
 } // namespace ZLT::Platform

@@ -1,0 +1,282 @@
+// Contexts that toolkits made, by GLX and by EGL, taken over by ContextWrapped.
+
+// In front of Xlib, whose macros have its names.
+#include <gtest/gtest.h>
+
+#include "LibraryOGL.h"
+#include "extensionator/OpenGLInterceptor.h"
+#include "ogl/BufferFormat.h"
+#include "ogl/ContextOffscreen.h"
+#include "ogl/ContextWindowed.h"
+#include "ogl/ContextWrapped.h"
+#include "zlt/core/Core.h"
+#include "zlt/core/Exceptions.h"
+
+#include <EGL/egl.h>
+#define GLFW_EXPOSE_NATIVE_X11
+#include <GL/freeglut.h>
+#include <GL/glx.h>
+#include <GLFW/glfw3.h>
+#include <GLFW/glfw3native.h>
+#include <SDL.h>
+#include <SDL_syswm.h>
+#include <array>
+#include <cstdint>
+#include <cstdlib>
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <thread>
+
+using namespace ZLT::OGL;
+
+namespace {
+
+constexpr int width = 64;
+constexpr int height = 48;
+
+// A window of a toolkit, whose context is current.
+class ToolkitWindow {
+public:
+    virtual ~ToolkitWindow() = default;
+    virtual ::Window xid() const = 0;
+    virtual void swap() = 0;
+    virtual bool isEgl() const { return false; }
+};
+
+void require(bool done, const char* step) {
+    if (!done)
+        throw std::runtime_error(std::string(step) + " failed");
+}
+
+class Glfw : public ToolkitWindow {
+public:
+    explicit Glfw(int api) : egl_(api == GLFW_EGL_CONTEXT_API) {
+        require(glfwInit() == GLFW_TRUE, "glfwInit");
+        glfwWindowHint(GLFW_CONTEXT_CREATION_API, api);
+        window_ = glfwCreateWindow(width, height, "adopted", nullptr, nullptr);
+        require(window_ != nullptr, "glfwCreateWindow");
+        glfwMakeContextCurrent(window_);
+    }
+    ~Glfw() override { glfwTerminate(); }
+    ::Window xid() const override { return glfwGetX11Window(window_); }
+    void swap() override { glfwSwapBuffers(window_); }
+    bool isEgl() const override { return egl_; }
+
+private:
+    GLFWwindow* window_ = nullptr;
+    bool egl_;
+};
+
+class Sdl : public ToolkitWindow {
+public:
+    explicit Sdl(bool egl) : egl_(egl) {
+        SDL_SetHint(SDL_HINT_VIDEO_X11_FORCE_EGL, egl ? "1" : "0");
+        require(SDL_Init(SDL_INIT_VIDEO) == 0, "SDL_Init");
+        window_ = SDL_CreateWindow("adopted", 0, 0, width, height, SDL_WINDOW_OPENGL);
+        require(window_ != nullptr, "SDL_CreateWindow");
+        context_ = SDL_GL_CreateContext(window_);
+        require(context_ != nullptr, "SDL_GL_CreateContext");
+    }
+    ~Sdl() override {
+        SDL_GL_DeleteContext(context_);
+        SDL_DestroyWindow(window_);
+        SDL_Quit();
+    }
+    ::Window xid() const override {
+        SDL_SysWMinfo information;
+        SDL_VERSION(&information.version);
+        SDL_GetWindowWMInfo(window_, &information);
+        return information.info.x11.window;
+    }
+    void swap() override { SDL_GL_SwapWindow(window_); }
+    bool isEgl() const override { return egl_; }
+
+private:
+    SDL_Window* window_ = nullptr;
+    SDL_GLContext context_ = nullptr;
+    bool egl_;
+};
+
+class Glut : public ToolkitWindow {
+public:
+    Glut() {
+        int argc = 1;
+        std::string name = "adopted";
+        char* argv[] = {name.data(), nullptr};
+        glutInit(&argc, argv);
+        glutInitDisplayMode(GLUT_DOUBLE | GLUT_RGBA | GLUT_DEPTH);
+        glutInitWindowSize(width, height);
+        window_ = glutCreateWindow("adopted");
+    }
+    ~Glut() override { glutExit(); }
+    ::Window xid() const override { return glXGetCurrentDrawable(); }
+    void swap() override { glutSwapBuffers(); }
+
+private:
+    int window_ = 0;
+};
+
+struct Toolkit {
+    const char* name;
+    std::function<std::unique_ptr<ToolkitWindow>()> open;
+};
+
+// The native context and drawable, asked of the system itself.
+struct Native {
+    void* egl = eglGetCurrentContext();
+    void* glx = glXGetCurrentContext();
+    ::GLXDrawable drawable = glXGetCurrentDrawable();
+    void* surface = eglGetCurrentSurface(EGL_DRAW);
+    bool operator==(const Native&) const = default;
+};
+
+HWND handle(::Window window) { return reinterpret_cast<HWND>(window); } // NOLINT(performance-no-int-to-ptr)
+
+class Adoption : public ::testing::TestWithParam<Toolkit> {
+protected:
+    void SetUp() override {
+        if (!std::getenv("DISPLAY"))
+            GTEST_SKIP() << "no driver: the toolkits need an X server";
+        window_ = GetParam().open();
+        ZLT::Core::Library::initialize();
+        Library::initialize(Library::InitOptions());
+    }
+    void TearDown() override {
+        if (!window_)
+            return;
+        Library::terminate();
+        ZLT::Core::Library::terminate();
+        window_.reset();
+        EXPECT_EQ(ZLT::Platform::liveHandles(), 0u);
+    }
+
+    std::unique_ptr<ToolkitWindow> window_;
+};
+
+std::array<std::uint8_t, 4> pixel() {
+    std::array<std::uint8_t, 4> bytes{};
+    glReadPixels(1, 1, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, bytes.data());
+    return bytes;
+}
+
+std::array<std::uint8_t, 4> drawnIn(float red, float green) {
+    glClearColor(red, green, 0, 1);
+    glClear(GL_COLOR_BUFFER_BIT);
+    return pixel();
+}
+
+} // namespace
+
+TEST_P(Adoption, theToolkitsContextIsTheCurrentOneAndStaysIt) {
+    const Native before;
+    EXPECT_EQ(before.egl != nullptr, window_->isEgl());
+    const HGLRC adopted = Context::currentContext();
+    ASSERT_NE(adopted, nullptr);
+    EXPECT_THROW(ExtensionManager::Instance(), ZLT::InternalException) << "not wrapped yet";
+    {
+        const ContextWrapped wrapped(wglGetCurrentDC(), adopted, handle(window_->xid()));
+        EXPECT_EQ(wrapped.renderContext(), adopted);
+        EXPECT_TRUE(ExtensionManager::Instance()->isSupported(OPEN_GL_2_0));
+        CGM(ActiveTexture, GL_TEXTURE0);
+        EXPECT_EQ(Native(), before);
+
+        int red = 0, green = 0, blue = 0, alpha = -1, stencil = -1, depth = -1;
+        wrapped.getBitDepths(&red, &green, &blue, &alpha, &stencil, &depth);
+        GLint bits = 0;
+        glGetIntegerv(GL_RED_BITS, &bits);
+        EXPECT_EQ(red, bits);
+        glGetIntegerv(GL_DEPTH_BITS, &bits);
+        EXPECT_EQ(depth, bits);
+
+        // Contexts of our own come and go, on this thread and on another.
+        const ContextOffscreen own;
+        EXPECT_EQ(Native(), before);
+        own.makeCurrent();
+        EXPECT_EQ(Context::currentContext(), own.renderContext());
+        EXPECT_EQ(drawnIn(0, 1)[1], 255);
+        wrapped.makeCurrent();
+        EXPECT_EQ(Native(), before);
+        EXPECT_EQ(drawnIn(1, 0)[0], 255);
+        window_->swap();
+        std::thread([&] {
+            EXPECT_EQ(Context::currentContext(), nullptr);
+            own.makeCurrent();
+            EXPECT_EQ(Context::currentContext(), own.renderContext());
+            EXPECT_EQ(drawnIn(0, 1)[1], 255);
+            releaseOGLContext();
+        }).join();
+        EXPECT_EQ(Context::currentContext(), adopted);
+    }
+    EXPECT_EQ(Native(), before) << "the wrapper is gone, the context is not";
+    EXPECT_FALSE(wglDeleteContext(adopted)) << "somebody else's";
+    EXPECT_EQ(drawnIn(1, 0)[0], 255);
+}
+
+TEST_P(Adoption, aContextOfOursSharesWithTheToolkits) {
+    const Native before;
+    {
+        const ContextWrapped wrapped(wglGetCurrentDC(), Context::currentContext(), handle(window_->xid()));
+        GLuint texture = 0;
+        glGenTextures(1, &texture);
+        glBindTexture(GL_TEXTURE_2D, texture);
+        const ContextOffscreen sharing(&wrapped);
+        EXPECT_EQ(Native(), before);
+        EXPECT_TRUE(sharing.isSharingWithCurrentContext());
+        sharing.makeCurrent();
+        EXPECT_EQ(Context::currentContext(), sharing.renderContext());
+        EXPECT_TRUE(glIsTexture(texture));
+        EXPECT_EQ(drawnIn(0, 1)[1], 255);
+
+        // A third one joins through the second, on a window.
+        const HWND window = CreateWindowExA(0, "STATIC", "third", WS_POPUP | WS_VISIBLE, 0, 0, width, height,
+                                            nullptr, nullptr, nullptr, nullptr);
+        {
+            ContextWindowed third(window, BufferFormat(BufferFormat::RGB8_D24), Context::eDoubleBuffered,
+                                  Context::eNoMultisample, &sharing);
+            third.makeCurrent();
+            EXPECT_TRUE(glIsTexture(texture));
+            EXPECT_EQ(drawnIn(1, 1)[1], 255);
+            third.swapBuffers();
+        }
+        EXPECT_TRUE(DestroyWindow(window));
+        wrapped.makeCurrent();
+        const ContextOffscreen alone;
+        alone.makeCurrent();
+        EXPECT_FALSE(glIsTexture(texture));
+        wrapped.makeCurrent();
+    }
+    EXPECT_EQ(Native(), before);
+}
+
+TEST_P(Adoption, whatTheToolkitMakesCurrentLaterIsSeen) {
+    const HGLRC adopted = Context::currentContext();
+    const HDC device = wglGetCurrentDC();
+    const ContextWrapped wrapped(device, adopted, nullptr);
+    const ContextOffscreen own;
+    own.makeCurrent();
+    // Behind our back, by the native call alone.
+    if (window_->isEgl()) {
+        EXPECT_TRUE(eglMakeCurrent(eglGetCurrentDisplay(), EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT));
+        EXPECT_EQ(Context::currentContext(), nullptr);
+    } else {
+        releaseOGLContext();
+    }
+    wrapped.makeCurrent();
+    EXPECT_EQ(Context::currentContext(), adopted);
+    EXPECT_EQ(wglGetCurrentDC(), device);
+    releaseOGLContext();
+    EXPECT_EQ(eglGetCurrentContext(), EGL_NO_CONTEXT);
+    EXPECT_EQ(glXGetCurrentContext(), nullptr);
+    wrapped.makeCurrent();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Toolkits, Adoption,
+    ::testing::Values(Toolkit{"GlfwByEgl", [] { return std::make_unique<Glfw>(GLFW_EGL_CONTEXT_API); }},
+                      Toolkit{"GlfwByGlx", [] { return std::make_unique<Glfw>(GLFW_NATIVE_CONTEXT_API); }},
+                      Toolkit{"SdlByEgl", [] { return std::make_unique<Sdl>(true); }},
+                      Toolkit{"SdlByGlx", [] { return std::make_unique<Sdl>(false); }},
+                      Toolkit{"Freeglut", [] { return std::make_unique<Glut>(); }}),
+    [](const auto& info) { return std::string(info.param.name); });
