@@ -1,5 +1,6 @@
 #include "Run.h"
 
+#include "LibraryOGL.h"
 #include "zlt/core/Core.h"
 #include "zlt/core/Exceptions.h"
 
@@ -9,7 +10,9 @@
 int runExample(const std::function<int()>& body) {
     try {
         ZLT::Core::Library::initialize();
+        ZLT::OGL::Library::initialize(ZLT::OGL::Library::InitOptions());
         const int result = body();
+        ZLT::OGL::Library::terminate();
         ZLT::Core::Library::terminate(&std::cerr);
         return result;
     } catch (const ZLT::LogicalException& error) {

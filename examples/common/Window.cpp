@@ -17,6 +17,9 @@ Window::Window(int width, int height)
                               nullptr)),
       device_(GetDC(window_)) {
     require(window_ && device_, "CreateWindowExA");
+}
+
+void Window::setPixelFormat() {
     PIXELFORMATDESCRIPTOR wanted = {};
     wanted.nSize = sizeof(wanted);
     wanted.nVersion = 1;

@@ -2,16 +2,22 @@
 
 #include "platform/Platform.h"
 
-/// A window with a pixel format for OpenGL: 8 bits for each colour, 24 for depth. No context is made.
+/// A window that is not shown, for as long as the object lives. Failures are std::runtime_error, with the step and
+/// the system's error number.
 class Window {
 public:
-    /// @throws std::runtime_error that says which step failed, with the system's error number
+    /// In pixels.
     Window(int width, int height);
     ~Window();
     Window(const Window&) = delete;
     Window& operator=(const Window&) = delete;
 
+    HWND handle() const { return window_; }
     HDC device() const { return device_; }
+
+    /// Gives it a pixel format for a context that is not made by the library: 8 bits for each colour, 24 for
+    /// depth, double buffered.
+    void setPixelFormat();
 
 private:
     HWND window_;

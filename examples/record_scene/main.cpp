@@ -11,6 +11,7 @@
 #include "extensionator/OpenGLTracer.h"
 #include "extensionator/win/wglInterceptor.h"
 #include "extensionator/win/wglRekorder.h"
+#include "ogl/ContextWrapped.h"
 
 #include <filesystem>
 #include <fstream>
@@ -55,7 +56,8 @@ void record(const std::string& name, const std::filesystem::path& folder) {
     std::ofstream text = create(folder / "recording.inl");
     std::ofstream data = create(folder / "recording.bin");
     std::ofstream trace = create(folder / "trace.txt");
-    const Window window(width, height);
+    Window window(width, height);
+    window.setPixelFormat();
 
     // One recording from two recorders over the same text.
     wglRekorder contextRecorder(text, data, window.device(), nullptr, true);
@@ -67,6 +69,8 @@ void record(const std::string& name, const std::filesystem::path& folder) {
     if (!context || !CWGM(MakeCurrent, window.device(), context))
         throw std::runtime_error("no context, error " + std::to_string(GetLastError()));
     {
+        // The library knows the context by this, and its calls past GL 1.1 find their functions.
+        const ContextWrapped wrapped;
         const auto scene = Scene::make(name, width, height);
         scene->draw();
         writePng(folder / "frame.png", readFrame(width, height));

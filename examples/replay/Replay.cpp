@@ -1,6 +1,7 @@
 #include "Replay.h"
 
 #include "Window.h"
+#include "ogl/ContextWrapped.h"
 
 #include <bit>
 #include <deque>
@@ -22,6 +23,8 @@ int height = 0;
 std::vector<std::unique_ptr<Window>> windows;
 std::deque<HGLRC> unnamedContexts;
 std::map<HGLRC, HGLRC> contexts; // recorded to own
+// By these the library knows the own ones, so that calls past GL 1.1 find their functions.
+std::map<HGLRC, std::unique_ptr<ZLT::OGL::ContextWrapped>> wrappers;
 std::map<std::string, int> unsupported;
 std::optional<Picture> lastSwapped;
 
@@ -63,6 +66,7 @@ void GLRekorderCreateWindow(HDC recorded) {
     if (hdc_map_.contains(recorded))
         return;
     windows.push_back(std::make_unique<Window>(width, height));
+    windows.back()->setPixelFormat();
     hdc_map_[recorded] = windows.back()->device();
 }
 
@@ -70,6 +74,8 @@ BOOL GLRekorderMakeCurrent(HDC recordedDevice, HGLRC recordedContext) {
     const HGLRC own = ownContext(recordedContext);
     require(!recordedContext || own, "find the recorded context");
     require(wglMakeCurrent(ownDevice(recordedDevice), own), "make the recorded context current");
+    if (own && !wrappers.contains(own))
+        wrappers[own] = std::make_unique<ZLT::OGL::ContextWrapped>();
     return TRUE;
 }
 
@@ -88,9 +94,11 @@ void begin(int windowWidth, int windowHeight, RecordingStream& stream) {
 }
 
 Picture end() {
-    if (lastSwapped)
-        return *lastSwapped;
-    return wglGetCurrentContext() ? readFrame(width, height) : Picture();
+    const Picture shown = lastSwapped              ? *lastSwapped
+                          : wglGetCurrentContext() ? readFrame(width, height)
+                                                   : Picture();
+    wrappers.clear();
+    return shown;
 }
 
 void writeUnsupported(std::ostream& out) {
@@ -106,7 +114,9 @@ HGLRC createContext(HDC own) {
 }
 
 BOOL deleteContext(HGLRC recorded) {
-    const BOOL deleted = wglDeleteContext(ownContext(recorded));
+    const HGLRC own = ownContext(recorded);
+    wrappers.erase(own);
+    const BOOL deleted = wglDeleteContext(own);
     contexts.erase(recorded); // the recorded number may come back for another one
     return deleted;
 }

@@ -2,19 +2,23 @@
 // like: trace_scene [FOLDER] writes trace.txt and frame.png there.
 
 #include "ExceptionOGL.h"
-#include "HeadlessContext.h"
 #include "Png.h"
 #include "Run.h"
 #include "Scene.h"
+#include "Window.h"
 #include "extensionator/OpenGLInterceptor.h"
 #include "extensionator/OpenGLTracer.h"
 #include "extensionator/TokenName.h"
+#include "ogl/BufferFormat.h"
+#include "ogl/ContextWindowed.h"
+#include "zlt/core/Exceptions.h"
 
 #include <GL/gl.h>
 
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <memory>
 #include <stdexcept>
 
 using namespace ZLT::OGL;
@@ -37,8 +41,22 @@ void makeMistake() {
     }
 }
 
+// With four samples for each pixel where the driver has such a format.
+std::unique_ptr<Context> makeContext(const Window& window) {
+    const BufferFormat format(BufferFormat::RGB8_D24);
+    try {
+        return std::make_unique<ContextWindowed>(window.handle(), format, Context::eDoubleBuffered,
+                                                 Context::teMultisample(4), nullptr);
+    } catch (const ZLT::LogicalException&) {
+        return std::make_unique<ContextWindowed>(window.handle(), format, Context::eDoubleBuffered,
+                                                 Context::eNoMultisample, nullptr);
+    }
+}
+
 void run(const std::filesystem::path& folder) {
-    const HeadlessContext context(width, height, 4);
+    const Window window(width, height);
+    const std::unique_ptr<Context> context = makeContext(window);
+    context->makeCurrent();
     std::cout << "Renderer: " << CGM(GetString, GL_RENDERER) << '\n';
 
     std::ofstream trace(folder / "trace.txt");

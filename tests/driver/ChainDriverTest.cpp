@@ -2,9 +2,13 @@
 
 #include "DriverContext.h"
 #include "ExceptionOGL.h"
+#include "LibraryOGL.h"
 #include "extensionator/OpenGLInterceptor.h"
 #include "extensionator/OpenGLTracer.h"
 #include "extensionator/TokenName.h"
+#include "ogl/ContextWrapped.h"
+#include "zlt/core/Core.h"
+#include "zlt/core/Memory.h"
 
 #if defined(_WIN32)
 #include <windows.h>
@@ -35,11 +39,22 @@ protected:
         context_ = DriverContext::open(why);
         if (!context_)
             GTEST_SKIP() << "no driver: " << why;
+        ZLT::Core::Library::initialize();
+        Library::initialize(Library::InitOptions());
+        wrapped_ = std::make_unique<ContextWrapped>();
         RecordProperty("renderer", reinterpret_cast<const char*>(glGetString(GL_RENDERER)));
     }
-    void TearDown() override { OpenGLInterceptor::destroy(); }
+    void TearDown() override {
+        if (!context_)
+            return;
+        wrapped_.reset();
+        Library::terminate();
+        EXPECT_EQ(ZLT::Core::allocationCount(), 0u);
+        ZLT::Core::Library::terminate();
+    }
 
     std::unique_ptr<DriverContext> context_;
+    std::unique_ptr<ContextWrapped> wrapped_; // somebody else's, as a program's own would be
 };
 
 // Runs `call`, which must fail, and gives back what it threw.

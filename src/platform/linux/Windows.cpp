@@ -119,8 +119,8 @@ void destroyDrawable(State& state, std::unique_ptr<DeviceContext> device) {
 
 void refresh(DeviceContext& device) {
     const Current& here = ownCurrent();
-    const bool currentHere = here.device == &device || here.read == &device;
-    if (!device.stale || device.current > (currentHere ? 1 : 0))
+    const int currentHere = (here.device == &device ? 1 : 0) + (here.read == &device ? 1 : 0);
+    if (!device.stale || device.current > currentHere)
         return;
     const EGLDisplay display = device.connection->display;
     const EGLint size[] = {EGL_WIDTH, device.width, EGL_HEIGHT, device.height, EGL_NONE};
@@ -133,7 +133,7 @@ void refresh(DeviceContext& device) {
     device.surface = surface;
     device.guests.clear();
     device.stale = false;
-    if (currentHere)
+    if (currentHere > 0)
         makeNativeCurrent(*here.context, surfaceFor(*here.device, *here.context),
                           surfaceFor(*here.read, *here.context));
     eglDestroySurface(display, old);

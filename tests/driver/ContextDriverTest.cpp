@@ -1,0 +1,436 @@
+// Contexts, display devices and extension managers on the real driver: Mesa without X, Mesa on X11, WGL.
+
+#include "LibraryOGL.h"
+#include "Window.h"
+#include "extensionator/OpenGLInterceptor.h"
+#include "extensionator/TextureState.h"
+#include "extensionator/win/WglFunctions.h"
+#include "ogl/BufferFormat.h"
+#include "ogl/ContextOffscreen.h"
+#include "ogl/ContextWindowed.h"
+#include "ogl/ContextWrapped.h"
+#include "ogl/ScopedContextWrapper.h"
+#include "platform/WglTokens.h"
+#include "zlt/core/Core.h"
+#include "zlt/core/Exceptions.h"
+#include "zlt/core/Memory.h"
+
+#include <GL/gl.h>
+#include <GL/glext.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <cstring>
+#include <iostream>
+#include <memory>
+#include <numeric>
+#include <set>
+#include <string>
+#include <thread>
+#include <vector>
+
+using namespace ZLT::OGL;
+using ZLT::InternalException;
+using ZLT::LogicalException;
+
+namespace {
+
+constexpr int width = 64;
+constexpr int height = 48;
+
+std::size_t liveHandles() {
+#if defined(_WIN32)
+    return 0; // the system counts its own
+#else
+    return ZLT::Platform::liveHandles();
+#endif
+}
+
+class ContextDriverTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ZLT::Core::Library::initialize();
+        if (Context::numDisplayDevice() > 0) {
+            Library::initialize(Library::InitOptions());
+            started_ = true;
+        } else {
+            GTEST_SKIP() << "no driver: no display device";
+        }
+    }
+    void TearDown() override {
+        if (started_)
+            Library::terminate();
+        EXPECT_EQ(ZLT::Core::writeAllocations(std::cerr), 0u);
+        ZLT::Core::Library::terminate();
+        EXPECT_EQ(liveHandles(), 0u);
+        EXPECT_EQ(Context::currentContext(), nullptr);
+    }
+
+private:
+    bool started_ = false;
+};
+
+std::unique_ptr<ContextWindowed> windowed(const Window& window, const Context* share = nullptr) {
+    return std::make_unique<ContextWindowed>(window.handle(), BufferFormat(BufferFormat::RGBA8_D24S8),
+                                             Context::eDoubleBuffered, Context::eNoMultisample, share);
+}
+
+// What `call` throws; "" when nothing.
+template <class Exception = LogicalException, class Call>
+std::string messageOf(Call call) {
+    try {
+        call();
+    } catch (const Exception& failure) {
+        return failure.what();
+    }
+    return "";
+}
+
+std::array<int, 3> pixelAt(int x, int y) {
+    std::array<std::uint8_t, 4> bytes{};
+    glReadPixels(x, y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, bytes.data());
+    return {bytes[0], bytes[1], bytes[2]};
+}
+
+void clear(float red, float green, float blue) {
+    glClearColor(red, green, blue, 1);
+    glClear(GL_COLOR_BUFFER_BIT);
+}
+
+GLuint newTexture() {
+    GLuint name = 0;
+    glGenTextures(1, &name);
+    glBindTexture(GL_TEXTURE_2D, name);
+    return name;
+}
+
+} // namespace
+
+TEST_F(ContextDriverTest, contextsComeAndGoInEveryOrderAndLeaveTheCurrentOneAlone) {
+    std::array<int, 3> order{};
+    std::iota(order.begin(), order.end(), 0);
+    const ContextOffscreen current;
+    do {
+        current.makeCurrent();
+        const HDC device = wglGetCurrentDC();
+        const GLuint texture = newTexture();
+        const Window window(width, height);
+        std::array<std::unique_ptr<Context>, 3> contexts;
+        contexts[0] = windowed(window, &current);
+        contexts[1] = std::make_unique<ContextOffscreen>(contexts[0].get());
+        contexts[2] = std::make_unique<ContextOffscreen>();
+        EXPECT_EQ(Context::currentContext(), current.renderContext());
+        EXPECT_TRUE(contexts[0]->isSharingWithCurrentContext());
+        EXPECT_TRUE(contexts[1]->isSharingWithCurrentContext());
+        EXPECT_FALSE(contexts[2]->isSharingWithCurrentContext());
+        for (const auto& [context, shares] :
+             {std::pair{contexts[0].get(), true}, {contexts[1].get(), true}, {contexts[2].get(), false}}) {
+            context->makeCurrent();
+            EXPECT_EQ(glIsTexture(texture) == GL_TRUE, shares);
+            const ScopedContextWrapper restore;
+            current.makeCurrent();
+        }
+        for (const int i : order) {
+            // The next one to go is current in its turn, another one then.
+            contexts[i]->makeCurrent();
+            const bool last = i == order.back();
+            if (!last)
+                current.makeCurrent();
+            contexts[i].reset();
+            EXPECT_EQ(Context::currentContext(), last ? nullptr : current.renderContext());
+            EXPECT_EQ(wglGetCurrentDC(), last ? nullptr : device);
+        }
+        current.makeCurrent();
+        EXPECT_TRUE(glIsTexture(texture));
+        glDeleteTextures(1, &texture);
+    } while (std::ranges::next_permutation(order).found);
+    releaseOGLContext();
+}
+
+TEST_F(ContextDriverTest, theManagerKnowsTheDriverAndItsTableReachesIt) {
+    const ContextOffscreen context;
+    EXPECT_EQ(ExtensionManager::Instance()->majorVersion(), 0u) << "none is current";
+    EXPECT_FALSE(ExtensionManager::Instance()->isSupported(OPEN_GL_1_2));
+    EXPECT_EQ(ExtensionManager::Instance()->table().glActiveTextureARB, nullptr);
+    context.makeCurrent();
+    const ExtensionManager* manager = ExtensionManager::Instance();
+    const std::string version = reinterpret_cast<const char*>(glGetString(GL_VERSION));
+    const unsigned major = static_cast<unsigned>(std::stoul(version));
+    EXPECT_EQ(manager->majorVersion(), std::min(major, 3u));
+    EXPECT_NE(version.find(manager->additionalVersionInfo()), std::string::npos);
+
+    // Each name of the driver's string that is known, is supported; and nothing else is.
+    std::set<int> named;
+    std::string names = reinterpret_cast<const char*>(glGetString(GL_EXTENSIONS));
+    for (const char* name = std::strtok(names.data(), " "); name; name = std::strtok(nullptr, " "))
+        named.insert(ExtensionManager::Instance()->nameToEnumGL(name));
+    for (int value = GL_3DFX_MULTISAMPLE; value <= GL_WIN_SWAP_HINT; ++value)
+        EXPECT_EQ(manager->isSupported(teExtension(value)), named.contains(value)) << value;
+
+    if (manager->supportsMultiTexture()) {
+        CGM(ActiveTexture, GL_TEXTURE0 + 1);
+        EXPECT_EQ(TextureState::activeTextureUnit(), 1u);
+        manager->table().glActiveTexture(GL_TEXTURE0);
+        EXPECT_EQ(TextureState::activeTextureUnit(), 0u);
+        EXPECT_GE(manager->numberOfTextureUnits(), 2u);
+    } else {
+        EXPECT_EQ(manager->numberOfTextureUnits() > 1, manager->isSupported(GL_ARB_FRAGMENT_PROGRAM));
+    }
+    releaseOGLContext();
+}
+
+TEST_F(ContextDriverTest, aResizedWindowIsDrawnToTheLastPixel) {
+    const Window window(width, height);
+    const auto context = windowed(window);
+    context->makeCurrent();
+    int red = 0, green = 0, blue = 0, alpha = 0, stencil = 0, depth = 0;
+    context->getBitDepths(&red, &green, &blue, &alpha, &stencil, &depth);
+    GLint bits = 0;
+    glGetIntegerv(GL_RED_BITS, &bits);
+    EXPECT_EQ(red, bits);
+    glGetIntegerv(GL_STENCIL_BITS, &bits);
+    EXPECT_EQ(stencil, bits);
+    for (const auto& [w, h] : {std::pair{width, height}, {2 * width, 3 * height}, {10, 20}}) {
+        ASSERT_TRUE(MoveWindow(window.handle(), 3, 5, w, h, FALSE));
+        context->swapBuffers();
+        context->makeCurrent();
+        glViewport(0, 0, w, h);
+        clear(0, 0, 1);
+        EXPECT_EQ(pixelAt(w - 1, h - 1), (std::array{0, 0, 255})) << w << " x " << h;
+        context->swapBuffers();
+    }
+    releaseOGLContext();
+}
+
+TEST_F(ContextDriverTest, aMultisampledFormatSmoothsEdges) {
+    const Window window(width, height);
+    std::unique_ptr<ContextWindowed> context;
+    const std::string failure = messageOf([&] {
+        context =
+            std::make_unique<ContextWindowed>(window.handle(), BufferFormat(BufferFormat::RGBA8_D24S8),
+                                              Context::eDoubleBuffered, Context::teMultisample(4), nullptr);
+    });
+    if (!context) {
+        EXPECT_EQ(failure, "Can't find suitable pixel format.");
+        GTEST_SKIP() << "the driver has no multisampled window";
+    }
+    context->makeCurrent();
+    GLint samples = 0;
+    glGetIntegerv(GL_SAMPLES, &samples);
+    EXPECT_GE(samples, 4);
+    clear(0, 0, 0);
+    glColor3f(1, 1, 1);
+    glBegin(GL_TRIANGLES);
+    glVertex2f(-1, -1);
+    glVertex2f(1, -1);
+    glVertex2f(-1, 0.7f);
+    glEnd();
+    // Resolved by a blit: some drivers read a sample of their own choice from a window.
+    const FunctionTable& gl = ExtensionManager::Instance()->table();
+    ASSERT_TRUE(ExtensionManager::Instance()->isSupported(GL_EXT_FRAMEBUFFER_BLIT));
+    GLuint framebuffer = 0, buffer = 0;
+    gl.glGenRenderbuffersEXT(1, &buffer);
+    gl.glBindRenderbufferEXT(GL_RENDERBUFFER, buffer);
+    gl.glRenderbufferStorageEXT(GL_RENDERBUFFER, GL_RGBA8, width, height);
+    gl.glGenFramebuffersEXT(1, &framebuffer);
+    gl.glBindFramebufferEXT(GL_DRAW_FRAMEBUFFER, framebuffer);
+    gl.glFramebufferRenderbufferEXT(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, buffer);
+    gl.glBlitFramebufferEXT(0, 0, width, height, 0, 0, width, height, GL_COLOR_BUFFER_BIT, GL_NEAREST);
+    gl.glBindFramebufferEXT(GL_READ_FRAMEBUFFER, framebuffer);
+    std::vector<std::uint8_t> reds(width * height);
+    glPixelStorei(GL_PACK_ALIGNMENT, 1);
+    glReadPixels(0, 0, width, height, GL_RED, GL_UNSIGNED_BYTE, reds.data());
+    const std::set<int> shades(reds.begin(), reds.end());
+    EXPECT_GT(shades.size(), 2u) << "more than black and white";
+    releaseOGLContext();
+}
+
+TEST_F(ContextDriverTest, aFloatingPointFormatIsFoundWhereTheDriverNamesOne) {
+    const Window window(width, height);
+    bool named = false;
+    {
+        const ContextOffscreen probe;
+        probe.makeCurrent();
+        named = ExtensionManager::Instance()->isSupported(WGL_ARB_PIXEL_FORMAT_FLOAT);
+        releaseOGLContext();
+    }
+    const auto make = [&] {
+        const ContextWindowed context(window.handle(), BufferFormat(BufferFormat::RGBA16F),
+                                      Context::eDoubleBuffered, Context::eNoMultisample, nullptr);
+        context.makeCurrent();
+        GLint bits = 0;
+        glGetIntegerv(GL_RED_BITS, &bits);
+        EXPECT_GE(bits, 16);
+        releaseOGLContext();
+    };
+    const std::string failure = messageOf(make);
+    if (!named)
+        EXPECT_EQ(failure, "Can't find suitable pixel format.");
+    else
+        EXPECT_TRUE(failure.empty() || failure == "Can't find suitable pixel format.") << failure;
+}
+
+TEST_F(ContextDriverTest, retraceControlWorksOrIsRefused) {
+    const Window window(width, height);
+    const auto context = windowed(window);
+    context->makeCurrent();
+    for (const bool on : {false, true}) {
+        const std::string failure = messageOf([&] { context->enableSyncToVerticalRetrace(on); });
+        if (Context::supportsVerticalRetraceControl()) {
+            EXPECT_EQ(failure, "");
+            EXPECT_EQ(_wcgmGetSwapIntervalEXT(), on ? 1 : 0);
+        } else {
+            EXPECT_EQ(failure, "ContextWindowed::enableSyncToVerticalRetrace unsupported feature");
+        }
+        clear(1, 0, 0);
+        context->swapBuffers();
+    }
+    releaseOGLContext();
+}
+
+TEST_F(ContextDriverTest, aWrapperAdoptsAndLetsGoOfAContextOfWgl) {
+    Window window(width, height);
+    window.setPixelFormat();
+    const HGLRC made = wglCreateContext(window.device());
+    ASSERT_TRUE(wglMakeCurrent(window.device(), made));
+    EXPECT_EQ(messageOf([] { ExtensionManager::Instance(); }),
+              "currentContext either not created with ZLT::OGL");
+    const GLuint texture = newTexture();
+    {
+        const ContextWrapped wrapped;
+        EXPECT_TRUE(ExtensionManager::Instance()->isSupported(OPEN_GL_1_2));
+        EXPECT_EQ(wrapped.deviceName(), Context::primaryDisplayDevice().DeviceName);
+        EXPECT_TRUE(wrapped.isSharingWithCurrentContext());
+        const ContextOffscreen sharing(&wrapped);
+        sharing.makeCurrent();
+        EXPECT_TRUE(glIsTexture(texture));
+        wrapped.makeCurrent();
+    }
+    EXPECT_EQ(Context::currentContext(), made);
+    EXPECT_TRUE(glIsTexture(texture));
+    {
+        const ContextWrapped wrapped(window.device(), made, window.handle());
+        releaseOGLContext();
+        EXPECT_TRUE(wglDeleteContext(made));
+        EXPECT_EQ(messageOf<InternalException>([&] { wrapped.makeCurrent(); }),
+                  "ContextWrapped Object leaked");
+    }
+    EXPECT_EQ(messageOf<InternalException>([] { const ContextWrapped none; }),
+              "ContextWrapped::ctor invalid device");
+}
+
+TEST_F(ContextDriverTest, badInputIsRefusedAndNothingIsLeft) {
+    const ContextOffscreen current;
+    current.makeCurrent();
+    const std::size_t before = liveHandles();
+    const BufferFormat rgb(BufferFormat::RGB8);
+    DISPLAY_DEVICEA unknown = Context::primaryDisplayDevice();
+    std::memcpy(unknown.DeviceName, "no such display", 16);
+    EXPECT_EQ(messageOf([&] { const ContextOffscreen none(unknown); }), "error != 0");
+    EXPECT_EQ(messageOf([&] { const ContextOffscreen none(static_cast<const Context*>(nullptr)); }),
+              "pContext != NULL");
+    {
+        const Window window(width, height);
+        // Floating point with more bits than any driver has.
+        EXPECT_EQ(messageOf([&] {
+                      const ContextWindowed none(window.handle(),
+                                                 BufferFormat(255, 255, 255, 255, 8, 255, true),
+                                                 Context::eDoubleBuffered, Context::eNoMultisample, nullptr);
+                  }),
+                  "Can't find suitable pixel format.");
+        EXPECT_EQ(messageOf([&] {
+                      const ContextWindowed none(window.handle(), rgb, Context::eSingleBuffered,
+                                                 Context::teMultisample(4), nullptr);
+                  }),
+                  "Double buffering required with multisampling.");
+        EXPECT_EQ(Context::currentContext(), current.renderContext());
+        windowed(window);
+        EXPECT_EQ(messageOf([&] { windowed(window); }), "") << "the same format once more";
+    }
+    HWND gone = nullptr;
+    {
+        const Window window(width, height);
+        gone = window.handle();
+    }
+    EXPECT_EQ(messageOf([&] {
+                  const ContextWindowed none(gone, rgb, Context::eDoubleBuffered, Context::eNoMultisample,
+                                             nullptr);
+              }),
+              "ContextWindowed::ctor invalid DC on window");
+    EXPECT_EQ(liveHandles(), before);
+    EXPECT_EQ(Context::currentContext(), current.renderContext());
+    releaseOGLContext();
+}
+
+TEST_F(ContextDriverTest, displayDevicesHaveNamesOfTheirOwnAndAnOffscreenContextEach) {
+    std::set<std::string> names;
+    for (std::size_t i = 0; i < Context::numDisplayDevice(); ++i) {
+        DISPLAY_DEVICEA device = {};
+        Context::displayDevice(i, device);
+        names.insert(device.DeviceName);
+        EXPECT_TRUE(Context::shareDevice(device, device));
+        const ContextOffscreen context(device);
+        EXPECT_EQ(context.deviceName(), device.DeviceName);
+        context.makeCurrent();
+        EXPECT_TRUE(ExtensionManager::Instance()->isSupported(OPEN_GL_1_2));
+        releaseOGLContext();
+    }
+    EXPECT_EQ(names.size(), Context::numDisplayDevice());
+    EXPECT_LT(Context::primaryDisplayIndex(), names.size());
+    const Window window(width, height);
+    EXPECT_TRUE(names.contains(Context::displayDeviceFromWindow(window.handle()).DeviceName));
+}
+
+TEST_F(ContextDriverTest, aThousandContextsLeaveNothingBehind) {
+    const ContextOffscreen first;
+    const std::size_t allocations = ZLT::Core::allocationCount();
+    for (int i = 0; i < 1000; ++i) {
+        const auto made =
+            i % 2 ? std::make_unique<ContextOffscreen>(&first) : std::make_unique<ContextOffscreen>();
+        const ContextOffscreen& context = *made;
+        context.makeCurrent();
+        clear(0, 1, 0);
+    }
+    EXPECT_EQ(ZLT::Core::allocationCount(), allocations);
+}
+
+TEST_F(ContextDriverTest, eightThreadsUseTheirContextsAtOnce) {
+    constexpr int threadCount = 8;
+    std::vector<std::unique_ptr<ContextOffscreen>> contexts;
+    for (int i = 0; i < 2 * threadCount; ++i)
+        contexts.push_back(std::make_unique<ContextOffscreen>());
+    const ExtensionManager* expected = [&] {
+        contexts[0]->makeCurrent();
+        const ExtensionManager* manager = ExtensionManager::Instance();
+        releaseOGLContext();
+        return manager;
+    }();
+    OpenGLInterceptor::Instance();
+    std::atomic<int> ready = 0;
+    std::vector<std::thread> threads;
+    for (int t = 0; t < threadCount; ++t)
+        threads.emplace_back([&, t] {
+            ++ready;
+            while (ready < threadCount) {
+            }
+            for (int round = 0; round < 10; ++round) {
+                const auto& context = contexts[static_cast<std::size_t>(2 * t + round % 2)];
+                context->makeCurrent();
+                for (int i = 0; i < 100; ++i) {
+                    EXPECT_EQ(ExtensionManager::Instance(), expected);
+                    CGM(ActiveTexture, static_cast<unsigned>(GL_TEXTURE0 + i % 2));
+                    expected->table().glActiveTexture(GL_TEXTURE0);
+                }
+                const auto shade = static_cast<float>(t) / threadCount;
+                clear(shade, 0, 1);
+                EXPECT_NEAR(pixelAt(1, 1)[0], 255 * shade, 1);
+                releaseOGLContext();
+                EXPECT_EQ(ExtensionManager::Instance()->majorVersion(), 0u);
+            }
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+}
