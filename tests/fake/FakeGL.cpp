@@ -3,8 +3,6 @@
 #if defined(_WIN32)
 #define _GDI32_ // declares the functions as our own, not as imported ones
 #include <windows.h>
-#else
-#include <EGL/egl.h>
 #endif
 
 #include <GL/gl.h>
@@ -13,6 +11,8 @@
 
 #include <deque>
 #include <map>
+#include <mutex>
+#include <set>
 
 namespace FakeGL {
 
@@ -26,6 +26,8 @@ struct State {
     bool recording = true;
 };
 State state;
+std::mutex mutex;
+bool (*driver)(const char*, std::initializer_list<Value>, Value&) = nullptr;
 
 Value nextError() {
     if (state.errors.empty())
@@ -41,11 +43,12 @@ void reset() { state = State(); }
 const std::vector<Call>& calls() { return state.calls; }
 void setRecording(bool on) { state.recording = on; }
 void setResult(const std::string& function, Value result) { state.results[function] = result; }
-bool hasResult(const std::string& function) { return state.results.contains(function); }
+void setDriver(bool (*newDriver)(const char*, std::initializer_list<Value>, Value&)) { driver = newDriver; }
 void pushError(unsigned int code) { state.errors.push_back(code); }
 void setHook(std::function<void(const Call& call)> hook) { state.hook = std::move(hook); }
 
 Value answer(const char* function, std::initializer_list<Value> arguments) {
+    const std::lock_guard lock(mutex);
     if (state.recording) {
         state.calls.push_back({function, arguments});
         if (state.hook)
@@ -53,8 +56,10 @@ Value answer(const char* function, std::initializer_list<Value> arguments) {
     }
     if (std::strcmp(function, "glGetError") == 0)
         return nextError();
-    const auto result = state.results.find(function);
-    return result == state.results.end() ? Value() : result->second;
+    if (const auto result = state.results.find(function); result != state.results.end())
+        return result->second;
+    Value result;
+    return driver && driver(function, arguments, result) ? result : Value();
 }
 
 std::ostream& operator<<(std::ostream& out, const Value& value) {
@@ -89,19 +94,28 @@ Address addressOf(const char* name) {
     static const std::map<std::string, Address, std::less<>> addresses = {
 #include "EntryPoints.inl"
     };
+#undef ZLT_GL_ENTRY
     const auto found = addresses.find(name);
     return found == addresses.end() ? nullptr : found->second;
+}
+
+const std::string& extensionNames() {
+#define ZLT_GL_ENTRY(slot, group, name, result, parameters, arguments) #group,
+    static const std::string names = [] {
+        std::string all;
+        for (const std::string& name : std::set<std::string>{
+#include "EntryPoints.inl"
+             })
+            all += name.starts_with("GL_VERSION_") ? "" : name + ' ';
+        return all;
+    }();
+#undef ZLT_GL_ENTRY
+    return names;
 }
 
 } // namespace FakeGL
 
 extern "C" {
-
-#if !defined(_WIN32)
-__eglMustCastToProperFunctionPointerType EGLAPIENTRY eglGetProcAddress(const char* name) {
-    return FakeGL::addressOf(name);
-}
-#endif
 
 // As GLU, null for what it doesn't know.
 const GLubyte* APIENTRY gluErrorString(GLenum code) {

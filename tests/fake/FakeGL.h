@@ -13,9 +13,8 @@
 
 /// @file
 /// A GL that draws nothing: it notes each call and answers as it was told to. All of GL 1.1 is linked by
-/// name, everything else comes from `eglGetProcAddress` or `wglGetProcAddress`, and a context is always
-/// current. The window system beside it, the functions of the WGL chain, is scripted alike. For one thread at
-/// a time.
+/// name, everything else comes from `wglGetProcAddress`. The window system beside it (FakeWindowSystem.h) is
+/// scripted alike until one is made that keeps state. Threads may call at once; the rest is for one of them.
 
 namespace FakeGL {
 
@@ -73,8 +72,9 @@ const std::vector<Call>& calls();
 void setRecording(bool on);
 /// What `function` returns from now on, in the function's type; 0 without.
 void setResult(const std::string& function, Value result);
-/// Whether a result was set since reset().
-bool hasResult(const std::string& function);
+/// Who is asked for the result of a function that has none set; false for one without an answer. reset()
+/// keeps it.
+void setDriver(bool (*driver)(const char* function, std::initializer_list<Value> arguments, Value& result));
 /// What a later `glGetError` returns, first in, first out; 0 when there is nothing left.
 void pushError(unsigned int code);
 
@@ -100,5 +100,7 @@ struct Function {
 
 /// The address of a function of the scripted GL that is not linked by name, or null.
 void (*addressOf(const char* name))();
+/// The names of all extensions that have functions, as `GL_EXTENSIONS` gives them.
+const std::string& extensionNames();
 
 } // namespace FakeGL

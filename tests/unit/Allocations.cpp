@@ -1,4 +1,4 @@
-#include "FakeGL.h"
+#include "StartedLibrary.h"
 #include "extensionator/OpenGLErrorChecker.h"
 #include "extensionator/OpenGLRekorder.h"
 #include "extensionator/OpenGLTracer.h"
@@ -30,7 +30,7 @@ struct FixedBuffer : std::streambuf {
 };
 
 TEST(Allocations, ATracedOrRecordedAndCheckedCallMakesNone) {
-    FakeGL::reset();
+    const ZLT::OGL::LibraryWithAllOfGL library;
     FakeGL::setRecording(false);
     ZLT::OGL::OpenGLErrorChecker checker;
     FixedBuffer trace, text, data;

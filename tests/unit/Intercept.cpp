@@ -1,5 +1,5 @@
 #include "ExpectError.h"
-#include "FakeGL.h"
+#include "StartedLibrary.h"
 #include "extensionator/OpenGLInterceptor.h"
 
 #include <gtest/gtest.h>
@@ -82,6 +82,7 @@ void drawOnNewGL(std::size_t callsWithoutError, GLenum error) {
 }
 
 TEST(Intercept, AProgramGoesThroughTheChainAsItStandsAndLearnsTheLineOfEachError) {
+    const LibraryWithAllOfGL library;
     drawOnNewGL(0, GL_NO_ERROR);
     std::vector<Call> expected;
     for (const Statement& statement : statements)

@@ -1,7 +1,7 @@
 #include "RecordingStream.h"
 
-#include "FakeGL.h"
 #include "RecordText.h"
+#include "StartedLibrary.h"
 #include "extensionator/OpenGLErrorChecker.h"
 #include "extensionator/OpenGLRekorder.h"
 
@@ -19,7 +19,6 @@ namespace {
 class Replay : public testing::Test {
 protected:
     Replay() {
-        FakeGL::reset();
         OpenGLErrorChecker checker;
         OpenGLRekorder recorder(text, data, &checker, false);
         recorder.cgmDeleteTextures("a.cpp", 1, 1, names);             // at 0
@@ -51,6 +50,7 @@ protected:
         return payloads;
     }
 
+    LibraryWithAllOfGL library;
     const unsigned int names[2] = {7, 0x12345678};
     const int numbers[2] = {-1, 8};
     const char* strings[2] = {"xy", ""};

@@ -1,8 +1,8 @@
 // What the recorder does with its two streams, whatever the form of a call.
 
 #include "ExpectError.h"
-#include "FakeGL.h"
 #include "RecordText.h"
+#include "StartedLibrary.h"
 #include "extensionator/OpenGLErrorChecker.h"
 #include "extensionator/OpenGLRekorder.h"
 
@@ -28,8 +28,6 @@ struct Sink : std::streambuf {
 
 class RekorderStreams : public testing::Test {
 protected:
-    RekorderStreams() { FakeGL::reset(); }
-
     // Every position in the text.
     std::vector<unsigned int> positions() const {
         const std::string seek = "->seekg(", all = text.str();
@@ -39,6 +37,7 @@ protected:
         return found;
     }
 
+    LibraryWithAllOfGL library;
     std::ostringstream text, data;
     OpenGLErrorChecker checker;
     OpenGLRekorder recorder{text, data, &checker, false};

@@ -1,6 +1,7 @@
 #include "Entries.h"
 #include "ExpectError.h"
 #include "RecordRows.h"
+#include "StartedLibrary.h"
 #include "extensionator/OpenGLRekorder.h"
 #include "extensionator/OpenGLTracer.h"
 #include "extensionator/TokenName.h"
@@ -115,6 +116,7 @@ protected:
         });
     }
 
+    LibraryWithAllOfGL library;
     std::ostringstream text;
     OpenGLTracer tracer;
 };

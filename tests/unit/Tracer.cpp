@@ -1,5 +1,5 @@
 #include "ExceptionOGL.h"
-#include "FakeGL.h"
+#include "StartedLibrary.h"
 #include "extensionator/OpenGLErrorChecker.h"
 #include "extensionator/OpenGLTracer.h"
 
@@ -15,8 +15,7 @@ namespace {
 
 class Tracer : public testing::Test {
 protected:
-    Tracer() { FakeGL::reset(); }
-
+    LibraryWithAllOfGL library;
     std::ostringstream text;
     OpenGLErrorChecker checker;
     OpenGLTracer tracer{text, &checker};

@@ -2,6 +2,7 @@
 
 #include "Entries.h"
 #include "RecordRows.h"
+#include "StartedLibrary.h"
 #include "extensionator/OpenGLRekorder.h"
 
 #include <algorithm>
@@ -40,6 +41,7 @@ void recordValues() {
 } // namespace
 
 int main(int, char** argv) {
+    const LibraryWithAllOfGL library;
     const std::string path = argv[1];
     std::ofstream text(path + ".inl", std::ios::binary), data(path + ".bin", std::ios::binary);
     for (std::ofstream* out : {&text, &data})

@@ -1,4 +1,4 @@
-#include "FakeGL.h"
+#include "StartedLibrary.h"
 #include "Statements.h"
 #include "extensionator/OpenGLRekorder.h"
 
@@ -30,7 +30,7 @@ std::string comparable(std::string line) {
 }
 
 TEST(Recording, CompiledAndRunLeavesTheSameRecordingAgain) {
-    FakeGL::reset();
+    const LibraryWithAllOfGL library;
     RecordingStream stream(ZLT_RECORDING ".inl", ZLT_RECORDING ".bin");
     pBinaryInputStream = &stream;
     std::ostringstream text, data;
