@@ -2,6 +2,8 @@
 
 #include "Comparison.h"
 #include "HandWrittenChecker.h"
+#include "LibraryContext.h"
+#include "extensionator/ExtensionManager.h"
 #include "extensionator/OpenGLInterceptor.h"
 
 #include <GL/gl.h>
@@ -65,7 +67,8 @@ void chainByHead(benchmark::State& state) {
 }
 BENCHMARK(chainByHead)->Name("head->cgmBindTexture");
 
-// An entry outside GL 1.1, which goes by its address.
+// An entry outside GL 1.1, which goes by its address: the chain looks it up in the table of the current
+// context's driver. The hand-written checker does so too, or knows one driver alone.
 template <class Call>
 void activateUnits(benchmark::State& state, Call call) {
     GLenum unit = 0;
@@ -97,6 +100,13 @@ void handWrittenAddress(benchmark::State& state) {
 }
 BENCHMARK(handWrittenAddress)->Name("hand-written activeTexture");
 
+void handWrittenTable(benchmark::State& state) {
+    HandWrittenInterceptor* head = handWrittenChecker();
+    benchmark::DoNotOptimize(head);
+    activateUnits(state, [=](GLenum unit) { head->activeTextureByTable(__FILE__, __LINE__, unit); });
+}
+BENCHMARK(handWrittenTable)->Name("hand-written activeTexture, table asked for");
+
 void chainAddress(benchmark::State& state) {
     activateUnits(state, [](GLenum unit) { CGM(ActiveTexture, unit); });
 }
@@ -111,18 +121,26 @@ BENCHMARK(chainAddressByHead)->Name("head->cgmActiveTexture");
 } // namespace
 
 int main(int argc, char** argv) {
+    const Bench::LibraryContext context;
     // The silent driver answers GL_TRUE to everything; with no context, the system's GL answers GL_FALSE.
     if (!CGM(IsTexture, 1)) {
         std::fprintf(stderr, "The chain doesn't reach the silent driver.\n");
         return 1;
     }
+    if (ZLT::OGL::ExtensionManager::Instance()->table().glActiveTexture != activeTextureFunction()) {
+        std::fprintf(stderr, "The table doesn't hold the silent driver's functions.\n");
+        return 1;
+    }
     using By = Bench::Comparison::By;
-    return Bench::run(argc, argv,
-                      {{"head->cgmBindTexture", "hand-written bindTexture", 1, By::nanoseconds},
-                       {"CGM(BindTexture)", "hand-written bindTexture", 1, By::nanoseconds},
-                       {"CGM(BindTexture)", "hand-written bindTexture, head asked for", 1, By::nanoseconds},
-                       {"CGM(BindTexture)", "glBindTexture, glGetError", 0, By::nanoseconds},
-                       {"head->cgmActiveTexture", "hand-written activeTexture", 1, By::nanoseconds},
-                       {"CGM(ActiveTexture)", "hand-written activeTexture", 1, By::nanoseconds},
-                       {"CGM(ActiveTexture)", "glActiveTexture, glGetError", 0, By::nanoseconds}});
+    return Bench::run(
+        argc, argv,
+        {{"head->cgmBindTexture", "hand-written bindTexture", 1, By::nanoseconds},
+         {"CGM(BindTexture)", "hand-written bindTexture", 1, By::nanoseconds},
+         {"CGM(BindTexture)", "hand-written bindTexture, head asked for", 1, By::nanoseconds},
+         {"CGM(BindTexture)", "glBindTexture, glGetError", 0, By::nanoseconds},
+         {"head->cgmActiveTexture", "hand-written activeTexture, table asked for", 1, By::nanoseconds},
+         {"CGM(ActiveTexture)", "hand-written activeTexture, table asked for", 1, By::nanoseconds},
+         {"head->cgmActiveTexture", "hand-written activeTexture", 0, By::nanoseconds},
+         {"CGM(ActiveTexture)", "hand-written activeTexture", 0, By::nanoseconds},
+         {"CGM(ActiveTexture)", "glActiveTexture, glGetError", 0, By::nanoseconds}});
 }

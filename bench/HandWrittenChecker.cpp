@@ -1,5 +1,7 @@
 #include "HandWrittenChecker.h"
 
+#include "extensionator/ExtensionManager.h"
+
 #include <EGL/egl.h>
 
 #include <stdexcept>
@@ -15,6 +17,10 @@ public:
     }
     void activeTexture(const char* file, unsigned int line, GLenum texture) override {
         activeTexture_(texture);
+        check(file, line);
+    }
+    void activeTextureByTable(const char* file, unsigned int line, GLenum texture) override {
+        ZLT::OGL::ExtensionManager::Instance()->table().glActiveTexture(texture);
         check(file, line);
     }
 

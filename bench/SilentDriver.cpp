@@ -1,4 +1,5 @@
-// A GL of which every function does nothing and returns 0, or GL_TRUE where the result is a GLboolean.
+// A GL of which every function does nothing and returns 0, GL_TRUE where the result is a GLboolean, or "3.0"
+// where it is a text: so it is a driver of 3.0 without extensions.
 
 #define GL_GLEXT_PROTOTYPES
 #include <EGL/egl.h>
@@ -17,6 +18,10 @@ Result nothing() {
 template <>
 GLboolean nothing() {
     return GL_TRUE;
+}
+template <>
+const GLubyte* nothing() {
+    return reinterpret_cast<const GLubyte*>("3.0");
 }
 
 } // namespace
