@@ -13,6 +13,13 @@ constinit thread_local unsigned long count = 0;
 
 unsigned long allocations() { return count; }
 
+bool allocationsAreCounted() {
+    const unsigned long before = allocations();
+    int* volatile memory = new int; // seen by others, so that it is not left out
+    delete memory;
+    return allocations() == before + 1;
+}
+
 #pragma GCC visibility push(default)
 extern "C" {
 

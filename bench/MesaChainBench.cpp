@@ -1,6 +1,7 @@
 // A checked call on a real driver, where the driver's share is the larger one.
 
 #include "Comparison.h"
+#include "GlbindingCheckedCall.h"
 #include "HandWrittenChecker.h"
 #include "HeadlessContext.h"
 #include "extensionator/OpenGLInterceptor.h"
@@ -37,6 +38,10 @@ void chain(benchmark::State& state) {
         CGM(BindTexture, GL_TEXTURE_2D, 1);
 }
 BENCHMARK(chain)->Name("CGM(BindTexture)");
+
+#if defined(WITH_GLBINDING)
+BENCHMARK(glbindingBindTexture)->Name("glbinding, after-callback with glGetError");
+#endif
 
 } // namespace
 

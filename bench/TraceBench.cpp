@@ -226,14 +226,6 @@ bool allocatesNothing(const Calls& calls) {
     return count == 0;
 }
 
-bool allocationsAreCounted() {
-    const unsigned long before = allocations();
-    int* memory = new int;
-    benchmark::DoNotOptimize(memory);
-    delete memory;
-    return allocations() == before + 1;
-}
-
 // The aims are ratios to apitrace; 0 for none.
 template <class Calls>
 void registerCalls(const Calls& calls, bool withApitrace, double aim, double largeBufferAim,
