@@ -77,5 +77,8 @@ void emitTokenHeader(const std::vector<Token>& tokens, const std::filesystem::pa
 void emitTokens(const std::vector<Token>& tokens, const std::filesystem::path& directory);
 /// EntryPoints.inl: one macro call for each entry, for fakes and sweeps.
 void emitEntryRows(const std::vector<EntryPoint>& entries, const std::filesystem::path& directory);
+/// Extensions.inl and WglEntryPoints.inl: the same for extensions and WGL functions.
+void emitExtensionRows(const std::vector<Extension>& extensions, const std::vector<WglFunction>& functions,
+                       const std::filesystem::path& directory);
 
 } // namespace generator

@@ -130,4 +130,16 @@ extern "C" {
     writeFile(sources / "WglCases.inl", cases);
 }
 
+void emitExtensionRows(const std::vector<Extension>& extensions, const std::vector<WglFunction>& functions,
+                       const std::filesystem::path& directory) {
+    std::string rows = extensionNotice;
+    for (const Extension& extension : extensions)
+        rows += "ZLT_EXTENSION(" + extension.enumerator() + ", \"" + extension.name + "\")\n";
+    writeFile(directory / "Extensions.inl", rows);
+    std::string wgl = wglNotice;
+    for (const WglFunction& function : functions)
+        wgl += "ZLT_WGL_ENTRY(\"" + function.extension + "\", " + function.name + ")\n";
+    writeFile(directory / "WglEntryPoints.inl", wgl);
+}
+
 } // namespace generator

@@ -41,6 +41,7 @@ void generate(const std::filesystem::path& tables, const std::filesystem::path& 
     emitTokens(tokens, sources);
     emitTokenHeader(tokens, headers);
     emitEntryRows(entries, output / "tests");
+    emitExtensionRows(extensions, wglFunctions, output / "tests");
 }
 
 } // namespace
