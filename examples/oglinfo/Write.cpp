@@ -66,7 +66,8 @@ nlohmann::ordered_json jsonOf(const DeviceReport& device) {
         {"versionText", device.version},
         {"majorVersion", device.majorVersion},
         {"minorVersion", device.minorVersion},
-        {"releaseVersion", device.releaseVersion < 0 ? nlohmann::ordered_json() : device.releaseVersion},
+        {"releaseVersion", device.releaseVersion < 0 ? nlohmann::ordered_json()
+                                                     : nlohmann::ordered_json(device.releaseVersion)},
         {"additionalVersionInfo", device.additionalVersionInfo},
         {"textureUnits", device.textureUnits},
         {"capabilities", capabilities},
