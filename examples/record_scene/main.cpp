@@ -5,7 +5,7 @@
 #include "Png.h"
 #include "Run.h"
 #include "Scene.h"
-#include "Window.h"
+#include "PlainWindow.h"
 #include "extensionator/OpenGLInterceptor.h"
 #include "extensionator/OpenGLRekorder.h"
 #include "extensionator/OpenGLTracer.h"
@@ -56,7 +56,7 @@ void record(const std::string& name, const std::filesystem::path& folder) {
     std::ofstream text = create(folder / "recording.inl");
     std::ofstream data = create(folder / "recording.bin");
     std::ofstream trace = create(folder / "trace.txt");
-    Window window(width, height);
+    PlainWindow window(width, height);
     window.setPixelFormat();
 
     // One recording from two recorders over the same text.

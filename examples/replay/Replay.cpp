@@ -1,6 +1,6 @@
 #include "Replay.h"
 
-#include "Window.h"
+#include "PlainWindow.h"
 #include "ogl/ContextWrapped.h"
 
 #include <bit>
@@ -20,7 +20,7 @@ namespace {
 
 int width = 0;
 int height = 0;
-std::vector<std::unique_ptr<Window>> windows;
+std::vector<std::unique_ptr<PlainWindow>> windows;
 std::deque<HGLRC> unnamedContexts;
 std::map<HGLRC, HGLRC> contexts; // recorded to own
 // By these the library knows the own ones, so that calls past GL 1.1 find their functions.
@@ -65,7 +65,7 @@ void addCurrentAppDC(HDC recorded) { GLRekorderCreateWindow(recorded); }
 void GLRekorderCreateWindow(HDC recorded) {
     if (hdc_map_.contains(recorded))
         return;
-    windows.push_back(std::make_unique<Window>(width, height));
+    windows.push_back(std::make_unique<PlainWindow>(width, height));
     windows.back()->setPixelFormat();
     hdc_map_[recorded] = windows.back()->device();
 }

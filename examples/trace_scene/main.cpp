@@ -5,7 +5,7 @@
 #include "Png.h"
 #include "Run.h"
 #include "Scene.h"
-#include "Window.h"
+#include "PlainWindow.h"
 #include "extensionator/OpenGLInterceptor.h"
 #include "extensionator/OpenGLTracer.h"
 #include "extensionator/TokenName.h"
@@ -42,7 +42,7 @@ void makeMistake() {
 }
 
 // With four samples for each pixel where the driver has such a format.
-std::unique_ptr<Context> makeContext(const Window& window) {
+std::unique_ptr<Context> makeContext(const PlainWindow& window) {
     const BufferFormat format(BufferFormat::RGB8_D24);
     try {
         return std::make_unique<ContextWindowed>(window.handle(), format, Context::eDoubleBuffered,
@@ -54,7 +54,7 @@ std::unique_ptr<Context> makeContext(const Window& window) {
 }
 
 void run(const std::filesystem::path& folder) {
-    const Window window(width, height);
+    const PlainWindow window(width, height);
     const std::unique_ptr<Context> context = makeContext(window);
     context->makeCurrent();
     std::cout << "Renderer: " << CGM(GetString, GL_RENDERER) << '\n';

@@ -1,7 +1,9 @@
 // The WGL chain on the real window system: WGL on Windows, EGL behind the same names on Linux.
 
-#include "Window.h"
+#include "PlainWindow.h"
+#include "extensionator/Load.h"
 #include "extensionator/win/wglInterceptor.h"
+#include "platform/WglTokens.h"
 
 #include <GL/gl.h>
 #include <gtest/gtest.h>
@@ -11,6 +13,7 @@
 #include <cstdlib>
 #include <memory>
 #include <stdexcept>
+#include <string>
 #include <thread>
 
 using namespace ZLT::OGL;
@@ -21,7 +24,7 @@ class WglDriverTest : public ::testing::Test {
 protected:
     void SetUp() override {
         try {
-            window_ = std::make_unique<Window>(64, 48);
+            window_ = std::make_unique<PlainWindow>(64, 48);
             window_->setPixelFormat();
         } catch (const std::runtime_error& error) {
             GTEST_SKIP() << "no driver: " << error.what();
@@ -32,7 +35,7 @@ protected:
         wglInterceptor::destroy();
     }
 
-    std::unique_ptr<Window> window_;
+    std::unique_ptr<PlainWindow> window_;
 };
 
 } // namespace
@@ -111,6 +114,203 @@ TEST_F(WglDriverTest, aContextIsCurrentOnOneThreadAlone) {
     EXPECT_TRUE(CWGM(DeleteContext, context));
 }
 
+namespace {
+
+// The window's context with the extension functions, current.
+class WglExtensionTest : public WglDriverTest {
+protected:
+    void SetUp() override {
+        WglDriverTest::SetUp();
+        if (!window_ || IsSkipped())
+            return;
+        context_ = wglCreateContext(window_->device());
+        ASSERT_TRUE(wglMakeCurrent(window_->device(), context_));
+        const auto names = find<const char*(WINAPI*)(HDC)>("wglGetExtensionsStringARB");
+        ASSERT_NE(names, nullptr);
+        names_ = std::string(" ") + names(window_->device()) + " ";
+    }
+    void TearDown() override {
+        if (context_) {
+            wglMakeCurrent(nullptr, nullptr);
+            wglDeleteContext(context_);
+        }
+        WglDriverTest::TearDown();
+    }
+
+    bool names(const std::string& extension) const {
+        return names_.find(" " + extension + " ") != std::string::npos;
+    }
+    int attribute(HDC device, int format, int name) const {
+        const auto get =
+            find<BOOL(WINAPI*)(HDC, int, int, UINT, const int*, int*)>("wglGetPixelFormatAttribivARB");
+        int value = -1;
+        EXPECT_TRUE(get(device, format, 0, 1, &name, &value)) << std::hex << name;
+        return value;
+    }
+
+    HGLRC context_ = nullptr;
+    std::string names_;
+};
+
+} // namespace
+
+TEST_F(WglExtensionTest, theStringNamesExactlyWhatThereIs) {
+    for (const auto& [extension, function] : {std::pair{"WGL_ARB_pixel_format", "wglChoosePixelFormatARB"},
+                                              {"WGL_ARB_create_context", "wglCreateContextAttribsARB"},
+                                              {"WGL_ARB_make_current_read", "wglMakeContextCurrentARB"},
+                                              {"WGL_ARB_pbuffer", "wglCreatePbufferARB"},
+                                              {"WGL_EXT_swap_control", "wglSwapIntervalEXT"},
+                                              {"WGL_ARB_render_texture", "wglBindTexImageARB"}})
+        EXPECT_EQ(names(extension), wglGetProcAddress(function) != nullptr) << extension;
+    EXPECT_TRUE(names("WGL_ARB_extensions_string"));
+    SetLastError(0);
+    EXPECT_EQ(wglGetProcAddress("wglNoSuchFunction"), nullptr);
+    EXPECT_NE(GetLastError(), 0u);
+}
+
+TEST_F(WglExtensionTest, allWaysToAFormatShareOneNumbering) {
+    ASSERT_TRUE(names("WGL_ARB_pixel_format"));
+    const HDC device = window_->device();
+    const int count = attribute(device, 1, WGL_NUMBER_PIXEL_FORMATS_ARB);
+    PIXELFORMATDESCRIPTOR description = {};
+    ASSERT_GE(count, DescribePixelFormat(device, 1, sizeof(description), nullptr));
+    for (int format = 1; format <= DescribePixelFormat(device, 1, sizeof(description), nullptr); ++format) {
+        ASSERT_TRUE(DescribePixelFormat(device, format, sizeof(description), &description));
+        if (description.iPixelType != PFD_TYPE_RGBA || !(description.dwFlags & PFD_SUPPORT_OPENGL))
+            continue;
+        EXPECT_EQ(description.cRedBits, attribute(device, format, WGL_RED_BITS_ARB)) << format;
+        EXPECT_EQ(description.cAlphaBits, attribute(device, format, WGL_ALPHA_BITS_ARB)) << format;
+        EXPECT_EQ(description.cDepthBits, attribute(device, format, WGL_DEPTH_BITS_ARB)) << format;
+        EXPECT_EQ(description.cStencilBits, attribute(device, format, WGL_STENCIL_BITS_ARB)) << format;
+        EXPECT_EQ((description.dwFlags & PFD_DOUBLEBUFFER) != 0,
+                  attribute(device, format, WGL_DOUBLE_BUFFER_ARB));
+        EXPECT_EQ((description.dwFlags & PFD_DRAW_TO_WINDOW) != 0,
+                  attribute(device, format, WGL_DRAW_TO_WINDOW_ARB));
+    }
+    const auto choose =
+        find<BOOL(WINAPI*)(HDC, const int*, const FLOAT*, UINT, int*, UINT*)>("wglChoosePixelFormatARB");
+    const int wanted[] = {WGL_SUPPORT_OPENGL_ARB,
+                          1,
+                          WGL_DRAW_TO_WINDOW_ARB,
+                          1,
+                          WGL_DOUBLE_BUFFER_ARB,
+                          1,
+                          WGL_RED_BITS_ARB,
+                          8,
+                          WGL_STENCIL_BITS_ARB,
+                          8,
+                          WGL_DEPTH_BITS_ARB,
+                          24,
+                          0};
+    std::array<int, 16> found{};
+    UINT number = 0;
+    ASSERT_TRUE(choose(device, wanted, nullptr, 16, found.data(), &number));
+    ASSERT_GT(number, 0u);
+    for (UINT i = 0; i < number; ++i) {
+        EXPECT_GE(attribute(device, found[i], WGL_RED_BITS_ARB), 8);
+        EXPECT_GE(attribute(device, found[i], WGL_STENCIL_BITS_ARB), 8);
+        EXPECT_GE(attribute(device, found[i], WGL_DEPTH_BITS_ARB), 24);
+        EXPECT_EQ(attribute(device, found[i], WGL_DOUBLE_BUFFER_ARB), 1);
+        EXPECT_EQ(attribute(device, found[i], WGL_DRAW_TO_WINDOW_ARB), 1);
+    }
+    EXPECT_EQ(attribute(device, found[0], WGL_SAMPLES_ARB), 0) << "the nearest first";
+    const int impossible[] = {WGL_RED_BITS_ARB, 500, 0};
+    EXPECT_TRUE(!choose(device, impossible, nullptr, 1, found.data(), &number) || number == 0);
+}
+
+TEST_F(WglExtensionTest, aPbufferIsADrawableOfItsSize) {
+    if (!names("WGL_ARB_pbuffer"))
+        GTEST_SKIP() << "the driver has no pbuffers";
+    const auto create = find<HPBUFFERARB(WINAPI*)(HDC, int, int, int, const int*)>("wglCreatePbufferARB");
+    const auto deviceOf = find<HDC(WINAPI*)(HPBUFFERARB)>("wglGetPbufferDCARB");
+    const auto query = find<BOOL(WINAPI*)(HPBUFFERARB, int, int*)>("wglQueryPbufferARB");
+    const auto release = find<int(WINAPI*)(HPBUFFERARB, HDC)>("wglReleasePbufferDCARB");
+    const auto destroy = find<BOOL(WINAPI*)(HPBUFFERARB)>("wglDestroyPbufferARB");
+    const auto choose =
+        find<BOOL(WINAPI*)(HDC, const int*, const FLOAT*, UINT, int*, UINT*)>("wglChoosePixelFormatARB");
+    const int wanted[] = {WGL_SUPPORT_OPENGL_ARB, 1, WGL_DRAW_TO_PBUFFER_ARB, 1, WGL_RED_BITS_ARB, 8, 0};
+    int format = 0;
+    UINT number = 0;
+    ASSERT_TRUE(choose(window_->device(), wanted, nullptr, 1, &format, &number));
+    ASSERT_EQ(number, 1u);
+    const HPBUFFERARB pbuffer = create(window_->device(), format, 300, 200, nullptr);
+    ASSERT_NE(pbuffer, nullptr);
+    int width = 0, height = 0;
+    EXPECT_TRUE(query(pbuffer, WGL_PBUFFER_WIDTH_ARB, &width));
+    EXPECT_TRUE(query(pbuffer, WGL_PBUFFER_HEIGHT_ARB, &height));
+    EXPECT_EQ(width, 300);
+    EXPECT_EQ(height, 200);
+    const HDC device = deviceOf(pbuffer);
+    EXPECT_EQ(GetPixelFormat(device), format);
+    const HGLRC context = wglCreateContext(device);
+    ASSERT_TRUE(wglMakeCurrent(device, context));
+    glViewport(0, 0, 300, 200);
+    glClearColor(0, 1, 0, 1);
+    glClear(GL_COLOR_BUFFER_BIT);
+    std::array<std::uint8_t, 4> pixel{};
+    glReadPixels(299, 199, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, pixel.data());
+    EXPECT_EQ(pixel[1], 255);
+    EXPECT_TRUE(wglMakeCurrent(window_->device(), context_));
+    EXPECT_EQ(release(pbuffer, device), 1);
+    EXPECT_TRUE(destroy(pbuffer));
+    EXPECT_FALSE(destroy(pbuffer)) << "gone";
+    EXPECT_FALSE(wglMakeCurrent(device, context));
+    EXPECT_TRUE(wglDeleteContext(context));
+}
+
+TEST_F(WglExtensionTest, readingComesFromAnotherWindowThanDrawing) {
+    if (!names("WGL_ARB_make_current_read"))
+        GTEST_SKIP() << "the driver reads from where it draws";
+    const auto makeCurrent = find<BOOL(WINAPI*)(HDC, HDC, HGLRC)>("wglMakeContextCurrentARB");
+    const auto readDevice = find<HDC(WINAPI*)()>("wglGetCurrentReadDCARB");
+    PlainWindow other(64, 48);
+    other.setPixelFormat();
+    ASSERT_TRUE(wglMakeCurrent(other.device(), context_));
+    glClearColor(1, 0, 0, 1);
+    glClear(GL_COLOR_BUFFER_BIT);
+    ASSERT_TRUE(makeCurrent(window_->device(), other.device(), context_));
+    EXPECT_EQ(wglGetCurrentDC(), window_->device());
+    EXPECT_EQ(readDevice(), other.device());
+    glClearColor(0, 0, 1, 1);
+    glClear(GL_COLOR_BUFFER_BIT);
+    std::array<std::uint8_t, 4> pixel{};
+    glReadPixels(1, 1, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, pixel.data());
+    EXPECT_EQ(pixel[0], 255);
+    EXPECT_EQ(pixel[2], 0);
+    EXPECT_TRUE(wglMakeCurrent(window_->device(), context_));
+}
+
+TEST_F(WglExtensionTest, aContextIsMadeOfTheVersionAndProfileAskedFor) {
+    if (!names("WGL_ARB_create_context") || !names("WGL_ARB_create_context_profile"))
+        GTEST_SKIP() << "the driver makes contexts of one kind";
+    const auto create = find<HGLRC(WINAPI*)(HDC, HGLRC, const int*)>("wglCreateContextAttribsARB");
+    GLuint texture = 0;
+    glGenTextures(1, &texture);
+    glBindTexture(GL_TEXTURE_2D, texture);
+    const int core[] = {WGL_CONTEXT_MAJOR_VERSION_ARB,
+                        3,
+                        WGL_CONTEXT_MINOR_VERSION_ARB,
+                        2,
+                        WGL_CONTEXT_PROFILE_MASK_ARB,
+                        WGL_CONTEXT_CORE_PROFILE_BIT_ARB,
+                        WGL_CONTEXT_FLAGS_ARB,
+                        WGL_CONTEXT_FORWARD_COMPATIBLE_BIT_ARB,
+                        0};
+    const HGLRC made = create(window_->device(), context_, core);
+    ASSERT_NE(made, nullptr);
+    ASSERT_TRUE(wglMakeCurrent(window_->device(), made));
+    EXPECT_EQ(glGetString(GL_EXTENSIONS), nullptr) << "a core profile";
+    EXPECT_EQ(glGetError(), unsigned(GL_INVALID_ENUM));
+    EXPECT_TRUE(glIsTexture(texture)) << "shares with the first";
+    EXPECT_TRUE(wglMakeCurrent(window_->device(), context_));
+    EXPECT_TRUE(wglDeleteContext(made));
+    const int future[] = {WGL_CONTEXT_MAJOR_VERSION_ARB, 9, WGL_CONTEXT_MINOR_VERSION_ARB, 9, 0};
+    SetLastError(0);
+    EXPECT_EQ(create(window_->device(), nullptr, future), nullptr);
+    EXPECT_NE(GetLastError(), 0u);
+    EXPECT_EQ(create(nullptr, nullptr, core), nullptr);
+}
+
 #if !defined(_WIN32)
 TEST_F(WglDriverTest, handlesThatWereNeverGivenOutAreRefused) {
     int anything = 0;
@@ -166,7 +366,7 @@ TEST_F(WglDriverTest, aWindowThatIsGoneIsRefusedAndItsHandleNotGivenToAnother) {
     const HDC device = window_->device();
     ASSERT_TRUE(wglMakeCurrent(device, context));
     window_.reset();
-    Window other(64, 48);
+    PlainWindow other(64, 48);
     other.setPixelFormat();
     EXPECT_NE(other.device(), device);
     EXPECT_EQ(wglGetCurrentContext(), context);

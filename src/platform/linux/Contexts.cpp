@@ -5,6 +5,8 @@
 
 #include "platform/WglTokens.h"
 
+#include <X11/Xlib.h>
+
 using namespace ZLT::Platform;
 
 namespace {
@@ -283,7 +285,12 @@ BOOL SwapBuffers(HDC device) {
     if (device != wglGetCurrentDC())
         return device->xid ? fail(ERROR_INVALID_OPERATION) : TRUE;
     const RenderingContext& context = *here.context;
-    return swapNative(context.api, context.display, surfaceFor(*device, context)) ? TRUE : failOfEGL();
+    if (!swapNative(context.api, context.display, surfaceFor(*device, context)))
+        return failOfEGL();
+    // A driver that draws by requests to the server may leave them in the connection's buffer.
+    if (state.server)
+        XFlush(state.server);
+    return TRUE;
 }
 
 BOOL wglSwapLayerBuffers(HDC device, UINT planes) {

@@ -1,4 +1,4 @@
-#include "Window.h"
+#include "PlainWindow.h"
 
 #include <stdexcept>
 #include <string>
@@ -12,14 +12,14 @@ void require(bool succeeded, const char* step) {
 
 } // namespace
 
-Window::Window(int width, int height)
+PlainWindow::PlainWindow(int width, int height)
     : window_(CreateWindowExA(0, "STATIC", "", WS_POPUP, 0, 0, width, height, nullptr, nullptr, nullptr,
                               nullptr)),
       device_(GetDC(window_)) {
     require(window_ && device_, "CreateWindowExA");
 }
 
-void Window::setPixelFormat() {
+void PlainWindow::setPixelFormat() {
     PIXELFORMATDESCRIPTOR wanted = {};
     wanted.nSize = sizeof(wanted);
     wanted.nVersion = 1;
@@ -32,7 +32,7 @@ void Window::setPixelFormat() {
     require(SetPixelFormat(device_, format, &wanted), "SetPixelFormat");
 }
 
-Window::~Window() {
+PlainWindow::~PlainWindow() {
     ReleaseDC(window_, device_);
     DestroyWindow(window_);
 }

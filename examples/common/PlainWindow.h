@@ -2,15 +2,15 @@
 
 #include "platform/Platform.h"
 
-/// A window that is not shown, for as long as the object lives. Failures are std::runtime_error, with the step and
-/// the system's error number.
-class Window {
+/// A window that is not shown, for as long as the object lives. Failures are std::runtime_error, with the
+/// step and the system's error number.
+class PlainWindow {
 public:
     /// In pixels.
-    Window(int width, int height);
-    ~Window();
-    Window(const Window&) = delete;
-    Window& operator=(const Window&) = delete;
+    PlainWindow(int width, int height);
+    ~PlainWindow();
+    PlainWindow(const PlainWindow&) = delete;
+    PlainWindow& operator=(const PlainWindow&) = delete;
 
     HWND handle() const { return window_; }
     HDC device() const { return device_; }

@@ -1,0 +1,285 @@
+// What only the Linux platform has: when it asks EGL and GLX, monitors of an X server, window classes, and
+// windows that another client of the server made.
+
+// In front of Xlib, whose macros have its names.
+#include <gtest/gtest.h>
+
+#include "HeadlessContext.h"
+#include "LibraryOGL.h"
+#include "PlainWindow.h"
+#include "ogl/BufferFormat.h"
+#include "ogl/ContextOffscreen.h"
+#include "ogl/ContextWindowed.h"
+#include "ogl/ContextWrapped.h"
+#include "zlt/core/Core.h"
+#include "zlt/core/Exceptions.h"
+
+#include <EGL/egl.h>
+#include <GL/gl.h>
+#include <X11/Xlib.h>
+#include <X11/Xutil.h>
+#include <X11/extensions/Xrandr.h>
+#include <dlfcn.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <thread>
+
+using namespace ZLT::OGL;
+
+namespace {
+int asked = 0;
+}
+
+// Stands in front of EGL's own: counts how often the platform layer asks.
+extern "C" __attribute__((visibility("default"))) EGLContext eglGetCurrentContext() {
+    ++asked;
+    static const auto real = reinterpret_cast<EGLContext (*)()>(dlsym(RTLD_NEXT, "eglGetCurrentContext"));
+    return real();
+}
+
+namespace {
+
+class SeamDriverTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ZLT::Core::Library::initialize();
+        if (Context::numDisplayDevice() == 0)
+            GTEST_SKIP() << "no driver: no display device";
+        Library::initialize(Library::InitOptions());
+    }
+    void TearDown() override {
+        if (Library::isInitialized())
+            Library::terminate();
+        ZLT::Core::Library::terminate();
+        EXPECT_EQ(ZLT::Platform::liveHandles(), 0u);
+    }
+};
+
+template <class Call>
+int questionsOf(Call call) {
+    const int before = asked;
+    call();
+    return asked - before;
+}
+
+// The program's own connection to the X server.
+class Server {
+public:
+    Server() : display_(XOpenDisplay(nullptr)) {}
+    ~Server() {
+        if (display_)
+            XCloseDisplay(display_);
+    }
+    explicit operator bool() const { return display_; }
+    operator Display*() const { return display_; }
+    ::Window root() const { return DefaultRootWindow(display_); }
+
+private:
+    Display* display_;
+};
+
+HWND handle(::Window window) { return reinterpret_cast<HWND>(window); } // NOLINT(performance-no-int-to-ptr)
+
+} // namespace
+
+// In this order: once a foreign context was seen, the process asks for good.
+TEST_F(SeamDriverTest, theSystemIsAskedWhenNothingIsKnownAndForGoodOnceSomebodyElsesContextWasSeen) {
+    const ContextOffscreen own;
+    own.makeCurrent();
+    EXPECT_EQ(questionsOf([&] { EXPECT_EQ(Context::currentContext(), own.renderContext()); }), 0);
+    releaseOGLContext();
+    EXPECT_GT(questionsOf([] { EXPECT_EQ(Context::currentContext(), nullptr); }), 0);
+
+    const HeadlessContext somebodyElses(8, 8);
+    const EGLDisplay display = eglGetCurrentDisplay();
+    const EGLSurface surface = eglGetCurrentSurface(EGL_DRAW);
+    const EGLContext foreign = eglGetCurrentContext();
+    {
+        const ContextWrapped wrapped;
+        EXPECT_NE(wrapped.renderContext(), own.renderContext());
+        own.makeCurrent();
+        EXPECT_GT(questionsOf([&] { EXPECT_EQ(Context::currentContext(), own.renderContext()); }), 0);
+        // So a switch behind our back is seen, on this thread and on others.
+        ASSERT_TRUE(eglMakeCurrent(display, surface, surface, foreign));
+        EXPECT_EQ(Context::currentContext(), wrapped.renderContext());
+        own.makeCurrent();
+        std::thread([&] {
+            ASSERT_TRUE(eglMakeCurrent(display, surface, surface, foreign));
+            EXPECT_EQ(Context::currentContext(), wrapped.renderContext());
+            EXPECT_TRUE(eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT));
+            EXPECT_EQ(Context::currentContext(), nullptr);
+        }).join();
+        EXPECT_EQ(Context::currentContext(), own.renderContext());
+        releaseOGLContext();
+    }
+}
+
+TEST_F(SeamDriverTest, windowClassesAreKnownByName) {
+    WNDCLASSEXA description = {};
+    description.cbSize = sizeof(description);
+    description.lpszClassName = "seam test";
+    EXPECT_NE(RegisterClassExA(&description), 0);
+    EXPECT_EQ(RegisterClassExA(&description), 0);
+    EXPECT_EQ(GetLastError(), ERROR_CLASS_ALREADY_EXISTS);
+    const HWND window =
+        CreateWindowExA(0, "seam test", nullptr, WS_POPUP, 0, 0, 8, 8, nullptr, nullptr, nullptr, nullptr);
+    EXPECT_FALSE(UnregisterClassA("seam test", nullptr));
+    EXPECT_EQ(GetLastError(), ERROR_CLASS_HAS_WINDOWS);
+    RECT area = {};
+    EXPECT_TRUE(GetClientRect(window, &area));
+    EXPECT_EQ(area.right, 8);
+    EXPECT_FALSE(ShowWindow(window, SW_SHOWNORMAL)) << "was hidden";
+    EXPECT_TRUE(ShowWindow(window, SW_HIDE));
+    EXPECT_TRUE(DestroyWindow(window));
+    EXPECT_FALSE(MoveWindow(window, 0, 0, 9, 9, FALSE));
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_WINDOW_HANDLE);
+    EXPECT_TRUE(UnregisterClassA("seam test", nullptr));
+    EXPECT_EQ(CreateWindowExA(0, "seam test", nullptr, 0, 0, 0, 8, 8, nullptr, nullptr, nullptr, nullptr),
+              nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_CANNOT_FIND_WND_CLASS);
+    EXPECT_EQ(CreateWindowExA(0, "STATIC", nullptr, 0, 0, 0, 0, 8, nullptr, nullptr, nullptr, nullptr),
+              nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+}
+
+TEST_F(SeamDriverTest, eachMonitorOfAnXServerIsADisplayDevice) {
+    const Server server;
+    if (!server)
+        GTEST_SKIP() << "no X server";
+    Library::terminate();
+    // The screen in two halves, the right one primary.
+    const auto halve = [&](const char* name, int x, bool primary) {
+        XRRMonitorInfo monitor = {};
+        monitor.name = XInternAtom(server, name, False);
+        monitor.primary = primary;
+        monitor.x = x;
+        monitor.width = 640;
+        monitor.height = 1024;
+        monitor.mwidth = monitor.mheight = 300;
+        if (!primary)
+            monitor.noutput = 1;
+        RROutput output = 0;
+        XRRScreenResources* resources = XRRGetScreenResources(server, server.root());
+        output = resources->outputs[0];
+        monitor.outputs = &output;
+        XRRSetMonitor(server, server.root(), &monitor);
+        XRRFreeScreenResources(resources);
+    };
+    halve("left", 0, false);
+    halve("right", 640, true);
+    XSync(server, False);
+    Library::initialize(Library::InitOptions());
+    ASSERT_EQ(Context::numDisplayDevice(), 2u);
+    DISPLAY_DEVICEA left = {}, right = {};
+    Context::displayDevice(0, left);
+    Context::displayDevice(1, right);
+    if (std::string(left.DeviceName) == "right")
+        std::swap(left, right);
+    EXPECT_STREQ(left.DeviceName, "left");
+    EXPECT_STREQ(Context::primaryDisplayDevice().DeviceName, "right");
+    EXPECT_TRUE(Context::shareDevice(left, right)) << "one adapter";
+    {
+        const ContextOffscreen onLeft(left), onRight(right);
+        onLeft.makeCurrent();
+        const ExtensionManager* leftManager = ExtensionManager::Instance();
+        onRight.makeCurrent();
+        EXPECT_NE(ExtensionManager::Instance(), leftManager) << "a manager for each name";
+        releaseOGLContext();
+        const PlainWindow window(64, 48);
+        EXPECT_STREQ(Context::displayDeviceFromWindow(window.handle()).DeviceName, "left");
+        MoveWindow(window.handle(), 620, 10, 64, 48, FALSE);
+        EXPECT_STREQ(Context::displayDeviceFromWindow(window.handle()).DeviceName, "right") << "most of it";
+        MoveWindow(window.handle(), 5000, 10, 64, 48, FALSE);
+        EXPECT_STREQ(Context::displayDeviceFromWindow(window.handle()).DeviceName, "right") << "the nearest";
+    }
+    Library::terminate();
+    for (const char* name : {"left", "right"})
+        XRRDeleteMonitor(server, server.root(), XInternAtom(server, name, False));
+    XSync(server, False);
+}
+
+TEST_F(SeamDriverTest, aWindowOfAnotherClientIsDrawnToAndItsEndIsNoticed) {
+    const Server server;
+    if (!server)
+        GTEST_SKIP() << "no X server";
+    const auto open = [&] {
+        const ::Window window = XCreateSimpleWindow(server, server.root(), 0, 0, 64, 48, 0, 0, 0);
+        XMapWindow(server, window);
+        XSync(server, False);
+        return window;
+    };
+    const ::Window window = open();
+    {
+        ContextWindowed context(handle(window), BufferFormat(BufferFormat::RGBA8_D24S8),
+                                Context::eDoubleBuffered, Context::eNoMultisample, nullptr);
+        context.makeCurrent();
+        glClearColor(0, 1, 0, 1);
+        glClear(GL_COLOR_BUFFER_BIT);
+        context.swapBuffers();
+        glFinish();
+        // The server hears of it on another connection than this one.
+        unsigned long shown = 0;
+        for (int attempt = 0; attempt < 100 && shown != 0x00FF00; ++attempt) {
+            XImage* image = XGetImage(server, window, 63, 47, 1, 1, AllPlanes, ZPixmap);
+            ASSERT_NE(image, nullptr);
+            shown = XGetPixel(image, 0, 0) & 0xFFFFFF;
+            XDestroyImage(image);
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        EXPECT_EQ(shown, 0x00FF00u);
+        releaseOGLContext();
+    }
+    EXPECT_FALSE(DestroyWindow(handle(window))) << "somebody else's";
+    XDestroyWindow(server, window);
+    XSync(server, False);
+    EXPECT_EQ(GetDC(handle(window)), nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_WINDOW_HANDLE);
+    // A context whose window went first is refused what needs the window, and goes.
+    const ::Window second = open();
+    {
+        ContextWindowed context(handle(second), BufferFormat(BufferFormat::RGB8), Context::eDoubleBuffered,
+                                Context::eNoMultisample, nullptr);
+        context.makeCurrent();
+        XDestroyWindow(server, second);
+        XSync(server, False);
+        glClear(GL_COLOR_BUFFER_BIT);
+        context.swapBuffers();
+        releaseOGLContext();
+    }
+    const ContextOffscreen after;
+    after.makeCurrent();
+    EXPECT_EQ(glGetError(), unsigned(GL_NO_ERROR));
+    releaseOGLContext();
+}
+
+TEST(PlatformChoice, isForcedByTheEnvironmentAndAnythingElseHasNoDevice) {
+    const char* forced = std::getenv("ZLT_OGL_PLATFORM");
+    if (!forced)
+        GTEST_SKIP() << "nothing is forced";
+    if (std::string(forced) == "headless") {
+        ASSERT_GT(Context::numDisplayDevice(), 0u);
+        EXPECT_STREQ(Context::primaryDisplayDevice().DeviceName, "EGL0");
+        return;
+    }
+    // No driver at all: each step says so, and nothing is left.
+    EXPECT_EQ(Context::numDisplayDevice(), 0u);
+    ZLT::Core::Library::initialize();
+    try {
+        Library::initialize(Library::InitOptions());
+        ADD_FAILURE() << "started without a driver";
+    } catch (const ZLT::InternalException& failure) {
+        EXPECT_STREQ(failure.what(), "Unable to create window");
+    }
+    EXPECT_FALSE(Library::isInitialized());
+    try {
+        const ContextOffscreen context;
+        ADD_FAILURE() << "a context without a driver";
+    } catch (const ZLT::InternalException& failure) {
+        EXPECT_STREQ(failure.what(), "error != 0");
+    }
+    EXPECT_EQ(ZLT::Platform::liveHandles(), 0u);
+    ZLT::Core::Library::terminate();
+}
