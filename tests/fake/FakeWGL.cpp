@@ -126,10 +126,11 @@ struct FakeWindowSystem::State {
     std::set<std::string> classes;
     std::map<HWND, Window> windows;
     std::map<HGLRC, HWND> contexts;
-    std::uintptr_t lastHandle = 0x1000;
     static unsigned int count;
+    static std::uintptr_t lastHandle; // of all systems: a handle never comes back
 };
 unsigned int FakeWindowSystem::State::count = 0;
+std::uintptr_t FakeWindowSystem::State::lastHandle = 0x1000;
 
 namespace {
 

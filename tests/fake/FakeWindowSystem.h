@@ -34,9 +34,9 @@ struct FakeDevice {
     std::string name = "first";
     DWORD flags = DISPLAY_DEVICE_ATTACHED_TO_DESKTOP | DISPLAY_DEVICE_PRIMARY_DEVICE;
     LONG x = 0, y = 0;
-    FakeDriver driver;
-    std::string key;
-    std::string monitor; // its name there, when it is another one
+    FakeDriver driver{};
+    std::string key{};
+    std::string monitor{}; // its name there, when it is another one
 };
 
 /// One at a time. Threads may use the functions at once; what is public here is for one of them.

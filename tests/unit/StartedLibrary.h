@@ -5,13 +5,28 @@
 #include "LibraryOGL.h"
 #include "ogl/ContextOffscreen.h"
 #include "zlt/core/Core.h"
+#include "zlt/core/Exceptions.h"
 
-#include <optional>
+#include <string>
 
 /// @file
 /// The library, started on the modelled window system.
 
 namespace ZLT::OGL {
+
+/// The message of the exception that `body` throws, behind a '!' when it is more than a LogicalException; ""
+/// when it throws none.
+template <class Body>
+std::string failureOf(const Body& body) {
+    try {
+        body();
+    } catch (const InternalException& exception) {
+        return std::string("!") + exception.what();
+    } catch (const LogicalException& exception) {
+        return exception.what();
+    }
+    return "";
+}
 
 /// The core and the library, as long as it lives. No context may be left at the end, and no layer.
 struct StartedLibrary {
