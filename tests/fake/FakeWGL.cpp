@@ -157,8 +157,8 @@ const FakeDriver* currentDriver() {
     return device ? &device->driver : nullptr;
 }
 
-const unsigned char* text(const std::optional<std::string>& text) {
-    return text ? reinterpret_cast<const unsigned char*>(text->c_str()) : nullptr;
+const unsigned char* text(const std::string& text) {
+    return reinterpret_cast<const unsigned char*>(text.c_str());
 }
 
 // For the three functions of GL by which a driver tells of itself.
@@ -175,11 +175,10 @@ bool answerAsDriver(const char* function, std::initializer_list<FakeGL::Value> a
     if (!driver)
         return false;
     if (strings) {
-        const std::optional<std::string>* const known[] = {&driver->vendor, nullptr, &driver->version,
-                                                           &driver->extensions};
-        if (token < 0x1F00 || token > 0x1F03 || !known[token - 0x1F00])
-            return false;
-        result = text(*known[token - 0x1F00]);
+        const std::optional<std::string>& known = token == 0x1F00   ? driver->vendor
+                                                  : token == 0x1F02 ? driver->version
+                                                                    : driver->extensions;
+        result = known ? text(*known) : nullptr;
     } else if (indexed) {
         const unsigned int index = (arguments.begin() + 1)->as<unsigned int>();
         if (index >= driver->indexedExtensions.size())

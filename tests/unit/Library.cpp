@@ -1,0 +1,102 @@
+#include "StartedLibrary.h"
+#include "extensionator/OpenGLTracer.h"
+#include "extensionator/win/wglErrorChecker.h"
+#include "extensionator/win/wglInterceptor.h"
+
+#include <gtest/gtest.h>
+
+using namespace ZLT;
+using namespace ZLT::OGL;
+
+namespace {
+
+const auto start = [] { OGL::Library::initialize(OGL::Library::InitOptions()); };
+
+TEST(Library, StartsOnceStopsOnceAndLeavesNothing) {
+    FakeWindowSystem system;
+    system.devices.push_back({"second", DISPLAY_DEVICE_ATTACHED_TO_DESKTOP, 1000, 0});
+    const std::size_t allocated = Core::allocationCount();
+    EXPECT_EQ("!Core::Library::isInitialized()", failureOf(start));
+    EXPECT_EQ("!isInitialized_", failureOf(OGL::Library::terminate));
+    for (int times = 0; times < 2; ++times) {
+        Core::Library::initialize();
+        EXPECT_FALSE(OGL::Library::isInitialized());
+        start();
+        EXPECT_TRUE(OGL::Library::isInitialized());
+        EXPECT_EQ("!!isInitialized_", failureOf(start));
+        EXPECT_TRUE(OGL::Library::isInitialized());
+        OpenGLInterceptor::Instance();
+        wglInterceptor::Instance();
+        EXPECT_LT(allocated, Core::allocationCount());
+        Core::Library::terminate();
+        EXPECT_EQ("!ZLT::Core::Library::isInitialized()", failureOf(OGL::Library::terminate));
+        EXPECT_TRUE(OGL::Library::isInitialized());
+        Core::Library::initialize();
+        OGL::Library::terminate();
+        Core::Library::terminate();
+        EXPECT_EQ(allocated, Core::allocationCount());
+        EXPECT_EQ(0u, system.windows() + system.classes() + system.contexts());
+    }
+}
+
+TEST(Library, AStartThatFailsCanBeMadeAgain) {
+    // The steps until the first context stands, those of the second device, and the last of all.
+    for (const char* function :
+         {"EnumDisplaySettingsA", "RegisterClassExA", "CreateWindowExA", "ChoosePixelFormat",
+          "wglCreateContext", "wglDeleteContext", "UnregisterClassA"})
+        for (int nth = 1; nth < 12; ++nth) {
+            FakeWindowSystem system;
+            system.devices.push_back({"second", DISPLAY_DEVICE_ATTACHED_TO_DESKTOP, 1000, 0});
+            const std::size_t allocated = Core::allocationCount();
+            Core::Library::initialize();
+            system.fail(function, nth);
+            if (failureOf(start).empty()) {
+                OGL::Library::terminate();
+            } else {
+                EXPECT_FALSE(OGL::Library::isInitialized());
+                EXPECT_EQ(nullptr, wglGetCurrentContext());
+                system.failNothing();
+                start();
+                OGL::Library::terminate();
+            }
+            Core::Library::terminate();
+            // A context that can't be deleted keeps its window.
+            const bool windowStays = function == std::string("wglDeleteContext");
+            EXPECT_GE(allocated + (windowStays ? 1 : 0), Core::allocationCount()) << function << ' ' << nth;
+        }
+}
+
+TEST(Library, ALayerKeepsItFromStopping) {
+    FakeWindowSystem system;
+    const std::size_t allocated = Core::allocationCount();
+    Core::Library::initialize();
+    start();
+    OpenGLTracer tracer;
+    OpenGLInterceptor::Instance()->addInterceptor(&tracer);
+    EXPECT_EQ("!Enforce dynamic_cast<OpenGLErrorChecker *>(gInterceptor) != NULL",
+              failureOf(OGL::Library::terminate));
+    EXPECT_TRUE(OGL::Library::isInitialized());
+    tracer.popInterceptor();
+    OGL::Library::terminate();
+    Core::Library::terminate();
+    EXPECT_EQ(allocated, Core::allocationCount());
+}
+
+TEST(Library, OptionsAreKept) {
+    const auto expectDefaultsAndSetters = [](auto options) {
+        EXPECT_TRUE(options.throwOnNullContext() && options.flushOnMakeCurrentMacOnly());
+        options.setThrowOnNullContext(false);
+        EXPECT_FALSE(options.throwOnNullContext());
+        EXPECT_TRUE(options.flushOnMakeCurrentMacOnly());
+        options.setFlushOnMakeCurrentMacOnly(false);
+        options.setThrowOnNullContext(true);
+        auto copy = decltype(options)();
+        copy = options;
+        EXPECT_TRUE(copy.throwOnNullContext());
+        EXPECT_FALSE(copy.flushOnMakeCurrentMacOnly());
+    };
+    expectDefaultsAndSetters(OGL::Library::InitOptions());
+    expectDefaultsAndSetters(ExtensionManager::initOptions());
+}
+
+} // namespace
