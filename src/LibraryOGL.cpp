@@ -29,6 +29,8 @@ void Library::initialize(const InitOptions& options) {
         bootstrap.makeCurrent();
         const ExtensionManager* extMan = ExtensionManager::Create(device);
         ZLT_ASSERT(extMan);
+        // Asked once while a context of the manager is sure to be current; the answer is not kept.
+        extMan->numberOfTextureUnits();
     }
     Context::initializeWglCreateContextAttribsPtr();
     initOptions_ = options;

@@ -3,7 +3,7 @@
 #include "extensionator/win/wglErrorChecker.h"
 #include "extensionator/win/wglInterceptor.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 using namespace ZLT;
 using namespace ZLT::OGL;
@@ -37,6 +37,18 @@ TEST(Library, StartsOnceStopsOnceAndLeavesNothing) {
         EXPECT_EQ(allocated, Core::allocationCount());
         EXPECT_EQ(0u, system.windows() + system.classes() + system.contexts());
     }
+}
+
+TEST(Library, AsksEachDriverForItsTextureUnits) {
+    FakeWindowSystem system;
+    system.devices.push_back({"second", DISPLAY_DEVICE_ATTACHED_TO_DESKTOP, 1000, 0});
+    system.devices[0].driver.extensions = "GL_ARB_fragment_program";
+    const StartedLibrary library; // the second driver has GL 1.3
+    std::vector<FakeGL::Value> asked;
+    for (const FakeGL::Call& call : FakeGL::calls())
+        if (call.function == "glGetIntegerv")
+            asked.push_back(call.arguments[0]);
+    EXPECT_THAT(asked, testing::ElementsAre(FakeGL::Value(0x8872u), FakeGL::Value(0x84E2u)));
 }
 
 TEST(Library, AStartThatFailsCanBeMadeAgain) {
