@@ -30,15 +30,18 @@ std::istringstream streamOf(const Rows& rows) {
 const char* const entryPoints = "gl_entry_points.tsv";
 const char* const extensions = "extensions.tsv";
 const char* const tokens = "gl_tokens.tsv";
+const char* const wglFunctions = "wgl_extension_functions.tsv";
 
 // Reads all tables, with `rows` in the place of one of them; "" when all of it is right.
 std::string errorOf(const std::string& table, const Rows& rows) {
     const auto stream = [&](const char* name) { return streamOf(name == table ? rows : readRows(name)); };
     std::istringstream extensionRows = stream(extensions), entryRows = stream(entryPoints),
-                       tokenRows = stream(tokens);
+                       tokenRows = stream(tokens), wglRows = stream(wglFunctions);
     try {
-        readEntryPoints(entryRows, readExtensions(extensionRows));
+        const std::vector<Extension> known = readExtensions(extensionRows);
+        readEntryPoints(entryRows, known);
         readTokens(tokenRows);
+        readWglFunctions(wglRows, known);
     } catch (const TableError& error) {
         return error.what();
     }
@@ -75,6 +78,13 @@ const Damage damages[] = {
     {tokens, 3, 0, "0x", "'0x' is not a 32-bit number"},
     {tokens, 3, 0, "0x0", "value 0x0 does not follow the row before it"},
     {tokens, 3, 1, "GL_POINTS", "the name 'GL_POINTS' stands twice"},
+    {wglFunctions, 3, 0, "2", "index 2 instead of 1"},
+    {wglFunctions, 3, 1, "332", "'WGL_ARB_buffer_region' is not the WGL extension of value 332"},
+    {wglFunctions, 3, 1, "368", "'WGL_ARB_buffer_region' is not the WGL extension of value 368"},
+    {wglFunctions, 3, 2, "GL_ARB_multitexture",
+     "'GL_ARB_multitexture' is not the WGL extension of value 331"},
+    {wglFunctions, 3, 3, "createBufferRegionARB", "'createBufferRegionARB' does not begin with wgl"},
+    {wglFunctions, 4, 3, "wglCreateBufferRegionARB", "the name 'wglCreateBufferRegionARB' stands twice"},
 };
 
 std::string place(const std::string& table, std::size_t row) {
@@ -101,6 +111,17 @@ TEST(Table, StopsWhereAGroupIsCutShortOrRunsOver) {
     rows.resize(1833);
     EXPECT_EQ(place(entryPoints, 1834) + "the table ends at entry 1 of 'GL_SUNX_constant_data'",
               errorOf(entryPoints, rows));
+
+    rows = readRows(wglFunctions);
+    std::swap(rows[1], rows[2]);
+    rows[1][0] = '0';
+    rows[2][0] = '1';
+    EXPECT_EQ(place(wglFunctions, 3) + "'WGL_3DL_stereo_control' stands too late",
+              errorOf(wglFunctions, rows));
+    rows = readRows(wglFunctions);
+    rows.pop_back();
+    EXPECT_EQ(place(wglFunctions, 96) + "'WGL_OML_sync_control' has 5 functions instead of 6",
+              errorOf(wglFunctions, rows));
 }
 
 } // namespace
