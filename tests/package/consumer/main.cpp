@@ -1,8 +1,15 @@
-// A client as a stranger writes it: a layer in front, a call, and the trace it left.
+// A client as a stranger writes it: a context, a layer in front, calls, and the trace they left.
 
+#include <LibraryOGL.h>
 #include <extensionator/OpenGLInterceptor.h>
 #include <extensionator/OpenGLTracer.h>
+#include <extensionator/TextureState.h>
 #include <extensionator/TokenName.h>
+#include <extensionator/win/WglFunctions.h>
+#include <ogl/BufferFormat.h>
+#include <ogl/ContextOffscreen.h>
+#include <ogl/ContextWindowed.h>
+#include <ogl/ContextWrapped.h>
 #include <zlt/core/Core.h>
 #include <zlt/core/Exceptions.h>
 
@@ -17,20 +24,31 @@
 
 int main() {
     using namespace ZLT::OGL;
-    ZLT::Core::Library::initialize();
     std::ostringstream trace;
-    OpenGLTracer tracer(trace);
-    OpenGLInterceptor::Instance()->addInterceptor(&tracer);
     try {
-        CGM(BindTexture, GL_TEXTURE_2D, 5);
+        ZLT::Core::Library::initialize();
+        Library::initialize(Library::InitOptions());
+        {
+            const ContextOffscreen context;
+            context.makeCurrent();
+            OpenGLTracer tracer(trace);
+            OpenGLInterceptor::Instance()->addInterceptor(&tracer);
+            CGM(BindTexture, GL_TEXTURE_2D, 5);
+            CGM(ActiveTexture, 0x84C1);
+            OpenGLInterceptor::Instance()->popInterceptor();
+            std::cout << "unit " << TextureState::activeTextureUnit() << " of "
+                      << ExtensionManager::Instance()->numberOfTextureUnits() << " on "
+                      << context.deviceName() << '\n';
+        }
+        Library::terminate();
+        ZLT::Core::Library::terminate(&std::cout);
     } catch (const ZLT::LogicalException& error) {
-        // Without a context some drivers report an error; the trace has the call all the same.
         error.write(std::cout);
         std::cout << '\n';
+        return 1;
     }
-    OpenGLInterceptor::Instance()->popInterceptor();
-    OpenGLInterceptor::destroy();
-    ZLT::Core::Library::terminate(&std::cout);
     std::cout << trace.str();
-    return trace.str().find(": glBindTexture(GL_TEXTURE_2D, 5)\n") != std::string::npos ? 0 : 1;
+    const bool bound = trace.str().find(": glBindTexture(GL_TEXTURE_2D, 5)\n") != std::string::npos;
+    const bool activated = trace.str().find(": glActiveTexture(GL_TEXTURE1)\n") != std::string::npos;
+    return bound && activated ? 0 : 1;
 }
