@@ -110,7 +110,11 @@ public:
         glutInitWindowSize(width, height);
         window_ = glutCreateWindow("adopted");
     }
-    ~Glut() override { glutExit(); }
+    ~Glut() override {
+        // GLUT closes its display with the context still current on it.
+        releaseOGLContext();
+        glutExit();
+    }
     ::Window xid() const override { return glXGetCurrentDrawable(); }
     void swap() override { glutSwapBuffers(); }
 

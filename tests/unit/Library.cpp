@@ -53,9 +53,8 @@ TEST(Library, AsksEachDriverForItsTextureUnits) {
 
 TEST(Library, AStartThatFailsCanBeMadeAgain) {
     // The steps until the first context stands, those of the second device, and the last of all.
-    for (const char* function :
-         {"EnumDisplaySettingsA", "RegisterClassExA", "CreateWindowExA", "ChoosePixelFormat",
-          "wglCreateContext", "wglDeleteContext", "UnregisterClassA"})
+    for (const char* function : {"EnumDisplaySettingsA", "RegisterClassExA", "CreateWindowExA",
+                                 "ChoosePixelFormat", "wglCreateContext", "wglDeleteContext"})
         for (int nth = 1; nth < 12; ++nth) {
             FakeWindowSystem system;
             system.devices.push_back({"second", DISPLAY_DEVICE_ATTACHED_TO_DESKTOP, 1000, 0});
