@@ -35,7 +35,7 @@ void emitExtensionHeaders(const std::vector<Extension>& extensions, const std::f
             "/// The GL versions and the GL and WGL extensions that the library knows. The values are part "
             "of the\n"
             "/// interface; those between the last extension and EXTENSION_NOT_FOUND are not used.\n"
-            "enum teExtension {\n";
+            "enum teExtension : int {\n";
     for (const Extension& extension : extensions)
         text += "    " + extension.enumerator() + " = " + std::to_string(extension.value) + ",\n";
     text += "    /// The answer for a name that isn't known.\n"

@@ -9,7 +9,7 @@ class ZLT_OGL_API BufferFormat {
 public:
     /// Formats by name: the bits of each colour channel, F for floating point, then depth and stencil. The
     /// three at the end are the same as the ones without ALT.
-    enum tePredefined {
+    enum tePredefined : int {
         R16F = 0,
         R16F_D24 = 1,
         R16F_D24S8 = 2,

@@ -23,7 +23,7 @@ class Library;
 class ZLT_OGL_API Context {
 public:
     /// Test for equality with eDoubleBuffered: every other value is single buffered.
-    enum teBuffering {
+    enum teBuffering : int {
         eSingleBuffered = 0,
         eDoubleBuffered = 1,
     };
@@ -32,7 +32,7 @@ public:
         eNoMultisample = 1,
     };
     /// What the pixel format is to draw to.
-    enum teWindowed {
+    enum teWindowed : int {
         eOffscreenTarget = 0,
         eWindowedTarget = 1,
     };
