@@ -322,8 +322,10 @@ void APIENTRY countingActiveTexture(GLenum) {
 }
 
 TEST(Managers, ThreadsOnTwoDevicesReachTheirOwnDrivers) {
-    const PROC functions[] = {reinterpret_cast<PROC>(countingActiveTexture<0>),
-                              reinterpret_cast<PROC>(countingActiveTexture<1>)};
+    const auto proc = [](auto function) {
+        return reinterpret_cast<PROC>(reinterpret_cast<void (*)()>(function));
+    };
+    const PROC functions[] = {proc(countingActiveTexture<0>), proc(countingActiveTexture<1>)};
     OnDriver world(driverOf("1.3"));
     world.system.devices.push_back({"second", DISPLAY_DEVICE_ATTACHED_TO_DESKTOP, 1000, 0});
     for (int i = 0; i < 2; ++i) {
