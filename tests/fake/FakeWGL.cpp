@@ -15,7 +15,6 @@
 #include <mutex>
 #include <set>
 #include <sstream>
-#include <stdexcept>
 #include <utility>
 
 namespace {
@@ -44,8 +43,6 @@ std::string list(const int* values) {
     return text + (values[0] == 0 ? "" : " 0");
 }
 
-void copyText(char* to, std::size_t size, const std::string& text) { to[text.copy(to, size - 1)] = 0; }
-
 } // namespace
 
 struct FakeWindowSystem::State {
@@ -64,8 +61,6 @@ struct FakeWindowSystem::State {
 
     // Notes the call; false when it is to fail.
     bool enter(const std::string& function, std::initializer_list<std::string> arguments) {
-        if (!noting)
-            return true;
         std::string line = function + '(';
         for (const std::string& argument : arguments)
             line += (&argument == arguments.begin() ? "" : ", ") + argument;
@@ -97,8 +92,10 @@ struct FakeWindowSystem::State {
     std::string name(HGLRC context) { return alias('c', static_cast<const void*>(context)); }
 
     bool isLive(HDC device) const { return device && windows.contains(windowOf(device)); }
+    int& formatOf(HDC device) { return windows[windowOf(device)].format; }
 
-    FakeDevice* deviceAt(HWND window, bool orNearest) {
+    // The one that shows the window, or the nearest.
+    FakeDevice* deviceAt(HWND window) {
         FakeDevice* nearest = nullptr;
         long distance = 0;
         const auto beyond = [](long position, long origin) {
@@ -106,9 +103,7 @@ struct FakeWindowSystem::State {
         };
         for (FakeDevice& device : system.devices) {
             const long away = beyond(windows[window].x, device.x) + beyond(windows[window].y, device.y);
-            if (!(device.flags & DISPLAY_DEVICE_ATTACHED_TO_DESKTOP) || (away > 0 && !orNearest))
-                continue;
-            if (!nearest || away < distance) {
+            if (device.flags & DISPLAY_DEVICE_ATTACHED_TO_DESKTOP && (!nearest || away < distance)) {
                 nearest = &device;
                 distance = away;
             }
@@ -119,7 +114,6 @@ struct FakeWindowSystem::State {
     FakeWindowSystem& system;
     const unsigned int serial = ++count;
     std::recursive_mutex mutex;
-    bool noting = true;
     std::vector<std::string> calls;
     std::vector<Failure> failures;
     std::map<char, std::map<std::string, std::string>> aliases;
@@ -151,10 +145,7 @@ Current& current() {
 // Of the current context, or null.
 const FakeDriver* currentDriver() {
     const auto found = on->contexts.find(current().context);
-    if (found == on->contexts.end())
-        return nullptr;
-    const FakeDevice* device = on->deviceAt(found->second, true);
-    return device ? &device->driver : nullptr;
+    return found == on->contexts.end() ? nullptr : &on->deviceAt(found->second)->driver;
 }
 
 const unsigned char* text(const std::string& text) {
@@ -214,11 +205,9 @@ BOOL WINAPI choosePixelFormatARB(HDC device, const int* attributes, const FLOAT*
 HGLRC WINAPI createContextAttribsARB(HDC device, HGLRC share, const int* attributes) {
     const Lock lock(on->mutex);
     if (!on->enter("wglCreateContextAttribsARB", {on->name(device), on->name(share), list(attributes)}) ||
-        !on->isLive(device) || on->windows[windowOf(device)].format == 0)
+        !on->isLive(device) || on->formatOf(device) == 0)
         return nullptr;
-    const HGLRC made = handle<HGLRC>(++on->lastHandle);
-    on->contexts[made] = windowOf(device);
-    return made;
+    return on->system.makeContext(windowOf(device));
 }
 
 BOOL WINAPI swapIntervalEXT(int interval) {
@@ -232,10 +221,10 @@ PROC procOf(Function function) {
     return reinterpret_cast<PROC>(reinterpret_cast<void (*)()>(function));
 }
 const struct {
-    const char *name, *extension; // null: there with any
+    const char *name, *extension;
     PROC function;
 } extensionFunctions[] = {
-    {"wglGetExtensionsStringARB", "", procOf(getExtensionsStringARB)},
+    {"wglGetExtensionsStringARB", " ", procOf(getExtensionsStringARB)},
     {"wglChoosePixelFormatARB", "WGL_ARB_pixel_format", procOf(choosePixelFormatARB)},
     {"wglCreateContextAttribsARB", "WGL_ARB_create_context", procOf(createContextAttribsARB)},
     {"wglSwapIntervalEXT", "WGL_EXT_swap_control", procOf(swapIntervalEXT)},
@@ -245,19 +234,17 @@ PROC functionOf(const FakeDriver& driver, const std::string& name) {
     if (const auto own = driver.functions.find(name); own != driver.functions.end())
         return own->second;
     for (const auto& known : extensionFunctions)
-        if (name == known.name) {
-            const bool named =
-                driver.wglExtensions && driver.wglExtensions->find(known.extension) != std::string::npos;
-            return named ? known.function : nullptr;
-        }
+        if (name == known.name)
+            return driver.wglExtensions &&
+                           (*driver.wglExtensions + ' ').find(known.extension) < std::string::npos
+                       ? known.function
+                       : nullptr;
     return reinterpret_cast<PROC>(FakeGL::addressOf(name.c_str()));
 }
 
 } // namespace
 
-FakeWindowSystem::FakeWindowSystem() : devices(1), format(), state_(new State(*this)) {
-    if (on)
-        throw std::logic_error("a second window system");
+FakeWindowSystem::FakeWindowSystem() : devices(1), state_(new State(*this)) {
     on = state_.get();
     FakeGL::reset();
     FakeGL::setDriver(answerAsDriver);
@@ -293,8 +280,6 @@ HGLRC FakeWindowSystem::makeContext(HWND window) {
     state_->contexts[context] = window;
     return context;
 }
-
-void FakeWindowSystem::loseWindow(HWND window) { state_->windows.erase(window); }
 
 std::size_t FakeWindowSystem::windows() const { return state_->windows.size(); }
 std::size_t FakeWindowSystem::classes() const { return state_->classes.size(); }
@@ -358,7 +343,7 @@ HGLRC WINAPI wglCreateContext(HDC device) {
     MODEL(HGLRC, wglCreateContext, (device));
     if (!on->enter("wglCreateContext", {on->name(device)}))
         return nullptr;
-    if (!on->isLive(device) || on->windows[windowOf(device)].format == 0)
+    if (!on->isLive(device) || on->formatOf(device) == 0)
         return on->refuse<HGLRC>(ERROR_INVALID_PIXEL_FORMAT);
     return on->system.makeContext(windowOf(device));
 }
@@ -424,8 +409,7 @@ BOOL WINAPI EnumDisplayDevicesA(LPCSTR, DWORD index, DISPLAY_DEVICEA* record, DW
     *record = {};
     record->cb = sizeof(*record);
     record->StateFlags = device.flags;
-    copyText(record->DeviceName, sizeof(record->DeviceName), device.name);
-    copyText(record->DeviceKey, sizeof(record->DeviceKey), device.key);
+    std::strcpy(record->DeviceName, device.name.c_str());
     return TRUE;
 }
 
@@ -444,12 +428,8 @@ BOOL WINAPI EnumDisplaySettingsA(LPCSTR name, DWORD mode, DEVMODEA* settings) {
 
 HMONITOR WINAPI MonitorFromWindow(HWND window, DWORD otherwise) {
     const Lock lock(on->mutex);
-    if (!on->enter("MonitorFromWindow", {on->name(window), hex(otherwise)}))
-        return nullptr;
-    if (FakeDevice* device = on->deviceAt(window, otherwise == MONITOR_DEFAULTTONEAREST))
-        return reinterpret_cast<HMONITOR>(device);
-    return otherwise == MONITOR_DEFAULTTOPRIMARY ? reinterpret_cast<HMONITOR>(on->system.devices.data())
-                                                 : nullptr;
+    const bool good = on->enter("MonitorFromWindow", {on->name(window), hex(otherwise)});
+    return good ? reinterpret_cast<HMONITOR>(on->deviceAt(window)) : nullptr;
 }
 
 BOOL WINAPI GetMonitorInfoA(HMONITOR monitor, MONITORINFO* information) {
@@ -457,9 +437,8 @@ BOOL WINAPI GetMonitorInfoA(HMONITOR monitor, MONITORINFO* information) {
     if (!on->enter("GetMonitorInfoA", {}) || !monitor || information->cbSize != sizeof(MONITORINFOEXA))
         return FALSE;
     const auto& device = *reinterpret_cast<const FakeDevice*>(monitor);
-    auto* const record = static_cast<MONITORINFOEXA*>(information);
-    copyText(record->szDevice, sizeof(record->szDevice),
-             device.monitor.empty() ? device.name : device.monitor);
+    std::strcpy(static_cast<MONITORINFOEXA*>(information)->szDevice,
+                (device.monitor.empty() ? device.name : device.monitor).c_str());
     return TRUE;
 }
 
@@ -488,10 +467,7 @@ BOOL WINAPI UnregisterClassA(LPCSTR name, HINSTANCE) {
     return on->classes.erase(name) > 0;
 }
 
-LRESULT WINAPI DefWindowProcW(HWND, UINT, WPARAM, LPARAM) {
-    const Lock lock(on->mutex);
-    return 0;
-}
+LRESULT WINAPI DefWindowProcW(HWND, UINT, WPARAM, LPARAM) { return 0; }
 
 // The frame is that of a window with a caption.
 BOOL WINAPI AdjustWindowRectEx(RECT* frame, DWORD style, BOOL menu, DWORD exStyle) {
@@ -551,20 +527,25 @@ int WINAPI DescribePixelFormat(HDC device, int format, UINT size, PIXELFORMATDES
     const Lock lock(on->mutex);
     if (!on->enter("DescribePixelFormat", {on->name(device), hex(format, size)}))
         return 0;
-    *description = on->system.format;
+    description->cRedBits = 255;
+    description->cGreenBits = 2;
+    description->cBlueBits = 3;
+    description->cAlphaBits = 4;
+    description->cStencilBits = 5;
+    description->cDepthBits = 6;
     return 1;
 }
 
 int WINAPI GetPixelFormat(HDC device) {
     const Lock lock(on->mutex);
-    return on->enter("GetPixelFormat", {on->name(device)}) ? on->windows[windowOf(device)].format : 0;
+    return on->enter("GetPixelFormat", {on->name(device)}) ? on->formatOf(device) : 0;
 }
 
 BOOL WINAPI SetPixelFormat(HDC device, int format, const PIXELFORMATDESCRIPTOR* description) {
     const Lock lock(on->mutex);
     if (!on->enter("SetPixelFormat", {on->name(device), hex(format, description->nSize)}))
         return FALSE;
-    int& known = on->windows[windowOf(device)].format;
+    int& known = on->formatOf(device);
     if (known != 0 && known != format)
         return on->refuse<BOOL>(ERROR_INVALID_PIXEL_FORMAT);
     known = format;

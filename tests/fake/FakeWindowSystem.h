@@ -35,7 +35,6 @@ struct FakeDevice {
     DWORD flags = DISPLAY_DEVICE_ATTACHED_TO_DESKTOP | DISPLAY_DEVICE_PRIMARY_DEVICE;
     LONG x = 0, y = 0;
     FakeDriver driver{};
-    std::string key{};
     std::string monitor{}; // its name there, when it is another one
 };
 
@@ -49,9 +48,6 @@ public:
     FakeWindowSystem& operator=(const FakeWindowSystem&) = delete;
 
     std::vector<FakeDevice> devices;
-    /// What the pixel format of any device context is.
-    PIXELFORMATDESCRIPTOR format;
-
     /// The calls since the last time, with their arguments: "wglMakeCurrent(d1, c1)". Windows, device
     /// contexts, contexts and classes are w, d, c and k with a number, in the order in which they are seen;
     /// numbers behind that are decimal for positions and sizes, and else hexadecimal. The calls that only ask
@@ -68,8 +64,6 @@ public:
     /// A window of the client's, and a context of the client's on its window. The calls are not noted.
     HWND makeWindow(int x = 10, int y = 10);
     HGLRC makeContext(HWND window);
-    /// A window of the client's that is gone. Its contexts stay.
-    void loseWindow(HWND window);
 
     /// How many windows, window classes and contexts there are.
     std::size_t windows() const, classes() const, contexts() const;

@@ -15,7 +15,6 @@
 
 using namespace ZLT::OGL;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 
@@ -61,30 +60,42 @@ Steps formatSet(const std::string& d, const std::string& wanted) {
     return {{"ChoosePixelFormat(" + d + ", 28 1 " + wanted + ")", noFormat},
             {"SetPixelFormat(" + d + ", 7 28)", notSet}};
 }
+Steps hiddenOn(const std::string& display, const std::string& place) {
+    return Steps{{"EnumDisplaySettingsA(" + display + ", ffffffff)", "!error != 0"}} +
+           windowMade("k1", place, "!") + Steps{{"GetDC(w1)", noDevice}} + formatSet("d1", "24 18 0 0 0");
+}
 Step attribsTried(const std::string& d) {
     return {"wglCreateContextAttribsARB(" + d + ", 0, 2091 3 2092 0 0)", goesOn};
 }
 Steps madeCurrent(const std::string& pair, const std::string& before = "0, 0") {
     return {{"wglMakeCurrent(" + pair + ")", notCurrent}, {"wglMakeCurrent(" + before + ")", losesCurrent}};
 }
-Steps onMonitor(const std::string& w) {
-    return {{"MonitorFromWindow(" + w + ", 2)", goesOn},
+Steps onMonitor() {
+    return {{"MonitorFromWindow(w1, 2)", goesOn},
             {"GetMonitorInfoA()", "!Context::can't get monitor info77"},
             {"EnumDisplayDevicesA(0)", "!error != 0", "c"}, // once the context is there
-            {"GetDC(" + w + ")", noDevice}};
+            {"GetDC(w1)", noDevice}};
 }
 const std::string rgba16f =
     "2010 1 2003 2027 2013 202b 2014 40 2015 10 2017 10 2019 10 201b 10 2022 18 2023 8 2011 1 "
     "2001 1 21a0 1 2041 1 2042 4 0";
-Steps extended(const std::string& d) {
-    return {
-        {"wglGetProcAddress(wglChoosePixelFormatARB)", "wglChoosePixelFormatARB extension not supported"},
-        {"wglChoosePixelFormatARB(" + d + ", " + rgba16f + ", 0 0, 1)", "Can't find suitable pixel format."}};
-}
+const Steps extended = {
+    {"wglGetProcAddress(wglChoosePixelFormatARB)", "wglChoosePixelFormatARB extension not supported"},
+    {"wglChoosePixelFormatARB(d1, " + rgba16f + ", 0 0, 1)", "Can't find suitable pixel format."}};
 
-const Step oneDeleted = {
-    "wglDeleteContext(c1)",
-    "!ContextOffscreen::~ContextWindowed failed to delete rendering context: fatal exception", "c"};
+// The context goes; the hidden window that it may have stays behind a failure.
+Step deleted(const std::string& window) {
+    return {"wglDeleteContext(c1)",
+            "!ContextOffscreen::~ContextWindowed failed to delete rendering context: fatal exception",
+            window + 'c'};
+}
+Steps goneUnderAnother(const std::string& window) {
+    return {{"wglMakeCurrent(0, 0)",
+             "!ContextWindowed::~ContextWindowed failed to release context: fatal exception!", window + 'c'},
+            deleted(window),
+            {"wglMakeCurrent(d1, c2)", "!!\"ContextOffscreen::~ContextOffscreen failed to restore context\"",
+             window}};
+}
 Step lists(const std::string& pair) {
     return {"wglShareLists(" + pair + ")", "Context::createRenderingContext cannot share lists.", "c"};
 }
@@ -92,15 +103,17 @@ Step lists(const std::string& pair) {
 // A new window system with two displays, and the library on it. A context of the client's may be current, and
 // wrapped.
 struct World {
-    explicit World(bool started = true, bool current = false, bool wraps = false) {
-        system.devices.push_back({"second", DISPLAY_DEVICE_ATTACHED_TO_DESKTOP, -1600, 40020, {}, "", ""});
-        if (started)
+    // "library", "current" and "wrapped", as the context is.
+    explicit World(const std::string& with = "library") {
+        const auto has = [&](const char* word) { return with.find(word) != std::string::npos; };
+        system.devices.push_back({"second", DISPLAY_DEVICE_ATTACHED_TO_DESKTOP, -1600, 40020});
+        if (has("library"))
             library.emplace();
         const HWND other = system.makeWindow();
         const HGLRC foreign = system.makeContext(other);
-        if (current)
+        if (has("current"))
             wglMakeCurrent(GetDC(other), foreign);
-        if (wraps)
+        if (has("wrapped"))
             wrapped.emplace(GetDC(other), foreign, nullptr);
         for (std::size_t i = 0; i < std::size(displays); ++i)
             Context::displayDevice(i, displays[i]);
@@ -120,81 +133,61 @@ struct World {
 };
 
 struct Kind {
-    bool started, current, wraps; // of the world
+    const char* world;
     std::function<Context*(World& world)> make;
     Steps making, going;
 };
 
 const Kind kinds[] = {
     // Plain formats need no context beforehand.
-    {true,
-     false,
-     true,
+    {"library wrapped",
      [](World& world) {
          return new ContextWindowed(world.window, Format(Format::RGBA8_D24S8), twoSided,
                                     Context::eNoMultisample, &*world.wrapped);
      },
-     onMonitor("w1") + formatSet("d1", "25 20 8 18 8") + Steps{attribsTried("d1"), lists("c1, c2")} +
+     onMonitor() + formatSet("d1", "25 20 8 18 8") + Steps{attribsTried("d1"), lists("c1, c2")} +
          madeCurrent("d1, c2"),
-     {oneDeleted}},
+     {deleted("")}},
     // Others need one, which is made for the purpose,
-    {true,
-     false,
-     false,
+    {"library",
      [](World& world) {
          return new ContextWindowed(world.window, Format(Format::RGBA16F_D24S8), twoSided,
                                     Context::teMultisample(4), nullptr);
      },
-     onMonitor("w1") + windowMade("k1", "0 0 14 32", "") +
+     onMonitor() + windowMade("k1", "0 0 14 32", "") +
          Steps{{"GetDC(w2)", "Context:choosePixelFormat invalid device context"}} +
          formatSet("d1", "24 18 0 0 0") +
          Steps{attribsTried("d1"),
                {"wglMakeCurrent(d1, c1)", "wglChoosePixelFormatARB extension not supported"}} +
-         extended("d1") + Steps{{"wglMakeCurrent(0, 0)", goesOn}, {"wglDeleteContext(c1)", goesOn, "c"}} +
+         extended + Steps{{"wglMakeCurrent(0, 0)", goesOn}, {"wglDeleteContext(c1)", goesOn, "c"}} +
          windowGone("k1", "w2", "d1", "") + Steps{{"SetPixelFormat(d2, 9 28)", notSet}, attribsTried("d2")} +
          madeCurrent("d2, c2"),
-     {oneDeleted}},
+     {deleted("")}},
     // or is there.
-    {true,
-     true,
-     false,
+    {"library current",
      [](World& world) {
          return new ContextWindowed(world.window, Format(Format::RGBA16F_D24S8), twoSided,
                                     Context::teMultisample(4), nullptr);
      },
-     onMonitor("w1") + extended("d1") + Steps{{"SetPixelFormat(d2, 9 28)", notSet}, attribsTried("d2")} +
+     onMonitor() + extended + Steps{{"SetPixelFormat(d2, 9 28)", notSet}, attribsTried("d2")} +
          madeCurrent("d2, c1", "d1, c2"),
-     {{"wglMakeCurrent(0, 0)",
-       "!ContextWindowed::~ContextWindowed failed to release context: fatal exception!", "c"},
-      oneDeleted,
-      {"wglMakeCurrent(d1, c2)", "!!\"ContextOffscreen::~ContextOffscreen failed to restore context\""}}},
+     goneUnderAnother("")},
     // The hidden window stands at the origin of the display, in 16 bits.
-    {true, false, false, [](World& world) { return new ContextOffscreen(world.displays[1]); },
-     Steps{{"EnumDisplaySettingsA(second, ffffffff)", "!error != 0"}} +
-         windowMade("k1", "-1600 -25516 14 32", "!") + Steps{{"GetDC(w1)", noDevice}} +
-         formatSet("d1", "24 18 0 0 0") + Steps{attribsTried("d1")} + madeCurrent("d1, c1"),
-     Steps{{oneDeleted.call, oneDeleted.outcome, "wkc"}} + windowGone("k1", "w1", "d1", "!")},
-    {true, true, true, [](World& world) { return new ContextOffscreen(&*world.wrapped); },
-     Steps{{"EnumDisplaySettingsA(first, ffffffff)", "!error != 0"}} + windowMade("k1", "0 0 14 32", "!") +
-         Steps{{"GetDC(w1)", noDevice}} + formatSet("d1", "24 18 0 0 0") +
-         Steps{attribsTried("d1"), lists("c1, c2")} + madeCurrent("d1, c2", "d2, c1"),
-     Steps{{"wglMakeCurrent(0, 0)",
-            "!ContextWindowed::~ContextWindowed failed to release context: fatal exception!", "wkc"},
-           {oneDeleted.call, oneDeleted.outcome, "wkc"},
-           {"wglMakeCurrent(d1, c2)", "!!\"ContextOffscreen::~ContextOffscreen failed to restore context\"",
-            "wk"}} +
-         windowGone("k1", "w1", "d2", "!")},
+    {"library", [](World& world) { return new ContextOffscreen(world.displays[1]); },
+     hiddenOn("second", "-1600 -25516 14 32") + Steps{attribsTried("d1")} + madeCurrent("d1, c1"),
+     Steps{deleted("wk")} + windowGone("k1", "w1", "d1", "!")},
+    {"library current wrapped", [](World& world) { return new ContextOffscreen(&*world.wrapped); },
+     hiddenOn("first", "0 0 14 32") + Steps{attribsTried("d1"), lists("c1, c2")} +
+         madeCurrent("d1, c2", "d2, c1"),
+     goneUnderAnother("wk") + windowGone("k1", "w1", "d2", "!")},
     // Wrapped ones make nothing.
-    {true,
-     true,
-     false,
+    {"library current",
      [](World&) { return new ContextWrapped; },
      {{"EnumDisplayDevicesA(0)", goesOn}, {"EnumDisplayDevicesA(0)", "!error != 0"}},
      {}},
     // Before the library is started, each context looks for wglCreateContextAttribsARB by itself.
-    {false, true, false, [](World& world) { return new internal::ContextBootstrap(world.displays[0]); },
-     Steps{{"EnumDisplaySettingsA(first, ffffffff)", "!error != 0"}} + windowMade("k1", "0 0 14 32", "!") +
-         Steps{{"GetDC(w1)", noDevice}} + formatSet("d1", "24 18 0 0 0") + windowMade("k2", "0 0 14 32", "") +
+    {"current", [](World& world) { return new internal::ContextBootstrap(world.displays[0]); },
+     hiddenOn("first", "0 0 14 32") + windowMade("k2", "0 0 14 32", "") +
          Steps{{"GetDC(w2)", "Context::haveWglCreateContextAttribs invalid device context"}} +
          formatSet("d2", "25 18 0 0 0") +
          Steps{
@@ -207,12 +200,7 @@ const Kind kinds[] = {
              {"wglDeleteContext(c1)", goesOn, "c"},
              {"wglMakeCurrent(d3, c2)", goesOn}} +
          windowGone("k2", "w2", "d2", "") + Steps{attribsTried("d1")} + madeCurrent("d1, c3", "d3, c2"),
-     Steps{{"wglMakeCurrent(0, 0)",
-            "!ContextWindowed::~ContextWindowed failed to release context: fatal exception!", "wkc"},
-           {oneDeleted.call, oneDeleted.outcome, "wkc"},
-           {"wglMakeCurrent(d1, c2)", "!!\"ContextOffscreen::~ContextOffscreen failed to restore context\"",
-            "wk"}} +
-         windowGone("k1", "w1", "d2", "!")},
+     goneUnderAnother("wk") + windowGone("k1", "w1", "d2", "!")},
 };
 
 std::vector<std::string> callsOf(const Steps& steps) {
@@ -225,7 +213,7 @@ std::vector<std::string> callsOf(const Steps& steps) {
 TEST(Contexts, EachKindAsksThePlatformForTheseStepsAndLeavesNothingCurrentThatWasNot) {
     for (const Kind& kind : kinds) {
         SCOPED_TRACE(kind.making[0].call);
-        World world(kind.started, kind.current, kind.wraps);
+        World world(kind.world);
         const HGLRC current = wglGetCurrentContext();
         const Context* made = kind.make(world);
         EXPECT_EQ(callsOf(kind.making), world.system.takeCalls());
@@ -242,7 +230,7 @@ TEST(Contexts, AStepThatFailsIsReportedAndUndone) {
         for (std::size_t i = 0; i < kind.making.size(); ++i) {
             const Step& step = kind.making[i];
             SCOPED_TRACE(kind.making[0].call + ": " + step.call);
-            World world(kind.started, kind.current, kind.wraps);
+            World world(kind.world);
             const std::size_t allocated = ZLT::Core::allocationCount();
             const HGLRC current = wglGetCurrentContext();
             const Context* made = nullptr;
@@ -263,7 +251,7 @@ TEST(Contexts, AStepOfTheDestructionThatFailsIsReportedAndTheRestLeftOut) {
         for (std::size_t i = 0; i < kind.going.size(); ++i) {
             const Step& step = kind.going[i];
             SCOPED_TRACE(kind.making[0].call + ": " + step.call);
-            World world(kind.started, kind.current, kind.wraps);
+            World world(kind.world);
             const Context* made = kind.make(world);
             world.system.failCall(static_cast<int>(i) + 1);
             EXPECT_EQ(step.outcome, failureOf([&] { delete made; }));
@@ -301,7 +289,6 @@ TEST(Contexts, AFailureWhileCleaningUpReplacesTheFirst) {
 struct Bare : Context {
     using Context::choosePixelFormat;
     using Context::createRenderingContext;
-    using Context::displayOrigin;
     using Context::initialize;
     using Context::initializeExtensions;
     using Context::setPixelFormat;
@@ -312,7 +299,7 @@ struct Bare : Context {
 };
 
 TEST(Contexts, TheExtendedListHasTheseValuesInThisOrder) {
-    World world(true, true);
+    World world("library current");
     const HDC device = GetDC(world.window);
     world.system.takeCalls();
     const Format rgb8(Format::RGB8), odd(9, 10, 11, 12, 13, 14, false), real(Format::R32F);
@@ -362,26 +349,19 @@ TEST(Contexts, TheExtendedListHasTheseValuesInThisOrder) {
 }
 
 TEST(Contexts, EightBitsOfEachChannelAreTheLastThatNeedNoExtension) {
-    for (int channel = 0; channel < 5; ++channel) {
-        unsigned int bits[4] = {8, 8, 8, 8};
+    for (int channel = 0; channel < 6; ++channel) {
+        unsigned int bits[6] = {8, 8, 8, 8, 0, 1}; // the last: the samples
+        bits[channel] += channel == 4 ? 0 : 1;
         World world;
-        const auto extendedCalls = [&](Context::teMultisample samples) {
-            const ContextWindowed made(world.system.makeWindow(),
-                                       Format(bits[0], bits[1], bits[2], bits[3], 8, 24, false), twoSided,
-                                       samples, nullptr);
-            const std::vector<std::string> calls = world.system.takeCalls();
-            return std::ranges::count_if(
-                calls, [](const std::string& call) { return call.starts_with("wglChoose"); });
-        };
-        EXPECT_EQ(0, extendedCalls(Context::eNoMultisample));
-        if (channel < 4)
-            bits[channel] = 9;
-        EXPECT_EQ(1, extendedCalls(Context::teMultisample(channel < 4 ? 1 : 0))) << channel;
+        const ContextWindowed made(world.window, Format(bits[0], bits[1], bits[2], bits[3], 8, 24, false),
+                                   twoSided, Context::teMultisample(bits[5]), nullptr);
+        const auto asked = testing::Contains(testing::StartsWith("wglChoosePixelFormatARB"));
+        EXPECT_EQ(channel != 4, testing::Matches(asked)(world.system.takeCalls())) << channel;
     }
 }
 
 TEST(Contexts, ARefusedVersionAndADriverWithoutTheFunctionGetTheClassicContext) {
-    World world(true, false, true);
+    World world("library wrapped");
     Bare bare;
     const HDC device = GetDC(world.window);
     bare.setPixelFormat(device, 3);
@@ -459,12 +439,6 @@ TEST(Contexts, TheParts) {
 TEST(Contexts, AWindowedOneShowsItsBitsSwapsAndWaitsForTheRetrace) {
     World world;
     ContextWindowed context(world.window, Format(Format::RGBA8), twoSided, Context::eNoMultisample, nullptr);
-    world.system.format.cRedBits = 255;
-    world.system.format.cGreenBits = 2;
-    world.system.format.cBlueBits = 3;
-    world.system.format.cAlphaBits = 4;
-    world.system.format.cStencilBits = 5;
-    world.system.format.cDepthBits = 6;
     int bits[6] = {};
     world.system.takeCalls();
     context.getBitDepths(bits, bits + 1, bits + 2, bits + 3, bits + 4, bits + 5);
@@ -504,7 +478,7 @@ TEST(Contexts, AnOffscreenOneThatIsCurrentLeavesNothingCurrent) {
 }
 
 TEST(Contexts, AWrappedOneStaysItsMakers) {
-    World world(true, true);
+    World world("library current");
     const HDC device = wglGetCurrentDC();
     const HGLRC context = wglGetCurrentContext();
     {
@@ -521,7 +495,7 @@ TEST(Contexts, AWrappedOneStaysItsMakers) {
         wrapped.makeCurrent();
         world.system.takeCalls();
     }
-    EXPECT_THAT(world.system.takeCalls(), IsEmpty());
+    EXPECT_THAT(world.system.takeCalls(), testing::IsEmpty());
     EXPECT_EQ(context, wglGetCurrentContext());
     wglDeleteContext(context);
     EXPECT_EQ("!ContextWrapped::ctor invalid device", failureOf([] { const ContextWrapped none; }));
@@ -532,7 +506,7 @@ TEST(Contexts, AWrappedOneStaysItsMakers) {
     const Context* lost = new ContextOffscreen;
     wglDeleteContext(lost->renderContext());
     EXPECT_EQ("!Context::can't make this context current6", failureOf([&] { lost->makeCurrent(); }));
-    EXPECT_EQ(oneDeleted.outcome, failureOf([&] { delete lost; }));
+    EXPECT_EQ(deleted("").outcome, failureOf([&] { delete lost; }));
 }
 
 TEST(ScopedContextWrapper, PutsThePairBackWhateverItWasAndIsSilent) {

@@ -1,6 +1,5 @@
 #include "StartedLibrary.h"
 #include "extensionator/OpenGLTracer.h"
-#include "extensionator/win/wglErrorChecker.h"
 #include "extensionator/win/wglInterceptor.h"
 
 #include <gmock/gmock.h>
@@ -91,23 +90,6 @@ TEST(Library, ALayerKeepsItFromStopping) {
     OGL::Library::terminate();
     Core::Library::terminate();
     EXPECT_EQ(allocated, Core::allocationCount());
-}
-
-TEST(Library, OptionsAreKept) {
-    const auto expectDefaultsAndSetters = [](auto options) {
-        EXPECT_TRUE(options.throwOnNullContext() && options.flushOnMakeCurrentMacOnly());
-        options.setThrowOnNullContext(false);
-        EXPECT_FALSE(options.throwOnNullContext());
-        EXPECT_TRUE(options.flushOnMakeCurrentMacOnly());
-        options.setFlushOnMakeCurrentMacOnly(false);
-        options.setThrowOnNullContext(true);
-        auto copy = decltype(options)();
-        copy = options;
-        EXPECT_TRUE(copy.throwOnNullContext());
-        EXPECT_FALSE(copy.flushOnMakeCurrentMacOnly());
-    };
-    expectDefaultsAndSetters(OGL::Library::InitOptions());
-    expectDefaultsAndSetters(ExtensionManager::initOptions());
 }
 
 } // namespace

@@ -234,7 +234,8 @@ TEST(Managers, ACoreProfileNamesItsExtensionsOneByOne) {
         EXPECT_EQ(row.version[0] == '3' ? 0u : 0x0500u, glGetError()) << "not left for a client's call";
     }
     FakeDriver silent;
-    silent.vendor = silent.version = silent.extensions = std::nullopt;
+    for (std::optional<std::string>* text : {&silent.vendor, &silent.version, &silent.extensions})
+        text->reset();
     OnDriver world(silent);
     EXPECT_EQ(0u, world.manager().majorVersion());
     EXPECT_EQ(EM::VENDOR_UNKNOWN, world.manager().vendor());
