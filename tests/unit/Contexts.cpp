@@ -422,6 +422,12 @@ TEST(Contexts, TheParts) {
               failureOf([&] { Bare::choosePixelFormat(nullptr, rgb8, true); }));
     EXPECT_EQ(noDevice,
               failureOf([&] { bare.initialize(nullptr, rgb8, twoSided, Context::eNoMultisample, nullptr); }));
+    world.system.fail("wglMakeCurrent");
+    EXPECT_EQ(notCurrent, failureOf([&] {
+                  bare.initialize(GetDC(world.system.makeWindow()), rgb8, twoSided, Context::eNoMultisample,
+                                  nullptr);
+              }));
+    EXPECT_EQ(nullptr, bare.renderContext()) << "a failure leaves no handle of what is gone";
     EXPECT_EQ("!We can't initialize Extensions automatically any more with the new Singleton scheme",
               failureOf([&] { bare.initializeExtensions(); }));
 

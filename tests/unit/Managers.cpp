@@ -8,8 +8,7 @@
 
 #include <atomic>
 #include <fstream>
-#include <functional>
-#include <map>
+#include <optional>
 #include <thread>
 
 using namespace ZLT::OGL;
@@ -35,6 +34,13 @@ struct OnDriver {
         }
         return *EM::Instance();
     }
+    // A second display, beside the first.
+    DISPLAY_DEVICEA add(const FakeDriver& driver) {
+        system.devices.push_back({"second", DISPLAY_DEVICE_ATTACHED_TO_DESKTOP, 1000, 0, driver});
+        DISPLAY_DEVICEA device = {};
+        Context::displayDevice(1, device);
+        return device;
+    }
     FakeWindowSystem system;
     std::optional<StartedLibrary> library;
     std::optional<ContextOffscreen> context;
@@ -47,7 +53,7 @@ FakeDriver driverOf(const char* version, const std::string& extensions = "") {
     return driver;
 }
 
-// The names in the order of their values, without "GL_" for a version's enumerator.
+// In the order of their values.
 std::vector<std::string> extensionNames() {
     std::ifstream in(ZLT_TABLES "/extensions.tsv");
     std::vector<std::string> names;
@@ -245,8 +251,7 @@ const char* const unknownContext = "!currentContext either not created with ZLT:
 
 TEST(Managers, TheCurrentContextDecidesWhichManagerAnswers) {
     OnDriver world(driverOf("3.0"));
-    world.system.devices.push_back({"second", DISPLAY_DEVICE_ATTACHED_TO_DESKTOP, 1000, 0});
-    world.system.devices[1].driver = driverOf("1.5");
+    const DISPLAY_DEVICEA device = world.add(driverOf("1.5"));
     const HWND window = world.system.makeWindow();
     const HGLRC foreign = world.system.makeContext(window);
     const auto current = [&](HGLRC context) {
@@ -256,10 +261,7 @@ TEST(Managers, TheCurrentContextDecidesWhichManagerAnswers) {
     for (const HGLRC context : {HGLRC(), foreign})
         EXPECT_EQ(unknownContext, failureOf([&] { current(context); })) << "the library isn't started";
     EM* const first = &world.manager();
-    const ContextOffscreen alike(&*world.context);
-    DISPLAY_DEVICEA device = {};
-    Context::displayDevice(1, device);
-    const ContextOffscreen other(device);
+    const ContextOffscreen alike(&*world.context), other(device);
     EXPECT_EQ(first, current(alike.renderContext()));
     EM* const second = current(other.renderContext());
     EXPECT_NE(first, second);
@@ -287,6 +289,7 @@ TEST(Managers, TheCurrentContextDecidesWhichManagerAnswers) {
     EXPECT_EQ("!found", failureOf([&] { delete again; }));
     try {
         EM::Instance();
+        ADD_FAILURE() << "no exception";
     } catch (const ZLT::InternalException& exception) {
         EXPECT_STREQ("..\\..\\extensionator\\ExtensionManager", exception.file());
     }
@@ -297,10 +300,7 @@ TEST(Managers, ADeviceThatTurnsUpLaterGetsItsOwnWithTheFirstContextOnIt) {
     OnDriver world(driverOf("3.0"));
     EM* const first = &world.manager();
     const HGLRC before = wglGetCurrentContext();
-    world.system.devices.push_back({"late", DISPLAY_DEVICE_ATTACHED_TO_DESKTOP, 1000, 0});
-    world.system.devices[1].driver = driverOf("1.4");
-    DISPLAY_DEVICEA device = {};
-    Context::displayDevice(1, device);
+    const DISPLAY_DEVICEA device = world.add(driverOf("1.4"));
     // Each context makes a window; the manager's bootstrap is the second.
     world.system.fail("CreateWindowExA", 2);
     EXPECT_EQ("!Unable to create window", failureOf([&] { const ContextOffscreen made(device); }));
@@ -326,16 +326,11 @@ TEST(Managers, ThreadsOnTwoDevicesReachTheirOwnDrivers) {
     const auto proc = [](auto function) {
         return reinterpret_cast<PROC>(reinterpret_cast<void (*)()>(function));
     };
-    const PROC functions[] = {proc(countingActiveTexture<0>), proc(countingActiveTexture<1>)};
     OnDriver world(driverOf("1.3"));
-    world.system.devices.push_back({"second", DISPLAY_DEVICE_ATTACHED_TO_DESKTOP, 1000, 0});
-    for (int i = 0; i < 2; ++i) {
-        world.system.devices[i].driver = driverOf("1.3");
-        world.system.devices[i].driver.functions["glActiveTexture"] = functions[i];
-    }
+    const DISPLAY_DEVICEA device = world.add(driverOf("1.3"));
+    world.system.devices[0].driver.functions["glActiveTexture"] = proc(countingActiveTexture<0>);
+    world.system.devices[1].driver.functions["glActiveTexture"] = proc(countingActiveTexture<1>);
     world.manager();
-    DISPLAY_DEVICEA device = {};
-    Context::displayDevice(1, device);
     const ContextOffscreen other(device), alike(&*world.context);
     OpenGLErrorChecker checker;
     const auto draw = [&](const Context& a, const Context& b, int calls) {
