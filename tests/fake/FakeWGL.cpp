@@ -409,7 +409,7 @@ BOOL WINAPI EnumDisplayDevicesA(LPCSTR, DWORD index, DISPLAY_DEVICEA* record, DW
     *record = {};
     record->cb = sizeof(*record);
     record->StateFlags = device.flags;
-    std::strcpy(record->DeviceName, device.name.c_str());
+    device.name.copy(record->DeviceName, sizeof(record->DeviceName) - 1);
     return TRUE;
 }
 
@@ -437,8 +437,9 @@ BOOL WINAPI GetMonitorInfoA(HMONITOR monitor, MONITORINFO* information) {
     if (!on->enter("GetMonitorInfoA", {}) || !monitor || information->cbSize != sizeof(MONITORINFOEXA))
         return FALSE;
     const auto& device = *reinterpret_cast<const FakeDevice*>(monitor);
-    std::strcpy(static_cast<MONITORINFOEXA*>(information)->szDevice,
-                (device.monitor.empty() ? device.name : device.monitor).c_str());
+    // The record came with zeros.
+    (device.monitor.empty() ? device.name : device.monitor)
+        .copy(static_cast<MONITORINFOEXA*>(information)->szDevice, sizeof(MONITORINFOEXA::szDevice) - 1);
     return TRUE;
 }
 

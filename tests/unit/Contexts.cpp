@@ -262,16 +262,16 @@ TEST(Contexts, AStepOfTheDestructionThatFailsIsReportedAndTheRestLeftOut) {
 TEST(Contexts, AFailureWhileCleaningUpReplacesTheFirst) {
     const struct {
         Format::tePredefined format;
+        int nth; // of the second
         const char *first, *second;
-        int nth;
         const char* message;
     } rows[] = {
-        {Format::RGBA16F, "wglChoosePixelFormatARB", "wglMakeCurrent", 2,
+        {Format::RGBA16F, 2, "wglChoosePixelFormatARB", "wglMakeCurrent",
          "!ContextWindowed::ContextWindowed failed to release context: fatal exception!"},
-        {Format::RGBA16F, "wglChoosePixelFormatARB", "wglDeleteContext", 1,
+        {Format::RGBA16F, 1, "wglChoosePixelFormatARB", "wglDeleteContext",
          "!ContextWindowed::ContextWindowed failed to destroy context: fatal exception!"},
-        {Format::RGBA16F, "wglChoosePixelFormatARB", "ReleaseDC", 1, "!Unable to release the device context"},
-        {Format::RGB8, "wglMakeCurrent", "wglDeleteContext", 1,
+        {Format::RGBA16F, 1, "wglChoosePixelFormatARB", "ReleaseDC", "!Unable to release the device context"},
+        {Format::RGB8, 1, "wglMakeCurrent", "wglDeleteContext",
          "!ContextWindowed::ContextWindowed failed to destroy context: fatal exception!"},
     };
     for (const auto& row : rows) {

@@ -53,7 +53,7 @@ protected:
     }
     static std::string nameAt(std::size_t index) {
         DISPLAY_DEVICEA record = {};
-        std::strcpy(record.DeviceName, "untouched");
+        std::string("untouched").copy(record.DeviceName, 31);
         Context::displayDevice(index, record);
         return record.DeviceName;
     }
@@ -139,8 +139,8 @@ TEST(SharedDevice, ComparesKeysWithoutTheNumberAtTheirEnd) {
                 {"", "", true}};
     for (const auto& row : rows) {
         DISPLAY_DEVICEA a = {}, b = {};
-        std::strcpy(a.DeviceKey, row.a);
-        std::strcpy(b.DeviceKey, row.b);
+        std::string(row.a).copy(a.DeviceKey, 127);
+        std::string(row.b).copy(b.DeviceKey, 127);
         EXPECT_EQ(row.shared, Context::shareDevice(a, b)) << row.a << ' ' << row.b;
     }
 }
