@@ -8,6 +8,8 @@
 #include "zlt/core/Enforce.h"
 #include "zlt/core/memory/ZLTDeleter.h"
 
+#include <utility>
+
 namespace ZLT::OGL {
 
 bool Library::isInitialized_ = false;
@@ -19,7 +21,7 @@ void Library::initialize(const InitOptions& options) {
     // A client that starts the library with its own context current keeps it.
     const ScopedContextWrapper restore;
     // A start that failed has left one.
-    ZLTDeleter<ExtensionManager>()(ExtensionManager::cachedNullExtMgrInstance);
+    ZLTDeleter<ExtensionManager>()(std::exchange(ExtensionManager::cachedNullExtMgrInstance, nullptr));
     ExtensionManager::cachedNullExtMgrInstance =
         new (MemoryType(0), ZLT_SOURCE_FILE, __LINE__) ExtensionManager(nullptr);
     for (std::size_t index = 0; index < Context::numDisplayDevice(); ++index) {

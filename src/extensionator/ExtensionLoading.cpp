@@ -49,14 +49,12 @@ String extensionString(unsigned int majorVersion) {
     return names;
 }
 
-// As a stream extracts it; 0 where no number stands.
+// As a stream extracts it. Without any text, `value` stays; 0 where another text stands than a number.
 template <class Number>
-Number extract(const String& text) {
+void extract(const String& text, Number& value) {
     std::istringstream in{std::string(text)};
     in.imbue(std::locale::classic());
-    Number value = 0;
     in >> value;
-    return value;
 }
 
 // `from` and up to `end`: the value of the exact name among them.
@@ -139,17 +137,17 @@ void ExtensionManager::TokenizeVersionString(const String& version, unsigned int
     release = -1;
     additional.clear();
     const String::size_type point = version.find('.');
-    major = extract<unsigned int>(version.substr(0, point));
+    extract(version.substr(0, point), major);
     // Without a point, both numbers are read from the whole text.
     const String::size_type begin = point == String::npos ? 0 : point + 1;
     String::size_type end = version.find_first_of(" .", begin);
-    minor = extract<unsigned int>(version.substr(begin, end - begin));
+    extract(version.substr(begin, end - begin), minor);
     if (end == String::npos)
         return;
     if (version[end] == '.') {
         const String::size_type third = end + 1;
         end = version.find(' ', third);
-        release = extract<int>(version.substr(third, end - third));
+        extract(version.substr(third, end - third), release);
         if (end == String::npos)
             return;
     }

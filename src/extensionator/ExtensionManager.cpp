@@ -61,7 +61,8 @@ ExtensionManager* ExtensionManager::Create(const DISPLAY_DEVICEA& device) {
             return manager;
     std::unique_ptr<ExtensionManager, ZLTDeleter<ExtensionManager>> made(
         new (MemoryType(0), ZLT_SOURCE_FILE, __LINE__) ExtensionManager(&bootstrap));
-    perDeviceEM_.push_back(made.get());
+    if (made)
+        perDeviceEM_.push_back(made.get());
     return made.release();
 }
 

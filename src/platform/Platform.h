@@ -105,6 +105,7 @@ constexpr DWORD ERROR_NOT_ENOUGH_MEMORY = 8;
 constexpr DWORD ERROR_GEN_FAILURE = 31;
 constexpr DWORD ERROR_NOT_SUPPORTED = 50;
 constexpr DWORD ERROR_INVALID_PARAMETER = 87;
+constexpr DWORD ERROR_MOD_NOT_FOUND = 126;
 constexpr DWORD ERROR_PROC_NOT_FOUND = 127;
 constexpr DWORD ERROR_BUSY = 170;
 constexpr DWORD ERROR_INVALID_WINDOW_HANDLE = 1400;
@@ -113,6 +114,7 @@ constexpr DWORD ERROR_CLASS_ALREADY_EXISTS = 1410;
 constexpr DWORD ERROR_CLASS_DOES_NOT_EXIST = 1411;
 constexpr DWORD ERROR_CLASS_HAS_WINDOWS = 1412;
 constexpr DWORD ERROR_INVALID_MONITOR_HANDLE = 1461;
+constexpr DWORD ERROR_RESOURCE_NAME_NOT_FOUND = 1814;
 constexpr DWORD ERROR_INVALID_PIXEL_FORMAT = 2000;
 constexpr DWORD ERROR_INVALID_OPERATION = 4317;
 
@@ -307,12 +309,14 @@ ZLT_OGL_API HDC GetDC(HWND window);
 ZLT_OGL_API int ReleaseDC(HWND window, HDC device);
 
 /// The index, from 1, of the format nearest to the one described, among those that the window can have. The
-/// formats are EGL's configurations, each double buffered and then each single buffered.
+/// formats are EGL's configurations, each double buffered and then each single buffered; those of several EGL
+/// devices stand behind each other. A pbuffer has one colour buffer in either form.
 ZLT_OGL_API int ChoosePixelFormat(HDC device, const PIXELFORMATDESCRIPTOR* wanted);
 /// Describes the format, and returns how many there are. A context of somebody else has one format, number 1.
 ZLT_OGL_API int DescribePixelFormat(HDC device, int format, UINT size, PIXELFORMATDESCRIPTOR* description);
 ZLT_OGL_API int GetPixelFormat(HDC device);
-/// Once for each window.
+/// Once for each window. A format that was chosen for a window of another visual or EGL device is replaced by
+/// the nearest one that this window can have, which has at least its bits and the same samples.
 ZLT_OGL_API BOOL SetPixelFormat(HDC device, int format, const PIXELFORMATDESCRIPTOR* description);
 /// Shows what was drawn. EGL swaps the current window alone: another one on X11 is refused, and one that is a
 /// pbuffer has nothing to show.

@@ -148,7 +148,7 @@ protected:
         Library::initialize(Library::InitOptions());
     }
     void TearDown() override {
-        if (!window_)
+        if (!Library::isInitialized())
             return;
         Library::terminate();
         ZLT::Core::Library::terminate();
@@ -274,6 +274,27 @@ TEST_P(Adoption, whatTheToolkitMakesCurrentLaterIsSeen) {
     EXPECT_EQ(eglGetCurrentContext(), EGL_NO_CONTEXT);
     EXPECT_EQ(glXGetCurrentContext(), nullptr);
     wrapped.makeCurrent();
+}
+
+TEST_P(Adoption, whatTheToolkitClosedIsNotTouchedAgain) {
+    auto wrapped = std::make_unique<ContextWrapped>();
+    auto sharing = std::make_unique<ContextOffscreen>(wrapped.get());
+    sharing->makeCurrent();
+    glClear(GL_COLOR_BUFFER_BIT);
+    releaseOGLContext();
+    const HDC device = wrapped->deviceContext();
+    wrapped->makeCurrent();
+    window_.reset();
+    EXPECT_EQ(Context::currentContext(), nullptr);
+    EXPECT_THROW(wrapped->makeCurrent(), ZLT::InternalException);
+    EXPECT_FALSE(SwapBuffers(device));
+    EXPECT_THROW(sharing->makeCurrent(), ZLT::InternalException);
+    sharing.reset();
+    wrapped.reset();
+    const ContextOffscreen own;
+    own.makeCurrent();
+    EXPECT_EQ(drawnIn(0, 1)[1], 255);
+    releaseOGLContext();
 }
 
 INSTANTIATE_TEST_SUITE_P(

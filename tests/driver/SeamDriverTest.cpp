@@ -16,6 +16,7 @@
 
 #include <EGL/egl.h>
 #include <GL/gl.h>
+#include <GL/glext.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 #include <X11/extensions/Xrandr.h>
@@ -237,6 +238,23 @@ TEST_F(SeamDriverTest, aWindowOfAnotherClientIsDrawnToAndItsEndIsNoticed) {
     XSync(server, False);
     EXPECT_EQ(GetDC(handle(window)), nullptr);
     EXPECT_EQ(GetLastError(), ERROR_INVALID_WINDOW_HANDLE);
+    // Of another visual than the hidden windows, on which formats are chosen.
+    XVisualInfo deep = {};
+    if (XMatchVisualInfo(server, DefaultScreen(static_cast<Display*>(server)), 24, DirectColor, &deep)) {
+        XSetWindowAttributes attributes = {};
+        attributes.colormap = XCreateColormap(server, server.root(), deep.visual, AllocNone);
+        const ::Window other = XCreateWindow(server, server.root(), 0, 0, 64, 48, 0, 24, InputOutput,
+                                             deep.visual, CWColormap | CWBorderPixel, &attributes);
+        XSync(server, False);
+        ContextWindowed context(handle(other), BufferFormat(BufferFormat::RGBA8_D24S8),
+                                Context::eDoubleBuffered, Context::teMultisample(4), nullptr);
+        context.makeCurrent();
+        GLint samples = 0;
+        glGetIntegerv(GL_SAMPLES, &samples);
+        EXPECT_GE(samples, 4);
+        releaseOGLContext();
+        XDestroyWindow(server, other);
+    }
     // A context whose window went first is refused what needs the window, and goes.
     const ::Window second = open();
     {
@@ -245,9 +263,10 @@ TEST_F(SeamDriverTest, aWindowOfAnotherClientIsDrawnToAndItsEndIsNoticed) {
         context.makeCurrent();
         XDestroyWindow(server, second);
         XSync(server, False);
-        glClear(GL_COLOR_BUFFER_BIT);
-        context.swapBuffers();
+        EXPECT_FALSE(SwapBuffers(context.deviceContext()));
+        EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
         releaseOGLContext();
+        EXPECT_THROW(context.makeCurrent(), ZLT::InternalException);
     }
     const ContextOffscreen after;
     after.makeCurrent();

@@ -22,7 +22,8 @@ struct AtThreadEnd {
             return;
         State& state = ZLT::Platform::state();
         const std::lock_guard guard(state.lock);
-        releaseCurrent();
+        if (isCurrentNatively(*here.context))
+            releaseCurrent();
         forgetOwnCurrent();
     }
 };
@@ -30,7 +31,7 @@ thread_local AtThreadEnd atThreadEnd;
 
 EGLContext createNative(const Connection& connection, int pixelFormat, EGLContext share,
                         const std::vector<EGLint>& attributes) {
-    eglBindAPI(EGL_OPENGL_API);
+    const DesktopGl api;
     return eglCreateContext(connection.display, connection.format(pixelFormat).config, share,
                             attributes.data());
 }
@@ -62,6 +63,13 @@ HGLRC create(HDC device, std::vector<EGLint> attributes) {
     context->attributes = std::move(attributes);
     context->native = native;
     context->display = device->connection->display;
+    // One of somebody else's that is gone may have had this address.
+    std::erase_if(ZLT::Platform::state().contexts, [&](HGLRC other) {
+        const bool gone = other->isForeign() && other->native == native && other->display == context->display;
+        if (gone)
+            delete other;
+        return gone;
+    });
     ZLT::Platform::state().contexts.insert(context.get());
     return context.release();
 }
@@ -83,7 +91,11 @@ BOOL makeOwnCurrent(HDC draw, HDC read, HGLRC context) {
         return fail(ERROR_INVALID_PIXEL_FORMAT);
     if (isCurrentElsewhere(context))
         return fail(ERROR_BUSY);
-    if (!makeNativeCurrent(*context, surfaceFor(*draw, *context), surfaceFor(*read, *context)))
+    if (!context->native)
+        return fail(ERROR_INVALID_HANDLE);
+    const std::uintptr_t drawSurface = surfaceFor(*draw, *context);
+    const std::uintptr_t readSurface = surfaceFor(*read, *context);
+    if (!drawSurface || !readSurface || !makeNativeCurrent(*context, drawSurface, readSurface))
         return failOf(*context);
     ++draw->current;
     ++read->current;
@@ -97,7 +109,7 @@ BOOL makeOwnCurrent(HDC draw, HDC read, HGLRC context) {
 
 // Makes the native context of `second` again, so that it shares what `first` has. The caller holds the lock.
 BOOL share(HGLRC first, HGLRC second) {
-    if (second->used)
+    if (second->used || (!first->isForeign() && first->connection != second->connection))
         return fail(ERROR_INVALID_OPERATION);
     if (first->display == second->display) {
         const EGLContext shared =
@@ -194,6 +206,7 @@ BOOL WINAPI makeContextCurrentARB(HDC draw, HDC read, HGLRC context) {
         forgetOwnCurrent();
         return TRUE;
     }
+    forgetDestroyedWindows(state);
     if (!state.contexts.contains(context) || !state.devices.contains(draw) || !state.devices.contains(read))
         return fail(ERROR_INVALID_HANDLE);
     if (!context->isForeign())
@@ -234,7 +247,8 @@ BOOL wglDeleteContext(HGLRC context) {
     if (isCurrentElsewhere(context))
         return fail(ERROR_BUSY);
     if (context == here.context) {
-        if (!releaseCurrent())
+        // Somebody else may have made another one current meanwhile.
+        if (isCurrentNatively(*context) && !releaseCurrent())
             return failOfEGL();
         forgetOwnCurrent();
     }
@@ -269,24 +283,30 @@ BOOL wglShareLists(HGLRC first, HGLRC second) {
 }
 
 BOOL SwapBuffers(HDC device) {
+    const HDC currentDevice = wglGetCurrentDC();
     State& state = ZLT::Platform::state();
-    {
-        const std::lock_guard guard(state.lock);
-        if (!state.devices.contains(device))
-            return fail(ERROR_INVALID_HANDLE);
-        if (!device->isForeign() && device->surface == EGL_NO_SURFACE)
-            return fail(ERROR_INVALID_PIXEL_FORMAT);
-        if (!device->isForeign())
-            refresh(*device);
+    std::unique_lock guard(state.lock);
+    forgetDestroyedWindows(state);
+    if (!state.devices.contains(device))
+        return fail(ERROR_INVALID_HANDLE);
+    if (!device->isForeign() && device->pixelFormat == 0)
+        return fail(ERROR_INVALID_PIXEL_FORMAT);
+    Api api = device->api;
+    void* display = device->display;
+    std::uintptr_t surface = device->draw;
+    if (!device->isForeign()) {
+        refresh(*device);
+        if (device != currentDevice)
+            return device->xid ? fail(ERROR_INVALID_OPERATION) : TRUE;
+        api = here.context->api;
+        display = here.context->display;
+        surface = surfaceFor(*device, *here.context);
     }
-    // Without the lock: it may wait for the driver.
-    if (device->isForeign())
-        return swapNative(device->api, device->display, device->draw) ? TRUE : failOfEGL();
-    if (device != wglGetCurrentDC())
-        return device->xid ? fail(ERROR_INVALID_OPERATION) : TRUE;
-    const RenderingContext& context = *here.context;
-    if (!swapNative(context.api, context.display, surfaceFor(*device, context)))
-        return failOfEGL();
+    // Without the lock where that is safe: it may wait for the driver.
+    if (api == Api::egl)
+        guard.unlock();
+    if (!surface || !swapNative(api, display, surface))
+        return api == Api::egl ? failOfEGL() : fail(ERROR_INVALID_HANDLE);
     // A driver that draws by requests to the server may leave them in the connection's buffer.
     if (state.server)
         XFlush(state.server);

@@ -31,14 +31,18 @@ bool addConnection(State& state, EGLDisplay display, bool x11, const std::string
                    const std::string& key) {
     if (display == EGL_NO_DISPLAY || !eglInitialize(display, nullptr, nullptr))
         return false;
-    eglBindAPI(EGL_OPENGL_API);
-    Connection connection = {display, x11, formatsOf(display), "", adapter, key};
-    if (connection.formats.empty())
+    const int offset = state.connections.empty() ? 0 : state.connections.back().last();
+    Connection& connection = state.connections.emplace_back(
+        Connection{display, x11, offset, formatsOf(display), "", adapter, key});
+    if (connection.formats.empty()) {
+        state.connections.pop_back();
         return false;
+    }
+    for (Format& format : connection.formats)
+        format.connection = &connection;
     if (connection.adapter.empty())
         connection.adapter = textOf(eglQueryString(display, EGL_VENDOR));
     connection.extensions = extensionNames(connection);
-    state.connections.push_back(std::move(connection));
     return true;
 }
 
@@ -49,6 +53,7 @@ bool openX11(State& state) {
         return false;
     const EGLDisplay display = eglGetPlatformDisplay(EGL_PLATFORM_X11_KHR, server, nullptr);
     if (!addConnection(state, display, true, "", "X11\\" + textOf(DisplayString(server)))) {
+        eglTerminate(display);
         XCloseDisplay(server);
         return false;
     }
@@ -274,9 +279,11 @@ HMONITOR MonitorFromWindow(HWND window, DWORD otherwise) {
     RECT area = {};
     if (!areaOf(state, window, area)) // as on Windows, where no window is on the primary monitor
         return otherwise == MONITOR_DEFAULTTONULL ? nullptr : primary();
-    if (!state.server) // a pbuffer is made where its corner lies, whatever its size
-        return monitorHandle(
-            static_cast<std::size_t>(deviceAt(devices, area.left, area.top) - devices.data()));
+    if (!state.server) { // a pbuffer stays where it was made
+        const ZLT::Platform::Connection* connection = windowOf(state, window)->device->connection;
+        return monitorHandle(static_cast<std::size_t>(
+            std::ranges::find(devices, connection, &Device::connection) - devices.begin()));
+    }
     std::size_t best = devices.size();
     long long most = 0;
     for (std::size_t i = 0; i < devices.size(); ++i)

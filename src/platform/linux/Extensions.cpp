@@ -33,30 +33,45 @@ const char* WINAPI getExtensionsStringARB(HDC device) {
     const std::lock_guard guard(state.lock);
     if (!state.devices.contains(device))
         return fail(ERROR_INVALID_HANDLE);
-    // Somebody else's display has none of the WGL extensions.
-    return device->isForeign() ? "WGL_ARB_extensions_string WGL_EXT_extensions_string"
-                               : device->connection->extensions.c_str();
+    // A drawable of somebody else's stands for the first display.
+    const Connection& connection = device->isForeign() ? state.connections.front() : *device->connection;
+    return connection.extensions.c_str();
 }
 
 const char* WINAPI getExtensionsStringEXT() { return getExtensionsStringARB(wglGetCurrentDC()); }
 
-// Swap control. EGL remembers the interval of a surface and doesn't tell it.
-
-thread_local int swapInterval = 1;
+// Swap control. Neither EGL nor GLX tells the interval that a drawable has.
 
 BOOL WINAPI swapIntervalEXT(int interval) {
+    const HDC handle = wglGetCurrentDC();
+    State& state = ZLT::Platform::state();
+    const std::lock_guard guard(state.lock);
+    if (!state.devices.contains(handle))
+        return fail(ERROR_INVALID_OPERATION);
     if (interval < 0)
         return fail(ERROR_INVALID_PARAMETER);
-    const HDC device = wglGetCurrentDC();
-    if (!device)
-        return fail(ERROR_INVALID_OPERATION);
-    if (!eglSwapInterval(eglGetCurrentDisplay(), interval))
+    DeviceContext& device = *handle;
+    if (!setSwapInterval(interval))
         return failOfEGL();
-    swapInterval = interval;
+    device.swapInterval = interval;
+    if (!device.isForeign()) {
+        // EGL takes any number and stays between these.
+        EGLint least = 0;
+        EGLint most = 0;
+        const EGLConfig config = device.connection->format(device.pixelFormat).config;
+        eglGetConfigAttrib(device.connection->display, config, EGL_MIN_SWAP_INTERVAL, &least);
+        eglGetConfigAttrib(device.connection->display, config, EGL_MAX_SWAP_INTERVAL, &most);
+        device.swapInterval = std::clamp(interval, least, most);
+    }
     return TRUE;
 }
 
-int WINAPI getSwapIntervalEXT() { return swapInterval; }
+int WINAPI getSwapIntervalEXT() {
+    const HDC device = wglGetCurrentDC();
+    State& state = ZLT::Platform::state();
+    const std::lock_guard guard(state.lock);
+    return state.devices.contains(device) ? device->swapInterval : 0;
+}
 
 // Pbuffers: drawables without a window. The handle is the device context's.
 
@@ -182,13 +197,11 @@ bool names(const std::string& list, std::string_view name) {
 } // namespace
 
 std::string extensionNames(const Connection& connection) {
-    const char* text = eglQueryString(connection.display, EGL_EXTENSIONS);
-    const std::string egl = text ? text : "";
     const char* version = eglQueryString(connection.display, EGL_VERSION);
     std::string list = "WGL_ARB_extensions_string WGL_EXT_extensions_string WGL_ARB_pixel_format "
                        "WGL_ARB_make_current_read";
     const bool is15 = version && std::strncmp(version, "1.", 2) == 0 && version[2] >= '5';
-    if (is15 || names(egl, "EGL_KHR_create_context"))
+    if (is15)
         list += " WGL_ARB_create_context WGL_ARB_create_context_profile";
     const auto& formats = connection.formats;
     if (std::ranges::any_of(formats, &Format::pbuffer))

@@ -5,15 +5,25 @@
 #include "platform/linux/XErrors.h"
 
 #include <GL/glx.h>
+#include <GL/glxext.h>
 
 #include <algorithm>
 #include <atomic>
+#include <cstring>
+
+// As in X11/Xlibint.h, which can't be included: its BOOL is another.
+extern "C" {
+using CloseDisplayHook = int (*)(Display*, XExtCodes*);
+CloseDisplayHook XESetCloseDisplay(Display* display, int extension, CloseDisplayHook hook);
+}
 
 namespace ZLT::Platform {
 
 namespace {
 
 std::atomic<bool> seen = false;
+// Counts the displays that were closed: what was known of their contexts holds no longer.
+std::atomic<unsigned> closedDisplays = 0;
 
 // What the system says is current.
 struct Native {
@@ -42,13 +52,58 @@ Native ask() {
 }
 
 bool isNative(const RenderingContext& context, const Native& native) {
-    return native.api == context.api && native.context == context.native && native.display == context.display;
+    return context.native && native.api == context.api && native.context == context.native &&
+           native.display == context.display;
+}
+
+// Its owner closes an X display: nothing of it may be touched any more. Runs in the owner's XCloseDisplay.
+int forgetDisplay(Display* display, XExtCodes*) {
+    State& state = ZLT::Platform::state();
+    const std::lock_guard guard(state.lock);
+    const auto isOfIt = [&](const auto* record) {
+        return record->api == Api::glx && record->display == display;
+    };
+    for (auto device = state.devices.begin(); device != state.devices.end();) {
+        std::erase_if((*device)->guests, [&](const GuestSurface& guest) { return isOfIt(&guest); });
+        if ((*device)->isForeign() && isOfIt(*device)) {
+            delete *device;
+            device = state.devices.erase(device);
+        } else {
+            ++device;
+        }
+    }
+    for (auto context = state.contexts.begin(); context != state.contexts.end();) {
+        const bool ofIt = isOfIt(*context);
+        if (ofIt)
+            (*context)->native = nullptr;
+        if (ofIt && (*context)->isForeign()) {
+            delete *context;
+            context = state.contexts.erase(context);
+        } else {
+            ++context;
+        }
+    }
+    ++closedDisplays;
+    return 0;
+}
+
+// Once for each display: before its first record.
+void watchForClosing(State& state, const Native& native) {
+    if (native.api != Api::glx)
+        return;
+    for (const HGLRC context : state.contexts)
+        if (context->api == Api::glx && context->display == native.display)
+            return;
+    auto* display = static_cast<Display*>(native.display);
+    if (const XExtCodes* codes = XAddExtension(display))
+        XESetCloseDisplay(display, codes->extension, forgetDisplay);
 }
 
 HGLRC contextOf(State& state, const Native& native) {
     for (const HGLRC context : state.contexts)
         if (isNative(*context, native))
             return context;
+    watchForClosing(state, native);
     auto made = std::make_unique<RenderingContext>();
     made->api = native.api;
     made->display = native.display;
@@ -128,15 +183,18 @@ Current askCurrent() {
     const Current& own = ownCurrent();
     if (own.context && isNative(*own.context, native))
         return own;
-    // The records of what is foreign are never deleted, so what was found last still holds.
+    // The records of what is foreign stay until their display is closed: what was found last still holds.
     thread_local Native lastNative;
     thread_local Current last;
-    if (!own.context && native == lastNative)
+    thread_local unsigned lastClosed = 0;
+    const unsigned closed = closedDisplays;
+    if (!own.context && native == lastNative && closed == lastClosed)
         return last;
     State& state = ZLT::Platform::state();
     const std::lock_guard guard(state.lock);
     forgetOwnCurrent();
     lastNative = native;
+    lastClosed = closed;
     last = {};
     if (native.context) {
         last.context = contextOf(state, native);
@@ -149,7 +207,6 @@ Current askCurrent() {
 bool makeNativeCurrent(const RenderingContext& context, std::uintptr_t draw, std::uintptr_t read) {
     if (context.api == Api::egl) {
         releaseGlx();
-        eglBindAPI(EGL_OPENGL_API);
         return eglMakeCurrent(context.display, surface(draw), surface(read), context.native) != EGL_FALSE;
     }
     auto* display = static_cast<Display*>(context.display);
@@ -168,23 +225,44 @@ bool releaseCurrent() {
         return true;
     if (native.api == Api::egl)
         return eglMakeCurrent(native.display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT) != EGL_FALSE;
-    return glXMakeContextCurrent(static_cast<Display*>(native.display), None, None, nullptr) != False;
+    releaseGlx();
+    return true;
 }
 
 void releaseGlx() {
-    if (glXGetCurrentContext())
-        glXMakeContextCurrent(glXGetCurrentDisplay(), None, None, nullptr);
+    if (!glXGetCurrentContext())
+        return;
+    // Its drawable may be gone.
+    Display* display = glXGetCurrentDisplay();
+    XErrors errors(display, XErrors::Before::theirs);
+    glXMakeContextCurrent(display, None, None, nullptr);
 }
 
 Format foreignFormat(const DeviceContext& device) {
     return device.api == Api::egl ? eglFormat(device) : glxFormat(device);
 }
 
+bool setSwapInterval(int interval) {
+    const Native native = ask();
+    if (native.api == Api::egl)
+        return eglSwapInterval(native.display, interval) != EGL_FALSE;
+    const auto set = reinterpret_cast<PFNGLXSWAPINTERVALEXTPROC>(
+        glXGetProcAddressARB(reinterpret_cast<const GLubyte*>("glXSwapIntervalEXT")));
+    auto* display = static_cast<Display*>(native.display);
+    const char* names = glXQueryExtensionsString(display, DefaultScreen(display));
+    if (!set || !names || !std::strstr(names, "GLX_EXT_swap_control"))
+        return false;
+    XErrors errors(display, XErrors::Before::theirs);
+    set(display, native.draw, interval);
+    return !errors.any();
+}
+
 bool swapNative(Api api, void* display, std::uintptr_t drawable) {
     if (api == Api::egl)
         return eglSwapBuffers(display, surface(drawable)) != EGL_FALSE;
+    XErrors errors(static_cast<Display*>(display), XErrors::Before::theirs);
     glXSwapBuffers(static_cast<Display*>(display), drawable);
-    return true;
+    return !errors.any();
 }
 
 } // namespace ZLT::Platform

@@ -15,20 +15,9 @@ namespace ZLT::Platform {
 
 namespace {
 
-// How many bits and samples the format has beyond the wanted one; -1 when it can't stand for it.
-int excess(const Format& format, const Format& wanted) {
-    int more = 0;
-    for (const auto bits : {&Format::red, &Format::green, &Format::blue, &Format::alpha, &Format::depth,
-                            &Format::stencil, &Format::samples}) {
-        if (format.*bits < wanted.*bits)
-            return -1;
-        more += format.*bits - wanted.*bits;
-    }
-    // The samples of a pixel show, other bits beyond those wanted don't.
-    const bool sameKind = format.samples == wanted.samples && format.floatingPoint == wanted.floatingPoint;
-    const bool sameSurfaces = format.pbuffer >= wanted.pbuffer && format.window >= wanted.window &&
-                              (!wanted.window || format.visual == wanted.visual);
-    return sameKind && sameSurfaces ? more : -1;
+bool servesFor(const Format& format, const Format& wanted) {
+    return format.pbuffer >= wanted.pbuffer && format.window >= wanted.window &&
+           (!wanted.window || format.visual == wanted.visual);
 }
 
 // The configuration nearest to the wanted format, or null. GLX has one for each visual where EGL has many.
@@ -36,11 +25,14 @@ template <class Config, class Read>
 Config nearest(const std::vector<Config>& configs, const Format& wanted, Read read) {
     Config best = nullptr;
     int least = std::numeric_limits<int>::max();
-    for (const Config config : configs)
-        if (const int more = excess(read(config), wanted); more >= 0 && more < least) {
+    for (const Config config : configs) {
+        const Format format = read(config);
+        const int more = excess(format, wanted);
+        if (more >= 0 && more < least && servesFor(format, wanted)) {
             least = more;
             best = config;
         }
+    }
     return best;
 }
 
@@ -103,7 +95,11 @@ GLXContext createGlx(Display* display, GLXFBConfig config, void* share,
     const auto with = static_cast<GLXContext>(share);
     const GLXContext made = create ? create(display, config, with, True, glxAttributes(attributes).data())
                                    : glXCreateNewContext(display, config, GLX_RGBA_TYPE, with, True);
-    return errors.any() ? nullptr : made;
+    if (!errors.any())
+        return made;
+    if (made)
+        glXDestroyContext(display, made);
+    return nullptr;
 }
 
 std::uintptr_t createSurface(const DeviceContext& device, const RenderingContext& context) {
@@ -131,19 +127,20 @@ bool becomeGuest(RenderingContext& context, const RenderingContext& host) {
     void* config = nullptr;
     void* native = nullptr;
     if (host.api == Api::egl) {
+        const DesktopGl api;
         config = findConfig(host.display, format);
-        eglBindAPI(EGL_OPENGL_API);
         if (config)
             native = eglCreateContext(host.display, config, host.native, context.attributes.data());
     } else {
         auto* display = static_cast<Display*>(host.display);
+        XErrors errors(display, XErrors::Before::theirs);
         int screen = 0;
         glXQueryContext(display, static_cast<GLXContext>(host.native), GLX_SCREEN, &screen);
-        config = findConfig(display, screen, format);
+        config = errors.any() ? nullptr : findConfig(display, screen, format);
         if (config)
             native = createGlx(display, static_cast<GLXFBConfig>(config), host.native, context.attributes);
     }
-    if (!native)
+    if (!native || !host.native)
         return false;
     destroyNative(context);
     context.api = host.api;
@@ -185,6 +182,8 @@ void destroyGuests(DeviceContext& device) {
 }
 
 void destroyNative(const RenderingContext& context) {
+    if (!context.native)
+        return;
     if (context.api == Api::egl)
         eglDestroyContext(context.display, context.native);
     else

@@ -30,6 +30,10 @@ Failure failOfEGL() {
     case EGL_BAD_CONFIG:
     case EGL_BAD_MATCH:
         return fail(ERROR_INVALID_PIXEL_FORMAT);
+    case EGL_BAD_CONTEXT:
+    case EGL_BAD_SURFACE:
+    case EGL_BAD_CURRENT_SURFACE:
+        return fail(ERROR_INVALID_HANDLE);
     case EGL_BAD_NATIVE_WINDOW:
         return fail(ERROR_INVALID_WINDOW_HANDLE);
     default:

@@ -24,8 +24,11 @@ struct __GLXFBConfigRec; // what a GLXFBConfig points at
 
 namespace ZLT::Platform {
 
+struct Connection;
+
 /// An EGL configuration in one of its two forms of buffering.
 struct Format {
+    const Connection* connection; // null: of somebody else's display
     EGLConfig config;
     bool doubleBuffered;
     int red, green, blue, alpha, depth, stencil, samples;
@@ -38,17 +41,21 @@ struct Format {
     int colorBits() const { return red + green + blue + alpha; }
 };
 
-/// An EGL display and its formats. On X11 there is one, without X there is one for each EGL device.
+/// An EGL display and its formats. On X11 there is one, without X there is one for each EGL device. The pixel
+/// formats of all are numbered in one row, so that a number means one format.
 struct Connection {
     EGLDisplay display;
     bool x11;
-    std::vector<Format> formats; // pixel format i is formats[i - 1]
+    int offset;                  // how many formats the connections before it have
+    std::vector<Format> formats; // pixel format i is formats[i - offset - 1]
     std::string extensions;      // the names of the WGL extensions
     std::string adapter;         // for people
     std::string key;             // what is different for each adapter
 
-    bool has(int format) const { return format >= 1 && static_cast<std::size_t>(format) <= formats.size(); }
-    const Format& format(int number) const { return formats[static_cast<std::size_t>(number - 1)]; }
+    int first() const { return offset + 1; }
+    int last() const { return offset + static_cast<int>(formats.size()); }
+    bool has(int number) const { return number >= first() && number <= last(); }
+    const Format& format(int number) const { return formats[static_cast<std::size_t>(number - first())]; }
 };
 
 /// A display device: a monitor, or an EGL device with a place of its own beside the others.
@@ -83,6 +90,7 @@ struct DeviceContext {
     int current = 0;    // on how many threads it is the current drawable
     bool gone = false;  // destroyed meanwhile: deleted when it is no longer current
 
+    int swapInterval = 1;
     std::vector<GuestSurface> guests;
 
     // Somebody else's: EGL surfaces or GLX drawables.
@@ -109,7 +117,7 @@ struct RenderingContext {
     Connection* connection = nullptr; // null: somebody else's
     int pixelFormat = 0;
     std::vector<EGLint> attributes; // it was created with, EGL_NONE at the end
-    void* native = nullptr;         // EGLContext or GLXContext
+    void* native = nullptr;         // EGLContext or GLXContext; null: its display was closed
     bool used = false;              // was current or shares with another: can't be given a share any more
     std::thread::id currentOn{};    // the thread on which it is current
 
@@ -126,7 +134,8 @@ struct State {
     std::deque<Connection> connections;
     std::map<std::string, int, std::less<>> classes; // window classes, and how many windows each has
     std::map<HWND, std::unique_ptr<WindowRecord>> windows;
-    std::set<HDC> devices; // of windows, pbuffers and foreign drawables
+    int foreignWindows = 0; // how many of the windows somebody else made
+    std::set<HDC> devices;  // of windows, pbuffers and foreign drawables
     std::set<HGLRC> contexts;
 };
 
@@ -160,6 +169,9 @@ const Device* deviceAt(const std::vector<Device>& devices, int x, int y);
 /// The window of a handle; an X11 window of somebody else's is entered with the first call. Null, with the
 /// error number, when there is none.
 WindowRecord* windowOf(State& state, HWND handle);
+/// Hears of the windows that somebody else destroyed meanwhile: they are no longer known then, and their
+/// numbers may be given out again. Doesn't wait for the server.
+void forgetDestroyedWindows(State& state);
 /// Gives the drawable a surface of the window's size, unless it is current on another thread.
 void refresh(DeviceContext& device);
 /// Deletes a drawable of a window or pbuffer, or leaves it to the thread on which it is current.
@@ -172,6 +184,9 @@ Format readFormat(EGLDisplay display, EGLConfig config, bool doubleBuffered);
 Format readFormat(_XDisplay* display, __GLXFBConfigRec* config);
 /// The formats of an EGL display, each in both forms of buffering.
 std::vector<Format> formatsOf(EGLDisplay display);
+/// How many bits the format has beyond the wanted one; -1 when it can't stand for it. Samples show, so they
+/// are the same, and other bits don't.
+int excess(const Format& format, const Format& wanted);
 /// Whether the drawable can be a window of this format.
 bool drawsToWindow(const DeviceContext& device, const Format& format);
 BOOL WINAPI choosePixelFormatARB(HDC device, const int* integers, const FLOAT* reals, UINT capacity,
@@ -206,6 +221,18 @@ bool foreignContextsSeen();
 Current askCurrent();
 /// Makes the native context of either API current. The caller holds the lock.
 bool makeNativeCurrent(const RenderingContext& context, std::uintptr_t draw, std::uintptr_t read);
+/// Desktop GL is what the calling thread creates contexts of, for as long as this lives.
+class DesktopGl {
+public:
+    DesktopGl() : before_(eglQueryAPI()) { eglBindAPI(EGL_OPENGL_API); }
+    DesktopGl(const DesktopGl&) = delete;
+    DesktopGl& operator=(const DesktopGl&) = delete;
+    ~DesktopGl() { eglBindAPI(before_); }
+
+private:
+    EGLenum before_;
+};
+
 /// Whether the system says that this context is current on the calling thread.
 bool isCurrentNatively(const RenderingContext& context);
 /// Leaves the thread with no context of EGL or GLX, whoever made it.
@@ -214,6 +241,8 @@ bool releaseCurrent();
 void releaseGlx();
 /// The one format of somebody else's drawable.
 Format foreignFormat(const DeviceContext& device);
+/// Of the drawable that is current on the thread.
+bool setSwapInterval(int interval);
 /// Swaps an EGL surface or a GLX drawable.
 bool swapNative(Api api, void* display, std::uintptr_t surface);
 

@@ -6,6 +6,7 @@
 
 #include <EGL/eglext.h>
 #include <GL/glx.h>
+#include <X11/Xutil.h>
 
 #include <algorithm>
 #include <cstring>
@@ -52,24 +53,48 @@ int distance(int offered, int wanted) {
     return offered < wanted ? 100 * (wanted - offered) : offered - wanted;
 }
 
-const Format* formatOf(const DeviceContext& device, int number) {
-    return device.connection->has(number) ? &device.connection->format(number) : nullptr;
+// The format of a number, whichever connection has it.
+const Format* formatOf(const State& state, int number) {
+    for (const Connection& connection : state.connections)
+        if (connection.has(number))
+            return &connection.format(number);
+    return nullptr;
+}
+
+int numberOfFormats(const State& state) { return state.connections.back().last(); }
+
+// The number of the nearest format of the drawable's own that can stand for one of another visual or another
+// EGL device; 0 when there is none.
+int siblingOf(const DeviceContext& device, const Format& wanted) {
+    int best = 0;
+    int least = std::numeric_limits<int>::max();
+    for (int i = device.connection->first(); device.connection->has(i); ++i) {
+        const Format& format = device.connection->format(i);
+        const int more = excess(format, wanted);
+        if (more >= 0 && more < least && format.doubleBuffered == wanted.doubleBuffered &&
+            drawsToWindow(device, format)) {
+            least = more;
+            best = i;
+        }
+    }
+    return best;
 }
 
 // What the format is, in the terms of WGL_ARB_pixel_format; nothing for an attribute that isn't known.
 std::optional<int> valueOf(const DeviceContext& device, const Format& format, int name) {
     switch (name) {
     case WGL_NUMBER_PIXEL_FORMATS_ARB:
-        return static_cast<int>(device.connection->formats.size());
+        return numberOfFormats(ZLT::Platform::state());
     case WGL_DRAW_TO_WINDOW_ARB:
         return drawsToWindow(device, format);
     case WGL_DRAW_TO_PBUFFER_ARB:
-        return format.pbuffer;
+        return format.pbuffer && format.connection == device.connection;
     case WGL_ACCELERATION_ARB:
         return format.slow ? WGL_NO_ACCELERATION_ARB : WGL_FULL_ACCELERATION_ARB;
     case WGL_SWAP_METHOD_ARB:
         return WGL_SWAP_UNDEFINED_ARB;
     case WGL_SUPPORT_OPENGL_ARB:
+        return format.connection == device.connection;
     case WGL_SHARE_DEPTH_ARB:
     case WGL_SHARE_STENCIL_ARB:
     case WGL_SHARE_ACCUM_ARB:
@@ -110,6 +135,11 @@ std::optional<int> valueOf(const DeviceContext& device, const Format& format, in
     case WGL_NUMBER_OVERLAYS_ARB:
     case WGL_NUMBER_UNDERLAYS_ARB:
     case WGL_TRANSPARENT_ARB:
+    case WGL_TRANSPARENT_RED_VALUE_ARB:
+    case WGL_TRANSPARENT_GREEN_VALUE_ARB:
+    case WGL_TRANSPARENT_BLUE_VALUE_ARB:
+    case WGL_TRANSPARENT_ALPHA_VALUE_ARB:
+    case WGL_TRANSPARENT_INDEX_VALUE_ARB:
     case WGL_SUPPORT_GDI_ARB:
     case WGL_STEREO_ARB:
     case WGL_RED_SHIFT_ARB:
@@ -167,11 +197,39 @@ HDC knownDevice(State& state, HDC device) {
     return state.devices.contains(device) && !device->isForeign() ? device : nullptr;
 }
 
+// For the questions that a drawable of somebody else's may stand for: those of a window on the first display.
+const DeviceContext* askedDevice(State& state, HDC device) {
+    if (!state.devices.contains(device) || state.connections.empty())
+        return nullptr;
+    if (!device->isForeign())
+        return device;
+    static DeviceContext window;
+    window.connection = &state.connections.front();
+    if (state.server)
+        window.visual = XVisualIDFromVisual(DefaultVisual(state.server, DefaultScreen(state.server)));
+    return &window;
+}
+
 } // namespace
+
+int excess(const Format& format, const Format& wanted) {
+    if (format.samples != wanted.samples || format.floatingPoint != wanted.floatingPoint)
+        return -1;
+    int more = 0;
+    for (const auto bits :
+         {&Format::red, &Format::green, &Format::blue, &Format::alpha, &Format::depth, &Format::stencil}) {
+        if (format.*bits < wanted.*bits)
+            return -1;
+        more += format.*bits - wanted.*bits;
+    }
+    return more;
+}
 
 bool drawsToWindow(const DeviceContext& device, const Format& format) {
     if (device.isForeign())
         return true;
+    if (format.connection != device.connection)
+        return false;
     if (!device.connection->x11)
         return format.pbuffer;
     return format.window && format.doubleBuffered && format.visual == device.visual;
@@ -238,11 +296,12 @@ std::vector<Format> formatsOf(EGLDisplay display) {
     return formats;
 }
 
-BOOL WINAPI choosePixelFormatARB(HDC device, const int* integers, const FLOAT* reals, UINT capacity,
+BOOL WINAPI choosePixelFormatARB(HDC handle, const int* integers, const FLOAT* reals, UINT capacity,
                                  int* formats, UINT* count) {
     State& state = ZLT::Platform::state();
     const std::lock_guard guard(state.lock);
-    if (!knownDevice(state, device))
+    const DeviceContext* device = askedDevice(state, handle);
+    if (!device)
         return fail(ERROR_INVALID_HANDLE);
     if (!count || (capacity > 0 && !formats))
         return fail(ERROR_INVALID_PARAMETER);
@@ -266,7 +325,7 @@ BOOL WINAPI choosePixelFormatARB(HDC device, const int* integers, const FLOAT* r
             return fail(ERROR_INVALID_PARAMETER);
 
     std::vector<std::pair<long long, int>> found;
-    for (int i = 1; device->connection->has(i); ++i) {
+    for (int i = device->connection->first(); device->connection->has(i); ++i) {
         const Format& format = device->connection->format(i);
         if (fits(*device, format, wanted))
             found.emplace_back(excess(*device, format, wanted), i);
@@ -278,11 +337,12 @@ BOOL WINAPI choosePixelFormatARB(HDC device, const int* integers, const FLOAT* r
     return TRUE;
 }
 
-BOOL WINAPI getPixelFormatAttribivARB(HDC device, int format, int layer, UINT count, const int* attributes,
+BOOL WINAPI getPixelFormatAttribivARB(HDC handle, int format, int layer, UINT count, const int* attributes,
                                       int* values) {
     State& state = ZLT::Platform::state();
     const std::lock_guard guard(state.lock);
-    if (!knownDevice(state, device))
+    const DeviceContext* device = askedDevice(state, handle);
+    if (!device)
         return fail(ERROR_INVALID_HANDLE);
     if (layer != 0 || (count > 0 && (!attributes || !values)))
         return fail(ERROR_INVALID_PARAMETER);
@@ -290,7 +350,7 @@ BOOL WINAPI getPixelFormatAttribivARB(HDC device, int format, int layer, UINT co
         // The number of formats may be asked for without one.
         const Format* described = attributes[i] == WGL_NUMBER_PIXEL_FORMATS_ARB
                                       ? &device->connection->formats.front()
-                                      : formatOf(*device, format);
+                                      : formatOf(state, format);
         if (!described)
             return fail(ERROR_INVALID_PIXEL_FORMAT);
         const std::optional<int> value = valueOf(*device, *described, attributes[i]);
@@ -325,7 +385,7 @@ int ChoosePixelFormat(HDC device, const PIXELFORMATDESCRIPTOR* wanted) {
         return fail(ERROR_INVALID_PARAMETER);
     int best = 0;
     int least = std::numeric_limits<int>::max();
-    for (int i = 1; device->connection->has(i); ++i) {
+    for (int i = device->connection->first(); device->connection->has(i); ++i) {
         const Format& format = device->connection->format(i);
         if (format.floatingPoint || (device->window && !drawsToWindow(*device, format)))
             continue;
@@ -347,15 +407,14 @@ int DescribePixelFormat(HDC device, int number, UINT size, PIXELFORMATDESCRIPTOR
     const std::lock_guard guard(state.lock);
     if (!state.devices.contains(device))
         return fail(ERROR_INVALID_HANDLE);
-    const int count = device->isForeign() ? 1 : static_cast<int>(device->connection->formats.size());
+    const int count = device->isForeign() ? 1 : numberOfFormats(state);
     if (!description)
         return count;
     if (size < sizeof(*description))
         return fail(ERROR_INVALID_PARAMETER);
     if (number < 1 || number > count)
         return fail(ERROR_INVALID_PIXEL_FORMAT);
-    *description =
-        describe(*device, device->isForeign() ? foreignFormat(*device) : device->connection->format(number));
+    *description = describe(*device, device->isForeign() ? foreignFormat(*device) : *formatOf(state, number));
     return count;
 }
 
@@ -374,21 +433,29 @@ BOOL SetPixelFormat(HDC device, int number, const PIXELFORMATDESCRIPTOR*) {
     const std::lock_guard guard(state.lock);
     if (!knownDevice(state, device))
         return fail(ERROR_INVALID_HANDLE);
-    const Format* format = formatOf(*device, number);
-    if (!format)
+    if (device->xid) {
+        // It may be gone, and its number given to another.
+        const HWND handle = device->window;
+        const WindowRecord* window = windowOf(state, handle);
+        if (!window)
+            return FALSE;
+        if (!state.devices.contains(device))
+            return fail(ERROR_INVALID_HANDLE);
+    }
+    const Format* wanted = formatOf(state, number);
+    if (wanted && !drawsToWindow(*device, *wanted))
+        number = siblingOf(*device, *wanted);
+    if (!wanted || number == 0)
         return fail(ERROR_INVALID_PIXEL_FORMAT);
     if (device->pixelFormat != 0)
         return device->pixelFormat == number ? TRUE : fail(ERROR_INVALID_PIXEL_FORMAT);
-    if (!drawsToWindow(*device, *format))
-        return fail(ERROR_INVALID_PIXEL_FORMAT);
     const EGLDisplay display = device->connection->display;
+    const EGLConfig config = device->connection->format(number).config;
     if (device->xid) {
-        if (!windowOf(state, device->window))
-            return FALSE;
-        device->surface = eglCreateWindowSurface(display, format->config, device->xid, nullptr);
+        device->surface = eglCreateWindowSurface(display, config, device->xid, nullptr);
     } else {
         const EGLint size[] = {EGL_WIDTH, device->width, EGL_HEIGHT, device->height, EGL_NONE};
-        device->surface = eglCreatePbufferSurface(display, format->config, size);
+        device->surface = eglCreatePbufferSurface(display, config, size);
     }
     if (device->surface == EGL_NO_SURFACE)
         return failOfEGL();

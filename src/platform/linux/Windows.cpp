@@ -29,13 +29,17 @@ std::unique_ptr<::Window> makeXWindow(State& state, int x, int y, int width, int
     XSizeHints hints = {};
     hints.flags = USPosition | USSize;
     XSetWMNormalHints(server, window, &hints);
+    // A window that the user closes stays; without this its whole connection would go.
+    Atom closing = XInternAtom(server, "WM_DELETE_WINDOW", False);
+    XSetWMProtocols(server, window, &closing, 1);
     if (name)
         XStoreName(server, window, name);
     if (visible)
         XMapWindow(server, window);
-    if (errors.any())
-        return nullptr;
-    return std::make_unique<::Window>(window);
+    if (!errors.any())
+        return std::make_unique<::Window>(window);
+    XDestroyWindow(server, window);
+    return nullptr;
 }
 
 // Reads size and visual; false when the window is gone.
@@ -55,27 +59,34 @@ void forgetWindow(State& state, HWND handle) {
     const auto found = state.windows.find(handle);
     std::unique_ptr<WindowRecord> window = std::move(found->second);
     state.windows.erase(found);
-    if (!window->foreign)
+    if (window->foreign)
+        --state.foreignWindows;
+    else
         --state.classes[window->className];
     destroyDrawable(state, std::move(window->device));
-}
-
-// Hears of the windows that somebody else destroyed meanwhile: their numbers are given out again.
-void forgetDestroyedWindows(State& state) {
-    if (!state.server)
-        return;
-    XErrors errors(state.server);
-    while (XPending(state.server) > 0) {
-        XEvent event;
-        XNextEvent(state.server, &event);
-        if (event.type == DestroyNotify && state.windows.contains(handleOf(event.xdestroywindow.window)))
-            forgetWindow(state, handleOf(event.xdestroywindow.window));
-    }
 }
 
 } // namespace
 
 namespace ZLT::Platform {
+
+void forgetDestroyedWindows(State& state) {
+    if (state.foreignWindows == 0)
+        return;
+    std::vector<HWND> destroyed;
+    {
+        const XErrors errors(state.server, XErrors::Before::nothing);
+        while (XEventsQueued(state.server, QueuedAfterReading) > 0) {
+            XEvent event;
+            XNextEvent(state.server, &event);
+            if (event.type == DestroyNotify)
+                destroyed.push_back(handleOf(event.xdestroywindow.window));
+        }
+    }
+    for (const HWND window : destroyed)
+        if (state.windows.contains(window))
+            forgetWindow(state, window);
+}
 
 WindowRecord* windowOf(State& state, HWND handle) {
     forgetDestroyedWindows(state);
@@ -96,6 +107,7 @@ WindowRecord* windowOf(State& state, HWND handle) {
             XErrors errors(state.server);
             XSelectInput(state.server, window->device->xid, StructureNotifyMask);
             state.devices.insert(window->device.get());
+            ++state.foreignWindows;
             return (state.windows[handle] = std::move(window)).get();
         }
     }
@@ -133,9 +145,12 @@ void refresh(DeviceContext& device) {
     device.surface = surface;
     device.guests.clear();
     device.stale = false;
-    if (currentHere > 0)
-        makeNativeCurrent(*here.context, surfaceFor(*here.device, *here.context),
-                          surfaceFor(*here.read, *here.context));
+    if (currentHere > 0) {
+        const std::uintptr_t draw = surfaceFor(*here.device, *here.context);
+        const std::uintptr_t read = surfaceFor(*here.read, *here.context);
+        if (draw && read)
+            makeNativeCurrent(*here.context, draw, read);
+    }
     eglDestroySurface(display, old);
     DeviceContext gone;
     gone.guests = oldGuests;
@@ -168,8 +183,15 @@ BOOL UnregisterClassA(LPCSTR className, HINSTANCE) {
 
 // No message ever arrives.
 LRESULT DefWindowProcW(HWND, UINT, WPARAM, LPARAM) { return 0; }
-HCURSOR LoadCursorA(HINSTANCE, LPCSTR) { return nullptr; }
-HMODULE GetModuleHandleA(LPCSTR) { return nullptr; }
+HCURSOR LoadCursorA(HINSTANCE instance, LPCSTR name) {
+    static char arrow;
+    return !instance && name == IDC_ARROW ? reinterpret_cast<HCURSOR>(&arrow)
+                                          : fail(ERROR_RESOURCE_NAME_NOT_FOUND);
+}
+HMODULE GetModuleHandleA(LPCSTR module) {
+    static char program;
+    return module ? fail(ERROR_MOD_NOT_FOUND) : reinterpret_cast<HMODULE>(&program);
+}
 BOOL AdjustWindowRectEx(RECT* rectangle, DWORD, BOOL, DWORD) {
     return rectangle ? TRUE : fail(ERROR_INVALID_PARAMETER);
 }
