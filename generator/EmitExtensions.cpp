@@ -11,7 +11,9 @@ constexpr const char* wglNotice = "// Generated from tables/wgl_extension_functi
 std::string loads(const std::vector<std::string>& calls, const std::string& indent) {
     std::string text;
     for (const std::string& call : calls) {
-        text += indent + (text.empty() ? "bool complete = " : "complete &= ") + call + ";\n";
+        text += indent;
+        text += &call == calls.data() ? "bool complete = " : "complete &= ";
+        text += call + ";\n";
     }
     return text + indent + "return complete;\n";
 }
@@ -99,6 +101,7 @@ extern "C" {
 )";
     std::string definitions = std::string(wglNotice) + "// The pointer variables.\n\n";
     std::string cases = std::string(wglNotice) + "// For the switch over the WGL extensions.\n\n";
+    bool sharesCase = false;
     for (const Extension& extension : extensions) {
         if (!extension.isWgl())
             continue;
@@ -118,15 +121,18 @@ extern "C" {
                            '\n';
             calls.push_back("load(" + variable + ", \"wgl" + function.name + "\")");
         }
+        // Those without functions that stand together share a line.
+        if (sharesCase && !calls.empty())
+            cases += "    return true;\n";
+        sharesCase = calls.empty();
         cases += "case " + extension.enumerator() + ":";
-        if (calls.empty())
-            cases += "\n    return true;\n";
-        else
-            cases += " {\n" + loads(calls, "    ") + "}\n";
+        cases += calls.empty() ? "\n" : " {\n" + loads(calls, "    ") + "}\n";
     }
     declarations += "\n} // extern \"C\"\n// NOLINTEND(bugprone-reserved-identifier)\n";
     writeFile(headers / "WglFunctions.h", declarations);
     writeFile(sources / "WglFunctions.inl", definitions);
+    if (sharesCase)
+        cases += "    return true;\n";
     writeFile(sources / "WglCases.inl", cases);
 }
 

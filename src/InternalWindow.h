@@ -11,8 +11,7 @@ class ZLT_OGL_API InternalWindow {
 public:
     /// A window with its top left corner at (x, y) of the desktop, which decides on whose display it is.
     /// @throws InternalException "Unable to register window class", "Unable to create window"; nothing is
-    /// left
-    ///         behind then
+    ///         left behind then
     InternalWindow(short x, short y);
     InternalWindow(const InternalWindow&) = delete;
     InternalWindow& operator=(const InternalWindow&) = delete;

@@ -58,9 +58,6 @@ void Library::terminate() {
 }
 
 Library::InitOptions::InitOptions() : throwOnNullContext_(true), flushOnMakeCurrentMacOnly_(true) {}
-Library::InitOptions::InitOptions(const InitOptions&) = default;
-Library::InitOptions::~InitOptions() = default;
-Library::InitOptions& Library::InitOptions::operator=(const InitOptions&) = default;
 bool Library::InitOptions::throwOnNullContext() const { return throwOnNullContext_; }
 void Library::InitOptions::setThrowOnNullContext(bool on) { throwOnNullContext_ = on; }
 bool Library::InitOptions::flushOnMakeCurrentMacOnly() const { return flushOnMakeCurrentMacOnly_; }

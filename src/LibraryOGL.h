@@ -15,9 +15,9 @@ public:
     class ZLT_OGL_API InitOptions {
     public:
         InitOptions();
-        InitOptions(const InitOptions&);
-        ~InitOptions();
-        InitOptions& operator=(const InitOptions&);
+        InitOptions(const InitOptions&) = default;
+        ~InitOptions() = default;
+        InitOptions& operator=(const InitOptions&) = default;
 
         /// True from the start.
         bool throwOnNullContext() const;
@@ -43,8 +43,8 @@ public:
     /// Stops the library. Destroy all contexts and pop all layers first. The chains go first, even if the
     /// call then fails.
     /// @throws InternalException as OpenGLInterceptor::destroy() does while a layer is installed,
-    /// "isInitialized_"
-    ///         when the library is not started, "ZLT::Core::Library::isInitialized()" when the core is not
+    ///         "isInitialized_" when the library is not started, "ZLT::Core::Library::isInitialized()" when
+    ///         the core is not
     static void terminate();
 
 private:

@@ -2,10 +2,10 @@
 // recording.inl (statements), recording.bin (data), trace.txt and frame.png there. examples/replay shows what
 // to do with the recording.
 
+#include "PlainWindow.h"
 #include "Png.h"
 #include "Run.h"
 #include "Scene.h"
-#include "PlainWindow.h"
 #include "extensionator/OpenGLInterceptor.h"
 #include "extensionator/OpenGLRekorder.h"
 #include "extensionator/OpenGLTracer.h"

@@ -94,9 +94,9 @@ void begin(int windowWidth, int windowHeight, RecordingStream& stream) {
 }
 
 Picture end() {
-    const Picture shown = lastSwapped              ? *lastSwapped
-                          : wglGetCurrentContext() ? readFrame(width, height)
-                                                   : Picture();
+    Picture shown = lastSwapped              ? *lastSwapped
+                    : wglGetCurrentContext() ? readFrame(width, height)
+                                             : Picture();
     wrappers.clear();
     return shown;
 }

@@ -2,10 +2,10 @@
 // like: trace_scene [FOLDER] writes trace.txt and frame.png there.
 
 #include "ExceptionOGL.h"
+#include "PlainWindow.h"
 #include "Png.h"
 #include "Run.h"
 #include "Scene.h"
-#include "PlainWindow.h"
 #include "extensionator/OpenGLInterceptor.h"
 #include "extensionator/OpenGLTracer.h"
 #include "extensionator/TokenName.h"

@@ -110,9 +110,6 @@ ExtensionManager::teVendor ExtensionManager::vendor() const { return vendor_; }
 const ExtensionManager::InitOptions& ExtensionManager::initOptions() { return oInitOptions_; }
 
 ExtensionManager::InitOptions::InitOptions() : throwOnNullContext_(true), flushOnMakeCurrentMacOnly_(true) {}
-ExtensionManager::InitOptions::InitOptions(const InitOptions&) = default;
-ExtensionManager::InitOptions::~InitOptions() = default;
-ExtensionManager::InitOptions& ExtensionManager::InitOptions::operator=(const InitOptions&) = default;
 bool ExtensionManager::InitOptions::throwOnNullContext() const { return throwOnNullContext_; }
 void ExtensionManager::InitOptions::setThrowOnNullContext(bool on) { throwOnNullContext_ = on; }
 bool ExtensionManager::InitOptions::flushOnMakeCurrentMacOnly() const { return flushOnMakeCurrentMacOnly_; }

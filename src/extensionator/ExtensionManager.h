@@ -38,9 +38,9 @@ public:
     class ZLT_OGL_API InitOptions {
     public:
         InitOptions();
-        InitOptions(const InitOptions&);
-        ~InitOptions();
-        InitOptions& operator=(const InitOptions&);
+        InitOptions(const InitOptions&) = default;
+        ~InitOptions() = default;
+        InitOptions& operator=(const InitOptions&) = default;
 
         /// True from the start.
         bool throwOnNullContext() const;
@@ -62,8 +62,7 @@ public:
     /// started, it is a manager that supports nothing and whose table is all null. Callable from any thread;
     /// a lookup without allocation, made anew by each call.
     /// @throws InternalException "currentContext either not created with ZLT::OGL" when the current context
-    /// is
-    ///         not known to the library (wrap it in a ContextWrapped), or when none is current and the
+    ///         is not known to the library (wrap it in a ContextWrapped), or when none is current and the
     ///         library is not started
     static ExtensionManager* Instance();
 

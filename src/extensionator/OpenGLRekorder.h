@@ -25,11 +25,9 @@ namespace ZLT::OGL {
 ///
 /// What the recorder reads of the caller's memory, without a test for null unless told:
 /// - `cgmTexImage2D` (null is allowed) and `cgmTexSubImage2D`: width * height pixels, tightly packed,
-/// whatever
-///   the pixel store says; an offset into a bound unpack buffer is read as an address;
+///   whatever the pixel store says; an offset into a bound unpack buffer is read as an address;
 /// - `cgmDeleteTextures`, `cgmDeleteQueries`, `cgmDeleteFramebuffersEXT`, `cgmDrawBuffersARB`: 8 bytes for
-/// each
-///   element, which is twice the array;
+///   each element, which is twice the array;
 /// - `cgmTexParameterfv`: four floats, also for a parameter of one value;
 /// - matrices: 16 values; uniform arrays: `count` elements; names and shader source: up to the zero byte,
 ///   or the given length.

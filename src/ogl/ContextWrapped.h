@@ -15,8 +15,7 @@ public:
     /// Wraps this pair, which need not be current.
     /// @param window  tells on which display device the context lives; null: on the primary one
     /// @throws InternalException "ContextWrapped::ctor invalid device", "ContextWrapped::ctor invalid
-    /// rendering
-    ///         context" for null handles
+    ///         rendering context" for null handles
     ContextWrapped(HDC hdc, HGLRC hrc, HWND window);
     /// @throws InternalException "found" when another object around the same handle was destroyed before
     ~ContextWrapped() noexcept(false) override;

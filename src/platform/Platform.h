@@ -6,11 +6,9 @@
 /// implements over EGL and X11:
 ///
 /// - With an X server (DISPLAY) a window is an X11 window, an HWND is its XID, whoever made it, and the
-/// display
-///   devices are the monitors.
+///   display devices are the monitors.
 /// - Without one, a window is a pbuffer, and the display devices are the EGL devices, laid out side by side:
-/// a
-///   window belongs to the device on which its top left corner lies.
+///   a window belongs to the device on which its top left corner lies.
 /// - `ZLT_OGL_PLATFORM` set to `x11` or `headless` forces one of the two. With any other text there is no
 ///   display device, and no window can be made.
 ///

@@ -284,11 +284,17 @@ TEST_P(Adoption, whatTheToolkitClosedIsNotTouchedAgain) {
     releaseOGLContext();
     const HDC device = wrapped->deviceContext();
     wrapped->makeCurrent();
+    // EGL's own objects don't outlive the display: GLFW closes the connection before it ends EGL, which then
+    // destroys them by requests.
+    if (window_->isEgl())
+        sharing.reset();
     window_.reset();
     EXPECT_EQ(Context::currentContext(), nullptr);
     EXPECT_THROW(wrapped->makeCurrent(), ZLT::InternalException);
     EXPECT_FALSE(SwapBuffers(device));
-    EXPECT_THROW(sharing->makeCurrent(), ZLT::InternalException);
+    if (sharing) {
+        EXPECT_THROW(sharing->makeCurrent(), ZLT::InternalException);
+    }
     sharing.reset();
     wrapped.reset();
     const ContextOffscreen own;

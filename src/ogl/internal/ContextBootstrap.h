@@ -14,8 +14,7 @@ class ZLT_OGL_API ContextBootstrap : public Context {
 public:
     /// On a hidden window at the display's origin: RGB8, single buffered.
     /// @throws LogicalException as Context::initialize does, InternalException "error != 0" for a display
-    /// that
-    ///         has no settings, or as InternalWindow does
+    ///         that has no settings, or as InternalWindow does
     explicit ContextBootstrap(const DISPLAY_DEVICEA& display = primaryDisplayDevice());
     /// @throws InternalException when the context or the window can't be destroyed
     ~ContextBootstrap() noexcept(false) override;

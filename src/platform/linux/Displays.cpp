@@ -181,11 +181,11 @@ HMONITOR monitorHandle(std::size_t index) {
 void openDisplays(State& state) {
     const std::string forced = textOf(std::getenv("ZLT_OGL_PLATFORM"));
     const bool server = !textOf(std::getenv("DISPLAY")).empty();
-    if (forced == "headless")
-        openHeadless(state);
-    else if (forced == "x11")
-        openX11(state);
-    else if (forced.empty() && !(server && openX11(state)))
+    if (!forced.empty() && forced != "headless" && forced != "x11")
+        return;
+    const bool tryX11 = forced == "x11" || (forced.empty() && server);
+    const bool opened = tryX11 && openX11(state);
+    if (!opened && forced != "x11")
         openHeadless(state);
 }
 

@@ -46,9 +46,8 @@ EGLConfig findConfig(EGLDisplay display, const Format& wanted) {
 GLXFBConfig findConfig(Display* display, int screen, const Format& wanted) {
     int count = 0;
     GLXFBConfig* list = glXGetFBConfigs(display, screen, &count);
-    std::vector<GLXFBConfig> configs;
-    for (int i = 0; i < count; ++i)
-        configs.push_back(list[i]);
+    std::vector<GLXFBConfig> configs(list ? static_cast<std::size_t>(count) : 0);
+    std::copy_n(list, configs.size(), configs.begin());
     if (list)
         XFree(list);
     return nearest(configs, wanted, [&](GLXFBConfig config) {

@@ -10,8 +10,8 @@ using namespace ZLT::Platform;
 namespace {
 
 HWND handleOf(std::uintptr_t value) {
-    return reinterpret_cast<HWND>(value);
-} // NOLINT(performance-no-int-to-ptr)
+    return reinterpret_cast<HWND>(value); // NOLINT(performance-no-int-to-ptr)
+}
 
 std::uintptr_t valueOf(HWND handle) { return reinterpret_cast<std::uintptr_t>(handle); }
 
@@ -125,7 +125,7 @@ void destroyDrawable(State& state, std::unique_ptr<DeviceContext> device) {
     if (device->current > 0) {
         // Its address is not given out again while a thread has it current.
         device->gone = true;
-        device.release();
+        static_cast<void>(device.release());
     }
 }
 

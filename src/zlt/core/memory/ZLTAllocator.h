@@ -35,10 +35,11 @@ public:
     /// @throws std::bad_alloc when there is none, or when the size can't be represented
     T* allocate(std::size_t count) {
         static_assert(alignof(T) <= alignof(std::max_align_t), "over-aligned types are not supported");
-        if (count > std::numeric_limits<std::size_t>::max() / sizeof(T))
+        constexpr std::size_t size =
+            sizeof(T); // NOLINT(bugprone-sizeof-expression): a pointer's, if T is one
+        if (count > std::numeric_limits<std::size_t>::max() / size)
             throw std::bad_array_new_length();
-        void* p =
-            ::operator new(count * sizeof(T), MemoryType(0), Detail::allocatorFile, Detail::allocateLine);
+        void* p = ::operator new(count* size, MemoryType(0), Detail::allocatorFile, Detail::allocateLine);
         if (!p)
             throw std::bad_alloc();
         return static_cast<T*>(p);
