@@ -57,10 +57,4 @@ void Library::terminate() {
     ExtensionManager::cachedNullExtMgrInstance = nullptr;
 }
 
-Library::InitOptions::InitOptions() : throwOnNullContext_(true), flushOnMakeCurrentMacOnly_(true) {}
-bool Library::InitOptions::throwOnNullContext() const { return throwOnNullContext_; }
-void Library::InitOptions::setThrowOnNullContext(bool on) { throwOnNullContext_ = on; }
-bool Library::InitOptions::flushOnMakeCurrentMacOnly() const { return flushOnMakeCurrentMacOnly_; }
-void Library::InitOptions::setFlushOnMakeCurrentMacOnly(bool on) { flushOnMakeCurrentMacOnly_ = on; }
-
 } // namespace ZLT::OGL

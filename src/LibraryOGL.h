@@ -11,25 +11,7 @@ class Context;
 /// while no other uses the library; it can be started again after a stop.
 class ZLT_OGL_API Library {
 public:
-    /// Kept for clients that set them: neither changes what the library does.
-    class ZLT_OGL_API InitOptions {
-    public:
-        InitOptions();
-        InitOptions(const InitOptions&) = default;
-        ~InitOptions() = default;
-        InitOptions& operator=(const InitOptions&) = default;
-
-        /// True from the start.
-        bool throwOnNullContext() const;
-        void setThrowOnNullContext(bool on);
-        /// True from the start.
-        bool flushOnMakeCurrentMacOnly() const;
-        void setFlushOnMakeCurrentMacOnly(bool on);
-
-    private:
-        bool throwOnNullContext_;
-        bool flushOnMakeCurrentMacOnly_;
-    };
+    class ZLT_OGL_API InitOptions : public StartOptions {};
 
     Library& operator=(const Library&) { return *this; }
 

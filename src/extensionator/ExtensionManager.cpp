@@ -109,10 +109,4 @@ ExtensionManager::teVendor ExtensionManager::vendor() const { return vendor_; }
 
 const ExtensionManager::InitOptions& ExtensionManager::initOptions() { return oInitOptions_; }
 
-ExtensionManager::InitOptions::InitOptions() : throwOnNullContext_(true), flushOnMakeCurrentMacOnly_(true) {}
-bool ExtensionManager::InitOptions::throwOnNullContext() const { return throwOnNullContext_; }
-void ExtensionManager::InitOptions::setThrowOnNullContext(bool on) { throwOnNullContext_ = on; }
-bool ExtensionManager::InitOptions::flushOnMakeCurrentMacOnly() const { return flushOnMakeCurrentMacOnly_; }
-void ExtensionManager::InitOptions::setFlushOnMakeCurrentMacOnly(bool on) { flushOnMakeCurrentMacOnly_ = on; }
-
 } // namespace ZLT::OGL

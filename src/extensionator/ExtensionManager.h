@@ -15,6 +15,21 @@ namespace ZLT::OGL {
 
 class Context;
 
+/// What a start may be told. Kept for clients that set them: neither changes what the library does.
+class ZLT_OGL_API StartOptions {
+public:
+    /// True from the start.
+    bool throwOnNullContext() const { return throwOnNullContext_; }
+    void setThrowOnNullContext(bool on) { throwOnNullContext_ = on; }
+    /// True from the start.
+    bool flushOnMakeCurrentMacOnly() const { return flushOnMakeCurrentMacOnly_; }
+    void setFlushOnMakeCurrentMacOnly(bool on) { flushOnMakeCurrentMacOnly_ = on; }
+
+private:
+    bool throwOnNullContext_ = true;
+    bool flushOnMakeCurrentMacOnly_ = true;
+};
+
 /// What the driver of one display device offers: version, vendor, extensions and entry points.
 ///
 ///     if (ExtensionManager::Instance()->isSupported(GL_EXT_FRAMEBUFFER_OBJECT))
@@ -34,25 +49,7 @@ public:
         VENDOR_INTEL = 3,
     };
 
-    /// Kept for clients that set them: neither changes what the library does.
-    class ZLT_OGL_API InitOptions {
-    public:
-        InitOptions();
-        InitOptions(const InitOptions&) = default;
-        ~InitOptions() = default;
-        InitOptions& operator=(const InitOptions&) = default;
-
-        /// True from the start.
-        bool throwOnNullContext() const;
-        void setThrowOnNullContext(bool on);
-        /// True from the start.
-        bool flushOnMakeCurrentMacOnly() const;
-        void setFlushOnMakeCurrentMacOnly(bool on);
-
-    private:
-        bool throwOnNullContext_;
-        bool flushOnMakeCurrentMacOnly_;
-    };
+    class ZLT_OGL_API InitOptions : public StartOptions {};
 
     ExtensionManager(const ExtensionManager&) = delete;
     ExtensionManager& operator=(const ExtensionManager&) = delete;

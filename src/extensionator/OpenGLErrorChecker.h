@@ -8,10 +8,11 @@ namespace ZLT::OGL {
 /// client's file and line when that reports an error. OpenGLInterceptor::Instance() makes the one that ends
 /// the chain.
 ///
-/// Each entry needs a current context, and the driver must have the function: an entry outside GL 1.1 that
-/// the driver lacks is a call through a null pointer on Windows. A call reads one error; others that the
-/// driver holds stay set for later calls, and an error that was left over from a call outside the chain is
-/// reported by the next call inside it, with that call's file and line.
+/// Each entry needs a current context. An entry outside GL 1.1 goes through the table of the context's
+/// ExtensionManager: the library must know the context, and one whose version or extension isn't loaded is a
+/// call through a null pointer, so ask isSupported() first. A call reads one error; others that the driver
+/// holds stay set for later calls, and an error that was left over from a call outside the chain is reported
+/// by the next call inside it, with that call's file and line.
 ///
 /// Between `cgmBegin` and `cgmEnd`, where `glGetError` is not allowed, nothing is checked; `cgmEnd` reports
 /// what went wrong since. A second `cgmBegin`, and a `cgmEnd` without `cgmBegin`, throw "Unbalanced
