@@ -34,8 +34,9 @@ const char* WINAPI getExtensionsStringARB(HDC device) {
     if (!state.devices.contains(device))
         return fail(ERROR_INVALID_HANDLE);
     // A drawable of somebody else's stands for the first display.
-    const Connection& connection = device->isForeign() ? state.connections.front() : *device->connection;
-    return connection.extensions.c_str();
+    if (device->isForeign())
+        return state.connections.empty() ? "" : state.connections.front().extensions.c_str();
+    return device->connection->extensions.c_str();
 }
 
 const char* WINAPI getExtensionsStringEXT() { return getExtensionsStringARB(wglGetCurrentDC()); }
