@@ -2,9 +2,13 @@
 // so must the headers that main.cpp has no use for.
 
 #include <ExceptionOGL.h>
+#include <InternalWindow.h>
 #include <extensionator/FunctionTable.h>
 #include <extensionator/OpenGLErrorChecker.h>
 #include <extensionator/OpenGLRekorder.h>
+#include <ogl/ScopedContextWrapper.h>
+#include <platform/WglTokens.h>
+// Behind those that declare or call GL functions.
 #include <extensionator/gl_intercept.h>
 #include <extensionator/gl_tokens.h>
 #include <extensionator/win/wglErrorChecker.h>
