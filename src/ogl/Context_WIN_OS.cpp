@@ -9,11 +9,11 @@
 #include "zlt/core/Exceptions.h"
 #include "zlt/core/Memory.h"
 
-#include <array>
 #include <cstring>
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace ZLT::OGL {

@@ -108,7 +108,7 @@ struct World {
         const auto has = [&](const char* word) { return with.find(word) != std::string::npos; };
         system.devices.push_back({"second", DISPLAY_DEVICE_ATTACHED_TO_DESKTOP, -1600, 40020});
         if (has("library"))
-            library.emplace();
+            started.emplace();
         const HWND other = system.makeWindow();
         const HGLRC foreign = system.makeContext(other);
         if (has("current"))
@@ -126,7 +126,7 @@ struct World {
     }
 
     FakeWindowSystem system;
-    std::optional<StartedLibrary> library;
+    std::optional<StartedLibrary> started;
     std::optional<ContextWrapped> wrapped;
     const HWND window = system.makeWindow();
     DISPLAY_DEVICEA displays[2] = {};
@@ -393,7 +393,7 @@ TEST(Contexts, ARefusedVersionAndADriverWithoutTheFunctionGetTheClassicContext) 
 
     // Where the string doesn't name it, the function isn't asked for.
     world.wrapped.reset();
-    world.library.reset();
+    world.started.reset();
     for (const std::optional<std::string>& names : {std::optional<std::string>("WGL_ARB_pixel_format"), {}}) {
         world.system.devices[0].driver.wglExtensions = names;
         world.system.takeCalls();

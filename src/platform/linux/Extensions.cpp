@@ -13,21 +13,6 @@ namespace ZLT::Platform {
 
 namespace {
 
-template <class Condition>
-bool anyConfig(EGLDisplay display, Condition condition) {
-    EGLint count = 0;
-    eglGetConfigs(display, nullptr, 0, &count);
-    std::vector<EGLConfig> configs(static_cast<std::size_t>(count));
-    eglGetConfigs(display, configs.data(), count, &count);
-    return std::ranges::any_of(configs, [&](EGLConfig config) {
-        return condition([&](EGLint name) {
-            EGLint value = 0;
-            eglGetConfigAttrib(display, config, name, &value);
-            return value;
-        });
-    });
-}
-
 const char* WINAPI getExtensionsStringARB(HDC device) {
     State& state = ZLT::Platform::state();
     const std::lock_guard guard(state.lock);
@@ -212,9 +197,14 @@ std::string extensionNames(const Connection& connection) {
     if (std::ranges::any_of(formats, &Format::floatingPoint))
         list += " WGL_ARB_pixel_format_float";
     // Only where the interval can be both 0 and 1; a pbuffer has no retrace to wait for.
-    if (connection.x11 && anyConfig(connection.display, [](const auto& get) {
-            return get(EGL_MIN_SWAP_INTERVAL) == 0 && get(EGL_MAX_SWAP_INTERVAL) >= 1;
-        }))
+    const auto controls = [&](const Format& format) {
+        EGLint least = 1;
+        EGLint most = 1;
+        eglGetConfigAttrib(connection.display, format.config, EGL_MIN_SWAP_INTERVAL, &least);
+        eglGetConfigAttrib(connection.display, format.config, EGL_MAX_SWAP_INTERVAL, &most);
+        return least == 0 && most >= 1;
+    };
+    if (connection.x11 && std::ranges::any_of(formats, controls))
         list += " WGL_EXT_swap_control";
     return list;
 }
