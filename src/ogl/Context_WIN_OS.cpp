@@ -3,6 +3,7 @@
 #include "ogl/BufferFormat.h"
 #include "ogl/Context.h"
 #include "ogl/ScopedContextWrapper.h"
+#include "ogl/internal/Composed.h"
 #include "ogl/internal/WindowOwner.h"
 #include "platform/WglTokens.h"
 #include "zlt/core/Enforce.h"
@@ -10,7 +11,6 @@
 #include "zlt/core/Memory.h"
 
 #include <cstring>
-#include <sstream>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -20,15 +20,10 @@ namespace ZLT::OGL {
 
 namespace {
 
+using internal::composed;
+
 using ChoosePixelFormatARB = BOOL(WINAPI*)(HDC, const int*, const FLOAT*, UINT, int*, UINT*);
 using GetExtensionsStringARB = const char*(WINAPI*)(HDC);
-
-template <class Value>
-std::string composed(const char* text, Value value) {
-    std::ostringstream message;
-    message << text << value;
-    return message.str();
-}
 
 // The %i is part of the text: it is streamed, not formatted.
 constexpr const char* cannotSetFormat =
