@@ -2,12 +2,15 @@
 
 #include "extensionator/OpenGLInterceptor.h"
 #include "extensionator/win/wglInterceptor.h"
+#include "ogl/ContextOffscreen.h"
 #include "ogl/ScopedContextWrapper.h"
+#include "ogl/TextureUnit.h"
 #include "ogl/internal/ContextBootstrap.h"
 #include "zlt/core/Core.h"
 #include "zlt/core/Enforce.h"
 #include "zlt/core/memory/ZLTDeleter.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace ZLT::OGL {
@@ -15,15 +18,24 @@ namespace ZLT::OGL {
 bool Library::isInitialized_ = false;
 Library::InitOptions Library::initOptions_;
 
+void Library::createNullExtensionManager() {
+    destroyNullExtensionManager(); // a start that failed has left one
+    ExtensionManager::cachedNullExtMgrInstance =
+        new (MemoryType(0), ZLT_SOURCE_FILE, __LINE__) ExtensionManager(nullptr);
+}
+
+void Library::destroyNullExtensionManager() {
+    ZLTDeleter<ExtensionManager>()(std::exchange(ExtensionManager::cachedNullExtMgrInstance, nullptr));
+}
+
 void Library::initialize(const InitOptions& options) {
     ZLT_ASSERT(!isInitialized_);
     ZLT_ASSERT(Core::Library::isInitialized());
     // A client that starts the library with its own context current keeps it.
     const ScopedContextWrapper restore;
-    // A start that failed has left one.
-    ZLTDeleter<ExtensionManager>()(std::exchange(ExtensionManager::cachedNullExtMgrInstance, nullptr));
-    ExtensionManager::cachedNullExtMgrInstance =
-        new (MemoryType(0), ZLT_SOURCE_FILE, __LINE__) ExtensionManager(nullptr);
+    TextureUnit::initialize();
+    createNullExtensionManager();
+    unsigned int maxUnits = 0;
     for (std::size_t index = 0; index < Context::numDisplayDevice(); ++index) {
         DISPLAY_DEVICEA device = {};
         Context::displayDevice(index, device);
@@ -31,11 +43,29 @@ void Library::initialize(const InitOptions& options) {
         bootstrap.makeCurrent();
         const ExtensionManager* extMan = ExtensionManager::Create(device);
         ZLT_ASSERT(extMan);
-        // Asked once while a context of the manager is sure to be current; the answer is not kept.
-        extMan->numberOfTextureUnits();
+        maxUnits = std::max(maxUnits, extMan->numberOfTextureUnits());
     }
     Context::initializeWglCreateContextAttribsPtr();
+    TextureUnit::Create(maxUnits);
     initOptions_ = options;
+    isInitialized_ = true;
+}
+
+void Library::initialize_DEPRECATED_2_5(Context* context, const ExtensionManager::InitOptions&) {
+    ZLT_ASSERT(!isInitialized_);
+    ZLT_ASSERT(Core::Library::isInitialized());
+    TextureUnit::initialize();
+    createNullExtensionManager();
+    if (context) {
+        context->makeCurrent();
+        TextureUnit::Create(context);
+        for (std::size_t index = 0; index < Context::numDisplayDevice(); ++index) {
+            DISPLAY_DEVICEA device = {};
+            Context::displayDevice(index, device);
+            const ContextOffscreen makesTheManager(device);
+        }
+    }
+    Context::initializeWglCreateContextAttribsPtr();
     isInitialized_ = true;
 }
 
@@ -47,14 +77,26 @@ void Library::terminate() {
     ZLT_ASSERT(isInitialized_);
     // The text of the start lacks the namespace and this one has it.
     ZLT_ASSERT(ZLT::Core::Library::isInitialized());
+    if (TextureUnit::isInitialized())
+        TextureUnit::Destroy();
     Context::unInitializeWglCreateContextAttribsPtr();
+    TextureUnit::terminate();
     isInitialized_ = false;
-    const ZLTDeleter<ExtensionManager> destroy;
     for (ExtensionManager* manager : ExtensionManager::perDeviceEM_)
-        destroy(manager);
+        ZLTDeleter<ExtensionManager>()(manager);
     ExtensionManager::perDeviceEM_.clear();
-    destroy(ExtensionManager::cachedNullExtMgrInstance);
-    ExtensionManager::cachedNullExtMgrInstance = nullptr;
+    destroyNullExtensionManager();
+}
+
+void Library::terminate_DEPRECATED_2_5() {
+    ZLT_ASSERT(isInitialized_);
+    ZLT_ASSERT(Core::Library::isInitialized());
+    if (TextureUnit::isInitialized())
+        TextureUnit::Destroy();
+    Context::unInitializeWglCreateContextAttribsPtr();
+    destroyNullExtensionManager();
+    TextureUnit::terminate();
+    isInitialized_ = false;
 }
 
 } // namespace ZLT::OGL

@@ -1,6 +1,7 @@
 #include "StartedLibrary.h"
 #include "extensionator/OpenGLTracer.h"
 #include "extensionator/win/wglInterceptor.h"
+#include "ogl/TextureUnit.h"
 
 #include <string>
 
@@ -69,6 +70,8 @@ TEST(Library, AStartThatFailsCanBeMadeAgain) {
                 EXPECT_FALSE(OGL::Library::isInitialized());
                 EXPECT_EQ(nullptr, wglGetCurrentContext());
                 system.failNothing();
+                EXPECT_EQ("!!pavUnits_", failureOf(start));
+                TextureUnit::terminate();
                 start();
             }
             OGL::Library::terminate();
