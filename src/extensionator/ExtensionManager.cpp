@@ -76,9 +76,13 @@ void ExtensionManager::RegisterContext(Context& context) {
     if (!pInstance)
         pInstance = Create(context.displayDevice());
     ZLT_ENFORCE(pInstance != NULL); // NOLINT(modernize-use-nullptr): the rule's text is known to clients
+    file(context.renderContext(), pInstance);
+}
+
+void ExtensionManager::file(HGLRC context, ExtensionManager* manager) {
     PerContextMap::accessor entry;
-    if (perContextMap_.insert(entry, context.renderContext()))
-        entry->second = pInstance;
+    if (perContextMap_.insert(entry, context))
+        entry->second = manager;
 }
 
 void ExtensionManager::UnRegisterContext(Context& context) {

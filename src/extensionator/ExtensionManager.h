@@ -116,6 +116,13 @@ public:
     /// How many texture image units a shader or the fixed pipeline has; a context of this manager must be
     /// current.
     unsigned int numberOfTextureUnits() const;
+    /// Whether textures of 16-bit floats can be filtered linearly: by the vendor where that tells, by an
+    /// experiment otherwise, once for each manager, on a context of its own that shares with the current one.
+    /// The experiment needs the library to be started and WGL_ARB_render_texture, and leaves the current
+    /// context as it was; false when it fails. Never without GL_EXT_gpu_shader4.
+    bool supportsHalfFiltering() const;
+    /// The same for 32-bit floats; only NVIDIA's drivers are asked for GL_EXT_gpu_shader4.
+    bool supportsFloatFiltering() const;
     /// @}
 
     /// @name Loaders
@@ -138,6 +145,8 @@ private:
     static ExtensionManager* Create(const DISPLAY_DEVICEA& device);
     // Files the context's handle under the manager of its device.
     static void RegisterContext(Context& context);
+    // Unless it is filed already.
+    static void file(HGLRC context, ExtensionManager* manager);
     static void UnRegisterContext(Context& context);
     static ExtensionManager* nullExtensionManager();
 
@@ -153,6 +162,10 @@ private:
     teExtension nameToEnumWGL(const char* name);
     bool initializeWGL(teExtension extension);
 
+    bool testHalfFiltering() const;
+    bool testFloatFiltering() const;
+    bool testFiltering(unsigned int internalFormat) const;
+
     static std::vector<ExtensionManager*> perDeviceEM_; // owns them, in order of creation
     static ExtensionManager* cachedNullExtMgrInstance;  // while the library is started
     static const InitOptions oInitOptions_;
@@ -164,6 +177,11 @@ private:
     String additionalVersionInfo_;
     teVendor vendor_ = VENDOR_UNKNOWN;
     bool supportsNonPowerOfTwo_ = false;
+    // What the experiments told, each at the first question that needs it; not locked.
+    mutable bool halfFilteringTested_ = false;
+    mutable bool halfFilteringResult_ = false;
+    mutable bool floatFilteringTested_ = false;
+    mutable bool floatFilteringResult_ = false;
     std::shared_ptr<FunctionTable> tableExt_;
     String deviceName_; // the key; empty for the one that supports nothing
 };
