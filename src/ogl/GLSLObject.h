@@ -1,0 +1,27 @@
+#pragma once
+
+#include "Export.h"
+
+namespace ZLT::OGL {
+
+/// Base of shaders and programs: a GL handle. Copies copy the handle and share nothing: the destructor of
+/// each copy deletes the same GL object, so don't copy what deletes.
+///
+/// The context that made it, or one that shares with it, must be current for all of it. Failures are
+/// exceptions, from destructors too; a destructor that runs because another exception unwinds the stack drops
+/// its own.
+class ZLT_OGL_API GLSLObject {
+public:
+    // The handle is unset: the classes derived from it make one.
+    GLSLObject() {} // NOLINT(modernize-use-equals-default,cppcoreguidelines-pro-type-member-init)
+    GLSLObject(const GLSLObject& other) = default;
+    GLSLObject& operator=(const GLSLObject& other) = default;
+    virtual ~GLSLObject() noexcept(false);
+
+    unsigned int objectID() const { return _hObject; }
+
+protected:
+    unsigned int _hObject; ///< Made and deleted by the classes derived from this one.
+};
+
+} // namespace ZLT::OGL
