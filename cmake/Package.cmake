@@ -8,6 +8,7 @@ install(TARGETS zlt_core zlt_ogl EXPORT zlt_oglTargets
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 
 set(public_headers
+  AutoInitializer.h
   Export.h
   ExceptionOGL.h
   InternalWindow.h
@@ -25,12 +26,36 @@ set(public_headers
   extensionator/win/wglInterceptorDecorator.h
   extensionator/win/wglLayerEntries.inl
   extensionator/win/wglRekorder.h
+  ogl/AutoVector.h
+  ogl/AutoVector.h
+  ogl/Buffer.h
   ogl/BufferFormat.h
   ogl/Context.h
   ogl/ContextOffscreen.h
   ogl/ContextWindowed.h
   ogl/ContextWrapped.h
+  ogl/FragmentShader.h
+  ogl/Framebuffer.h
+  ogl/GLSLObject.h
+  ogl/Object.h
+  ogl/PixelUnpackParameters.h
+  ogl/Program.h
+  ogl/Renderbuffer.h
   ogl/ScopedContextWrapper.h
+  ogl/Shader.h
+  ogl/StateObject.h
+  ogl/Texture.h
+  ogl/Texture1.h
+  ogl/Texture1D.h
+  ogl/Texture1DArray.h
+  ogl/Texture2.h
+  ogl/Texture2D.h
+  ogl/Texture2DArray.h
+  ogl/Texture3.h
+  ogl/Texture3D.h
+  ogl/TextureRECT.h
+  ogl/TextureUnit.h
+  ogl/VertexShader.h
   platform/Platform.h
   platform/WglTokens.h
   zlt/core/Core.h
