@@ -45,12 +45,15 @@ struct StartedLibrary {
 /// With every function of GL loaded, and a context that is current. FakeGL begins anew behind it.
 struct LibraryWithAllOfGL {
     struct System : FakeWindowSystem {
-        System() { devices[0].driver.extensions = FakeGL::extensionNames(); }
+        explicit System(const std::string& more) {
+            devices[0].driver.extensions = FakeGL::extensionNames() + more;
+        }
     } system;
     StartedLibrary library;
     ContextOffscreen context;
 
-    LibraryWithAllOfGL() {
+    /// @param more  extensions without functions, with blanks between
+    explicit LibraryWithAllOfGL(const std::string& more = "") : system(more) {
         context.makeCurrent();
         FakeGL::reset();
     }
