@@ -68,12 +68,14 @@ set(public_headers
   zlt/core/memory/ZLTDeleter.h)
 foreach(header IN LISTS public_headers)
   cmake_path(GET header PARENT_PATH folder)
-  install(FILES ${PROJECT_SOURCE_DIR}/src/${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zlt_ogl/${folder})
+  install(FILES ${PROJECT_SOURCE_DIR}/src/${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zlt_ogl/${folder}
+    COMPONENT headers)
 endforeach()
 foreach(header IN LISTS zlt_generated_headers)
   cmake_path(RELATIVE_PATH header BASE_DIRECTORY ${zlt_generated}/include OUTPUT_VARIABLE name)
   cmake_path(GET name PARENT_PATH folder)
-  install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zlt_ogl/${folder})
+  install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zlt_ogl/${folder}
+    COMPONENT headers)
 endforeach()
 
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/zlt_ogl)
