@@ -1,15 +1,27 @@
-// A client as a stranger writes it: a context, a layer in front, calls, and the trace they left.
+// A client as a stranger writes it: a context, a layer in front, calls, the trace they left, and objects.
 
-#include <LibraryOGL.h>
+#include <AutoInitializer.h>
 #include <extensionator/OpenGLInterceptor.h>
 #include <extensionator/OpenGLTracer.h>
 #include <extensionator/TextureState.h>
 #include <extensionator/TokenName.h>
 #include <extensionator/win/WglFunctions.h>
+#include <ogl/Buffer.h>
 #include <ogl/BufferFormat.h>
 #include <ogl/ContextOffscreen.h>
 #include <ogl/ContextWindowed.h>
 #include <ogl/ContextWrapped.h>
+#include <ogl/Framebuffer.h>
+#include <ogl/Program.h>
+#include <ogl/Renderbuffer.h>
+#include <ogl/StateObject.h>
+#include <ogl/Texture1D.h>
+#include <ogl/Texture1DArray.h>
+#include <ogl/Texture2D.h>
+#include <ogl/Texture2DArray.h>
+#include <ogl/Texture3D.h>
+#include <ogl/TextureRECT.h>
+#include <ogl/TextureUnit.h>
 #include <zlt/core/Core.h>
 #include <zlt/core/Exceptions.h>
 
@@ -19,16 +31,18 @@
 
 #include <GL/gl.h>
 
+#include <algorithm>
 #include <iostream>
 #include <sstream>
 
 int main() {
     using namespace ZLT::OGL;
     std::ostringstream trace;
+    bool kept = false;
     try {
         ZLT::Core::Library::initialize();
-        Library::initialize(Library::InitOptions());
         {
+            const AutoInitializer library;
             const ContextOffscreen context;
             context.makeCurrent();
             OpenGLTracer tracer(trace);
@@ -39,8 +53,22 @@ int main() {
             std::cout << "unit " << TextureState::activeTextureUnit() << " of "
                       << ExtensionManager::Instance()->numberOfTextureUnits() << " on "
                       << context.deviceName() << '\n';
+
+            const unsigned char sent[] = {10, 20, 30, 40};
+            unsigned char read[4] = {};
+            TextureState::setActiveTextureUnit(0);
+            Texture2D texture(Texture::InternalFormat::RGBA8, 1, 1, false, nullptr);
+            TextureUnit::Unit(0)->bind(&texture);
+            texture.subImage(0, 0, 0, 1, 1, Texture::Format::RGBA, Texture::Type::UNSIGNED_BYTE, sent,
+                             PixelUnpackParameters());
+            texture.getPixelData(read, 0, Texture::Format::RGBA, Texture::Type::UNSIGNED_BYTE, 1);
+            kept = std::equal(sent, sent + 4, read);
+            try {
+                texture.getPixelData(read, 0, Texture::Format::RGBA, Texture::Type::UNSIGNED_BYTE, 3);
+            } catch (const ZLT::InternalException& refusal) {
+                std::cout << refusal.what() << '\n';
+            }
         }
-        Library::terminate();
         ZLT::Core::Library::terminate(&std::cout);
     } catch (const ZLT::LogicalException& error) {
         error.write(std::cout);
@@ -50,5 +78,5 @@ int main() {
     std::cout << trace.str();
     const bool bound = trace.str().find(": glBindTexture(GL_TEXTURE_2D, 5)\n") != std::string::npos;
     const bool activated = trace.str().find(": glActiveTexture(GL_TEXTURE1)\n") != std::string::npos;
-    return bound && activated ? 0 : 1;
+    return bound && activated && kept ? 0 : 1;
 }
