@@ -37,7 +37,8 @@ namespace {
 // The scene is drawn at twice the size, and drawn once more at half of that: smooth edges on every driver.
 constexpr int width = 960;
 constexpr int height = 640;
-constexpr int fine = 2;
+constexpr int fineWidth = 2 * width;
+constexpr int fineHeight = 2 * height;
 
 constexpr const char* vertexText = R"(
     uniform mat4 view;
@@ -110,7 +111,7 @@ private:
 
 // The client's own calls, each with its file and line.
 void drawMesh(const Mesh& mesh) {
-    CGM(Viewport, 0, 0, fine * width, fine * height);
+    CGM(Viewport, 0, 0, fineWidth, fineHeight);
     CGM(ClearColor, 0.04f, 0.05f, 0.09f, 1);
     CGM(Clear, GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     CGM(Enable, GL_DEPTH_TEST);
@@ -171,8 +172,8 @@ Picture draw(const std::filesystem::path& folder) {
     program.setUniform("gloss", 60.0f);
 
     unit->bind2DDefault();
-    Texture2D picture(Texture::InternalFormat::RGB8, fine * width, fine * height, false, nullptr);
-    Renderbuffer depth(GL_DEPTH_COMPONENT24, fine * width, fine * height);
+    Texture2D picture(Texture::InternalFormat::RGB8, fineWidth, fineHeight, false, nullptr);
+    Renderbuffer depth(GL_DEPTH_COMPONENT24, fineWidth, fineHeight);
     Texture2D half(Texture::InternalFormat::RGB8, width, height, false, nullptr);
     Framebuffer framebuffer;
     framebuffer.bind();

@@ -14,6 +14,7 @@
 #include <GL/glext.h>
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <utility>
 

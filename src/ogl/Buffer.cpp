@@ -15,13 +15,16 @@ namespace {
 constexpr const char* notTranslated = "!\"Buffer type enums are not all properly translated.\"";
 
 constexpr auto types = internal::tokenMap<Buffer::Type>(
-    notTranslated, {GL_PIXEL_UNPACK_BUFFER, GL_PIXEL_PACK_BUFFER, GL_ARRAY_BUFFER, GL_ELEMENT_ARRAY_BUFFER});
-constexpr auto bindings = internal::tokenMap<Buffer::Type>(
-    notTranslated, {GL_PIXEL_UNPACK_BUFFER_BINDING, GL_PIXEL_PACK_BUFFER_BINDING, GL_ARRAY_BUFFER_BINDING,
-                    GL_ELEMENT_ARRAY_BUFFER_BINDING});
+    __LINE__, notTranslated,
+    {GL_PIXEL_UNPACK_BUFFER, GL_PIXEL_PACK_BUFFER, GL_ARRAY_BUFFER, GL_ELEMENT_ARRAY_BUFFER});
+constexpr auto bindings =
+    internal::tokenMap<Buffer::Type>(__LINE__, notTranslated,
+                                     {GL_PIXEL_UNPACK_BUFFER_BINDING, GL_PIXEL_PACK_BUFFER_BINDING,
+                                      GL_ARRAY_BUFFER_BINDING, GL_ELEMENT_ARRAY_BUFFER_BINDING});
 constexpr auto usages = internal::tokenMap<Buffer::Usage>(
-    notTranslated, {GL_STREAM_DRAW, GL_STREAM_READ, GL_STREAM_COPY, GL_STATIC_DRAW, GL_STATIC_READ,
-                    GL_STATIC_COPY, GL_DYNAMIC_DRAW, GL_DYNAMIC_READ, GL_DYNAMIC_COPY});
+    __LINE__, notTranslated,
+    {GL_STREAM_DRAW, GL_STREAM_READ, GL_STREAM_COPY, GL_STATIC_DRAW, GL_STATIC_READ, GL_STATIC_COPY,
+     GL_DYNAMIC_DRAW, GL_DYNAMIC_READ, GL_DYNAMIC_COPY});
 
 } // namespace
 

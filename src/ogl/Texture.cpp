@@ -87,21 +87,21 @@ constexpr auto internalFormats = [] {
     unsigned int tokens[std::size(storedFormats)] = {};
     for (std::size_t i = 0; i < std::size(storedFormats); ++i)
         tokens[i] = storedFormats[i].token;
-    return tokenMap<Texture::InternalFormat>("!\"InternalFormat enums are not all properly translated.\"",
-                                             tokens);
+    return tokenMap<Texture::InternalFormat>(
+        __LINE__, "!\"InternalFormat enums are not all properly translated.\"", tokens);
 }();
 constexpr auto filters =
-    tokenMap<Texture::Filter>("!\"Filter enums are not all properly translated.\"",
+    tokenMap<Texture::Filter>(__LINE__, "!\"Filter enums are not all properly translated.\"",
                               {GL_NEAREST, GL_LINEAR, GL_NEAREST_MIPMAP_NEAREST, GL_LINEAR_MIPMAP_NEAREST,
                                GL_NEAREST_MIPMAP_LINEAR, GL_LINEAR_MIPMAP_LINEAR});
 constexpr auto wrapModes = tokenMap<Texture::WrapMode>(
-    "!\"WrapMode enums are not all properly translated.\"",
+    __LINE__, "!\"WrapMode enums are not all properly translated.\"",
     {GL_CLAMP, GL_CLAMP_TO_BORDER, GL_CLAMP_TO_EDGE, GL_MIRRORED_REPEAT, GL_REPEAT});
 constexpr auto formats =
-    tokenMap<Texture::Format>("!\"Format enums are not all properly translated.\"",
+    tokenMap<Texture::Format>(__LINE__, "!\"Format enums are not all properly translated.\"",
                               {GL_COLOR_INDEX, GL_RED, GL_GREEN, GL_BLUE, GL_ALPHA, GL_RGB, GL_BGR, GL_RGBA,
                                GL_BGRA, GL_LUMINANCE, GL_LUMINANCE_ALPHA});
-constexpr auto types = tokenMap<Texture::Type>("!\"Type enums are not all properly translated.\"",
+constexpr auto types = tokenMap<Texture::Type>(__LINE__, "!\"Type enums are not all properly translated.\"",
                                                {GL_UNSIGNED_BYTE,
                                                 GL_BYTE,
                                                 GL_BITMAP,
@@ -124,18 +124,18 @@ constexpr auto types = tokenMap<Texture::Type>("!\"Type enums are not all proper
                                                 GL_UNSIGNED_INT_2_10_10_10_REV,
                                                 GL_HALF_APPLE});
 constexpr auto pixelStoreModes = tokenMap<Texture::PixelStoreMode>(
-    "!\"PixelStoreMode enums are not all properly translated.\"",
+    __LINE__, "!\"PixelStoreMode enums are not all properly translated.\"",
     {GL_PACK_SWAP_BYTES, GL_PACK_LSB_FIRST, GL_PACK_ROW_LENGTH, GL_PACK_IMAGE_HEIGHT, GL_PACK_SKIP_PIXELS,
      GL_PACK_SKIP_ROWS, GL_PACK_SKIP_IMAGES, GL_PACK_ALIGNMENT, GL_UNPACK_SWAP_BYTES, GL_UNPACK_LSB_FIRST,
      GL_UNPACK_ROW_LENGTH, GL_UNPACK_IMAGE_HEIGHT, GL_UNPACK_SKIP_PIXELS, GL_UNPACK_SKIP_ROWS,
      GL_UNPACK_SKIP_IMAGES, GL_UNPACK_ALIGNMENT});
 constexpr auto targets =
-    tokenMap<Texture::Target>("!\"Target enums are not all properly translated.\"",
+    tokenMap<Texture::Target>(__LINE__, "!\"Target enums are not all properly translated.\"",
                               {GL_TEXTURE_1D, GL_TEXTURE_2D, GL_TEXTURE_3D, GL_TEXTURE_1D_ARRAY,
                                GL_TEXTURE_2D_ARRAY, GL_TEXTURE_RECTANGLE_ARB});
 // The text names the targets here too.
 constexpr auto targetBindings = tokenMap<Texture::TargetBinding>(
-    "!\"Target enums are not all properly translated.\"",
+    __LINE__, "!\"Target enums are not all properly translated.\"",
     {GL_TEXTURE_BINDING_1D, GL_TEXTURE_BINDING_2D, GL_TEXTURE_BINDING_3D, GL_TEXTURE_BINDING_1D_ARRAY,
      GL_TEXTURE_BINDING_2D_ARRAY, GL_TEXTURE_BINDING_RECTANGLE_ARB});
 
@@ -237,7 +237,7 @@ std::uint64_t Texture::SizeInBytes(InternalFormat format, std::uint64_t width, s
         ZLT_RAISE(internal::composed("Texture::SizeInBytes Unknown color channels for format ",
                                      TokenName(static_cast<unsigned int>(format)))
                       .c_str());
-    return texel.channels * texel.bytesPerChannel * width * height * depth;
+    return std::uint64_t(texel.channels) * texel.bytesPerChannel * width * height * depth;
 }
 
 unsigned int Texture::Filter2GL(Filter filter) { return filters.toGL(filter); }

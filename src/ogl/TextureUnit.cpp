@@ -20,7 +20,7 @@ namespace ZLT::OGL {
 namespace {
 
 constexpr auto environments = internal::tokenMap<TextureUnit::Environment>(
-    "!\"Environment enums are not all properly translated.\"",
+    __LINE__, "!\"Environment enums are not all properly translated.\"",
     {GL_ADD, GL_BLEND, GL_COMBINE, GL_DECAL, GL_MODULATE, GL_REPLACE});
 
 } // namespace

@@ -3,7 +3,6 @@
 #include "zlt/core/Enforce.h"
 
 #include <cstddef>
-#include <source_location>
 
 namespace ZLT::OGL::internal {
 
@@ -12,8 +11,8 @@ namespace ZLT::OGL::internal {
 template <class Enumeration, std::size_t count>
 class TokenMap {
 public:
-    constexpr TokenMap(const char* failure, const unsigned int (&tokens)[count], unsigned int line)
-        : failure_(failure), line_(static_cast<int>(line)), tokens_() {
+    constexpr TokenMap(int line, const char* failure, const unsigned int (&tokens)[count])
+        : line_(line), failure_(failure), tokens_() {
         for (std::size_t i = 0; i < count; ++i)
             tokens_[i] = tokens[i];
     }
@@ -33,18 +32,18 @@ public:
     [[noreturn]] void raise() const { Detail::raiseInternal(ZLT_SOURCE_FILE, line_, failure_); }
 
 private:
-    const char* failure_;
     int line_;
+    const char* failure_;
     unsigned int tokens_[count];
 };
 
-/// @param failure  what a value outside the table raises
+/// @param line     where the table stands
+/// @param failure  what a value outside it raises
 /// @param tokens   in the order of the enumeration
 template <class Enumeration, std::size_t count>
-constexpr TokenMap<Enumeration, count>
-tokenMap(const char* failure, const unsigned int (&tokens)[count],
-         const std::source_location& where = std::source_location::current()) {
-    return {failure, tokens, where.line()};
+constexpr TokenMap<Enumeration, count> tokenMap(int line, const char* failure,
+                                                const unsigned int (&tokens)[count]) {
+    return {line, failure, tokens};
 }
 
 } // namespace ZLT::OGL::internal
