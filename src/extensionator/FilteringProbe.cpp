@@ -124,7 +124,8 @@ bool ExtensionManager::testFiltering(unsigned int internalFormat) const {
     framebuffer.detach(&target, 0);
     unit->disable2D();
     unit->bind(&target);
-    std::array<std::uint8_t, targetSize* targetSize* 3> pixels = {};
+    constexpr std::size_t bytes = std::size_t(3) * targetSize * targetSize;
+    std::array<std::uint8_t, bytes> pixels = {};
     target.getPixelData(pixels.data(), 0, Texture::Format::RGB, Texture::Type::UNSIGNED_BYTE, 1);
     for (std::size_t x = 0; x < targetSize; ++x)
         if (pixels[3 * x] != 0 && pixels[3 * x] != 255)
