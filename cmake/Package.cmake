@@ -27,7 +27,6 @@ set(public_headers
   extensionator/win/wglLayerEntries.inl
   extensionator/win/wglRekorder.h
   ogl/AutoVector.h
-  ogl/AutoVector.h
   ogl/Buffer.h
   ogl/BufferFormat.h
   ogl/Context.h

@@ -21,7 +21,7 @@ class Context;
 class ZLT_OGL_API AutoInitializer {
 public:
     /// @throws InternalException as Library::initialize(); nothing is stopped then
-    explicit AutoInitializer(const Library::InitOptions& options = Library::InitOptions());
+    AutoInitializer(const Library::InitOptions& options = Library::InitOptions());
     /// By the older route, from a context of the client's.
     /// @throws InternalException as Library::initialize_DEPRECATED_2_5(); nothing is stopped then
     AutoInitializer(Context* context, const ExtensionManager::InitOptions& options);

@@ -117,12 +117,13 @@ public:
     /// current.
     unsigned int numberOfTextureUnits() const;
     /// Whether textures of 16-bit floats can be filtered linearly: by the vendor where that tells, by an
-    /// experiment otherwise, once for each manager, on a context of its own that shares with the current one.
-    /// The experiment needs the library to be started and WGL_ARB_render_texture, and leaves the current
-    /// context as it was; false when it fails. Never without GL_EXT_gpu_shader4.
-    bool supportsHalfFiltering() const;
-    /// The same for 32-bit floats; only NVIDIA's drivers are asked for GL_EXT_gpu_shader4.
-    bool supportsFloatFiltering() const;
+    /// experiment otherwise, whose answer is kept for the manager's life. A context of this manager must be
+    /// current, and is again behind the experiment, which draws on a context of its own on the primary
+    /// display. It needs the library to be started and `WGL_ARB_render_texture`; one that fails tells no.
+    /// Without `GL_EXT_gpu_shader4` the answer is no.
+    bool supportsHalfFiltering();
+    /// The same for 32-bit floats; `GL_EXT_gpu_shader4` counts for NVIDIA's drivers alone.
+    bool supportsFloatFiltering();
     /// @}
 
     /// @name Loaders
@@ -162,9 +163,9 @@ private:
     teExtension nameToEnumWGL(const char* name);
     bool initializeWGL(teExtension extension);
 
-    bool testHalfFiltering() const;
-    bool testFloatFiltering() const;
-    bool testFiltering(unsigned int internalFormat) const;
+    bool testHalfFiltering();
+    bool testFloatFiltering();
+    bool testFiltering(unsigned int internalFormat);
 
     static std::vector<ExtensionManager*> perDeviceEM_; // owns them, in order of creation
     static ExtensionManager* cachedNullExtMgrInstance;  // while the library is started
@@ -178,10 +179,10 @@ private:
     teVendor vendor_ = VENDOR_UNKNOWN;
     bool supportsNonPowerOfTwo_ = false;
     // What the experiments told, each at the first question that needs it; not locked.
-    mutable bool halfFilteringTested_ = false;
-    mutable bool halfFilteringResult_ = false;
-    mutable bool floatFilteringTested_ = false;
-    mutable bool floatFilteringResult_ = false;
+    bool halfFilteringTested_ = false;
+    bool halfFilteringResult_ = false;
+    bool floatFilteringTested_ = false;
+    bool floatFilteringResult_ = false;
     std::shared_ptr<FunctionTable> tableExt_;
     String deviceName_; // the key; empty for the one that supports nothing
 };

@@ -25,26 +25,22 @@ namespace {
 constexpr int sourceSize = 16;
 constexpr int targetSize = 32;
 
-// White, from the lower left corner of the view to (right, 1), with texture coordinates equal to the
+// White, from the lower left corner of the view to (right, 1); textured with coordinates equal to the
 // vertices.
-void drawQuad(float right) {
+void drawQuad(float right, bool textured) {
     glColor4f(1, 1, 1, 1);
     glBegin(GL_QUADS);
     for (const auto& [x, y] : {std::pair(0.0f, 0.0f), {0.0f, 1.0f}, {right, 1.0f}, {right, 0.0f}}) {
-        glTexCoord2f(x, y);
+        if (textured)
+            glTexCoord2f(x, y);
         glVertex2f(x, y);
     }
     glEnd();
 }
 
-void clearView(int size) {
-    glViewport(0, 0, size, size);
-    glClear(GL_COLOR_BUFFER_BIT);
-}
-
 } // namespace
 
-bool ExtensionManager::supportsHalfFiltering() const {
+bool ExtensionManager::supportsHalfFiltering() {
     if (!isSupported(GL_EXT_GPU_SHADER4))
         return false;
     if (vendor_ == VENDOR_NVIDIA || (vendor_ == VENDOR_ATI && isSupported(OPEN_GL_3_0)))
@@ -60,7 +56,7 @@ bool ExtensionManager::supportsHalfFiltering() const {
     return halfFilteringResult_;
 }
 
-bool ExtensionManager::supportsFloatFiltering() const {
+bool ExtensionManager::supportsFloatFiltering() {
     // On purpose not as above: this extension decides for one vendor alone.
     if (vendor_ == VENDOR_NVIDIA)
         return isSupported(GL_EXT_GPU_SHADER4);
@@ -77,15 +73,15 @@ bool ExtensionManager::supportsFloatFiltering() const {
     return floatFilteringResult_;
 }
 
-bool ExtensionManager::testHalfFiltering() const { return supports16BitFloat() && testFiltering(GL_RGBA16F); }
+bool ExtensionManager::testHalfFiltering() { return supports16BitFloat() && testFiltering(GL_RGBA16F); }
 
-bool ExtensionManager::testFloatFiltering() const {
+bool ExtensionManager::testFloatFiltering() {
     return supportsFloatingPointTextures() && testFiltering(GL_RGBA32F);
 }
 
 // Draws an edge between white and black into a texture of the format, magnifies it with linear filters, and
 // looks for grey.
-bool ExtensionManager::testFiltering(unsigned int internalFormat) const {
+bool ExtensionManager::testFiltering(unsigned int internalFormat) {
     if (!supportsRenderToTexture())
         return false;
     const ScopedContextWrapper restore;
@@ -107,19 +103,21 @@ bool ExtensionManager::testFiltering(unsigned int internalFormat) const {
     glMatrixMode(GL_PROJECTION);
     glLoadIdentity();
     glOrtho(0, 1, 0, 1, -1, 1);
+    glViewport(0, 0, sourceSize, sourceSize);
     glClearColor(0, 0, 0, 0);
-    clearView(sourceSize);
-    drawQuad(0.5f);
+    glClear(GL_COLOR_BUFFER_BIT);
+    drawQuad(0.5f, false);
 
     Texture2D target(Texture::InternalFormat::RGBA8, targetSize, targetSize, false, nullptr);
     framebuffer.attach(&target, 0, 0);
-    clearView(targetSize);
+    glViewport(0, 0, targetSize, targetSize);
+    glClear(GL_COLOR_BUFFER_BIT);
     TextureState::setActiveTextureUnit(0);
     const TextureUnit* unit = TextureUnit::Unit(0);
     unit->bind(&source);
     unit->enable2D();
     source.setFilter(Texture::Filter::LINEAR, Texture::Filter::LINEAR);
-    drawQuad(1);
+    drawQuad(1, true);
 
     framebuffer.detach(&target, 0);
     unit->disable2D();

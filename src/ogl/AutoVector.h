@@ -40,20 +40,24 @@ public:
         checkLength(elements_.size() + 1);
         elements_.push_back(element);
     }
-    /// Appends `value` until there are `count` elements: null, unless it is one that is to be appended once.
+    /// Appends `value` until there are `count` elements. Each is owned, so it is null unless one is appended.
     /// @throws InternalException "!\"Resize to smaller size is not supported!\"", "vector<T> too long"
     void resize(std::size_t count, T* value) {
         if (count < elements_.size())
-            ZLT_UNREACHABLE("Resize to smaller size is not supported!");
+            raise(__LINE__, "!\"Resize to smaller size is not supported!\"");
         checkLength(count);
         elements_.resize(count, value);
     }
     void swap(AutoVector& other) noexcept { elements_.swap(other.elements_); }
 
 private:
+    // In this header's name, whatever source includes it.
+    [[noreturn]] static void raise(int line, const char* text) {
+        Detail::raiseInternal("..\\..\\ogl\\AutoVector", line, text);
+    }
     void checkLength(std::size_t count) const {
         if (count > elements_.max_size())
-            ZLT_RAISE("vector<T> too long");
+            raise(__LINE__, "vector<T> too long");
     }
 
     std::vector<T*, ZLTAllocator<T*>> elements_;

@@ -7,11 +7,11 @@
 
 namespace ZLT::OGL {
 
-/// A GL buffer object of fixed size. It plays one role at a time: source of pixels (unpack), destination of
-/// pixels (pack), vertex data or indices; convertToPackBuffer() and its siblings move it between roles.
+/// A GL buffer object of fixed size. It plays one role at a time: source of pixels (unpack), destination
+/// of pixels (pack), vertex data or indices; convertToPackBuffer() and its siblings move it between roles.
 ///
-/// map(), unmap(), subData() and getSubData() act on what is bound at target(), and don't bind: call bind()
-/// first.
+/// map(), unmap(), subData() and getSubData() act on what is bound at target(), and don't bind: call
+/// bind() first.
 class ZLT_OGL_API Buffer : public Object {
 public:
     /// The roles; enumerators are the GL tokens without their `GL_`.
@@ -42,10 +42,10 @@ public:
     /// @param type  the role. A buffer for indices begins as one for unpacking: call
     ///              convertToElementArrayBuffer(). So does a value outside the enumeration.
     /// @param data  `size` bytes to begin with, or null: undefined contents
-    /// @throws InternalException "ExtensionManager::Instance()->isSupported(GL_ARB_PIXEL_BUFFER_OBJECT)" or
-    ///         "...(GL_ARB_VERTEX_BUFFER_OBJECT)" without these, "Range error: nSize > 0", "n_ObjectID != 0"
-    ///         when the driver gives no name. For a value outside Usage as Usage2GL(); the name is lost and
-    ///         stays bound then.
+    /// @throws InternalException "ExtensionManager::Instance()->isSupported(GL_ARB_PIXEL_BUFFER_OBJECT)"
+    ///         or "...(GL_ARB_VERTEX_BUFFER_OBJECT)" without these, "Range error: nSize > 0", "n_ObjectID
+    ///         != 0" when the driver gives no name. For a value outside Usage as Usage2GL(); the name is
+    ///         lost and stays bound then.
     Buffer(std::int64_t size, Type type, Usage usage, const void* data);
     /// Deletes the GL buffer, mapped or not.
     ~Buffer() noexcept(false) override;
@@ -67,10 +67,10 @@ public:
     /// @}
 
     /// @name Roles
-    /// Converting makes no GL call, and keeps the contents.
+    /// Converting binds nothing, and keeps the contents.
     /// @throws InternalException "Buffer::convertToUnpackBuffer cannot convert buffer target while bound",
-    /// and
-    ///         so on for the others, while it is bound in the role that it has (be that the wanted one)
+    ///         and so on for the others, while it is bound in the role that it has (be that the wanted
+    ///         one)
     /// @{
     bool isUnpackBuffer() const;
     bool isPackBuffer() const;
@@ -87,13 +87,14 @@ public:
     /// @return the driver's pointer; null when it can't, and then the buffer counts as mapped all the same
     /// @throws InternalException "Buffer is already mapped (this will cause a GL error)"
     void* map(unsigned int access);
-    /// @throws InternalException "Buffer must be mapped before umapping it (this will cause a GL error)", or
-    ///         "Cannot unmap buffer" when the driver has lost the contents; it counts as mapped then
+    /// @throws InternalException "Buffer must be mapped before umapping it (this will cause a GL error)",
+    ///         or "Cannot unmap buffer" when the driver has lost the contents; it counts as mapped then
     void unmap();
 
     /// Writes `size` bytes at `offset`. GL reports a range behind the end.
-    /// @throws InternalException, in this order: "Buffer::subData buffer cannot be mapped", "Buffer::subData
-    ///         pointer to data must not be NULL", "Buffer::subData offset must not be negative"
+    /// @throws InternalException, in this order: "Buffer::subData buffer cannot be mapped",
+    ///         "Buffer::subData pointer to data must not be NULL", "Buffer::subData offset must not be
+    ///         negative"
     void subData(std::int64_t offset, std::int64_t size, const void* data);
     /// Reads `size` bytes at `offset`.
     /// @throws InternalException as subData(), with its own name

@@ -9,18 +9,18 @@ class Renderbuffer;
 class Texture2;
 class Texture2DArray;
 
-/// A framebuffer object (`GL_EXT_framebuffer_object`): textures and renderbuffers to draw to. GL alone knows
-/// what is attached. The context that made it must be current for all of it; GL reports a bad attachment
-/// through statusOkay() alone.
+/// A framebuffer object (`GL_EXT_framebuffer_object`): textures and renderbuffers to draw to. GL alone
+/// knows what is attached. The context that made it must be current for all of it; GL reports a bad
+/// attachment through statusOkay() alone.
 class ZLT_OGL_API Framebuffer : public Object {
 public:
     /// @throws InternalException "ExtensionManager::Instance()->isSupported(GL_EXT_FRAMEBUFFER_OBJECT)"
-    /// without
-    ///         it, "n_ObjectID != 0" when the driver gives no name
+    ///         without it, "n_ObjectID != 0" when the driver gives no name
     Framebuffer();
-    /// Deletes the GL framebuffer; one that is bound leaves the window's.
+    /// Deletes the GL framebuffer; if it is bound, GL binds the window's own.
     ~Framebuffer() noexcept(false) override;
 
+    /// Whether the current context has framebuffer objects.
     static bool isSupported();
     /// How many colours can be attached; the driver is asked each time.
     static unsigned int maxColorAttachments();
@@ -37,10 +37,13 @@ public:
 
     /// @name Attach
     /// This framebuffer must be bound, and a texture must not.
+    /// @param level       which level of the texture, from 0
+    /// @param layer       which layer, from 0
     /// @param colorIndex  which colour, from 0
-    /// @throws InternalException, in this order: "Enforce poTex != NULL" (poBuffer), "Texture cannot be bound
-    ///         during attachment to framebuffer object", "Framebuffer Objects must be bound to attach
-    ///         objects", "Invalid color buffer attachment only 8 attachments supported with 8 requested"
+    /// @throws InternalException, in this order: "Enforce poTex != NULL" (poBuffer), "Texture cannot be
+    ///         bound during attachment to framebuffer object", "Framebuffer Objects must be bound to
+    ///         attach objects", "Invalid color buffer attachment only 8 attachments supported with 8
+    ///         requested"
     /// @{
     void attach(Texture2* poTex, unsigned int level, unsigned int colorIndex);
     /// One layer of an array. Needs a driver that has `glFramebufferTextureLayer` by this name.
@@ -49,15 +52,15 @@ public:
     void attach(Texture2DArray* poTex, unsigned int layer, unsigned int level, unsigned int colorIndex);
     /// At the point that the renderbuffer's format tells: a colour, depth, stencil, or depth and stencil.
     /// @param colorIndex  0 unless it is a colour
-    /// @throws InternalException "Color buffer index is not supported with attachment:" and the point's name
-    ///         at last
+    /// @throws InternalException "Color buffer index is not supported with attachment:" and the point's
+    ///         name at last
     void attach(Renderbuffer* poBuffer, unsigned int colorIndex);
     /// @}
 
     /// @name Detach
-    /// This framebuffer must be bound.
-    /// @throws InternalException as attach(), with "Framebuffer Object must be bound before detaching
-    /// objects"
+    /// This framebuffer must be bound; a texture may be.
+    /// @throws InternalException, in this order: "Enforce poTex != NULL" (poBuffer), "Framebuffer Object
+    ///         must be bound before detaching objects", then as attach() of the colour index
     /// @{
     void detach(Texture2* poTex, unsigned int colorIndex);
     /// A depth and stencil buffer stays attached as the stencil.

@@ -4,13 +4,16 @@
 
 namespace ZLT::OGL {
 
-/// Base of the GL objects that have a bind point: textures, buffers, framebuffers and renderbuffers. It knows
-/// the object's name, the target to which it binds, and the query that tells what is bound there.
+/// Base of the GL objects that have a bind point: textures, buffers, framebuffers and renderbuffers. It
+/// knows the object's name, the target to which it binds, and the query that tells what is bound there.
 ///
 /// Only GL knows what is bound; nothing is tracked here. Constructors bind for themselves and restore what
 /// was bound before. Methods act on what is bound at the target, and don't bind: bind first. An object is
-/// used, and destroyed, while the context that made it (or one that shares with it) is current on the calling
-/// thread; nothing in the object remembers that context, and no lock guards it.
+/// used, and destroyed, while the context that made it (or one that shares with it) is current on the
+/// calling thread; nothing in the object remembers that context, and no lock guards it.
+///
+/// Any method may throw as ExtensionManager::Instance() does, or InternalException "The current context
+/// has no glBindBuffer" (or another function) where the driver lacks a function, or no context is current.
 ///
 /// Failures are exceptions, from destructors too. A destructor that runs because another exception unwinds
 /// the stack drops its own.

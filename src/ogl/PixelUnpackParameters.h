@@ -6,9 +6,9 @@
 
 namespace ZLT::OGL {
 
-/// The layout of pixels in client memory (or in a buffer) that are handed to GL, all of it in one value. The
-/// default is tightly packed rows: an alignment of 1 byte, where GL's own is 4. Lengths and skips are counts
-/// of pixels, rows and images, as in `glPixelStorei`; they are narrowed to its 32 bits.
+/// The layout of pixels in client memory (or in a buffer) that are handed to GL, all of it in one value.
+/// The default is tightly packed rows: an alignment of 1 byte, where GL's own is 4. Lengths and skips are
+/// counts of pixels, rows and images, as in `glPixelStorei`; they are narrowed to its 32 bits.
 class ZLT_OGL_API PixelUnpackParameters {
 public:
     /// The bytes on whose multiple each row begins.
@@ -19,7 +19,7 @@ public:
         eAlignment8 = 3,
     };
 
-    /// Whether the bytes of each element stand in the order of the other kind of machine.
+    /// Whether the bytes of each element stand in the other order than this machine's.
     bool swapBytes() const { return swapBytes_; }
     void enableSwapBytes() { swapBytes_ = true; }
     void disableSwapBytes() { swapBytes_ = false; }
@@ -49,15 +49,13 @@ public:
     void setAlignment(teAlignment alignment) { alignment_ = alignment; }
     /// @param bytes  1, 2, 4 or 8
     /// @throws InternalException "!\"Unsupported aligment in PixelUnpackParameters::setAlignment!\""
-    /// otherwise,
-    ///         and nothing changes
+    ///         otherwise, and nothing changes
     void setAlignment(unsigned int bytes);
 
     /// Sets all of it in the current context, which the library must know, until something else sets it.
     /// Image height and skipped images are left out where the driver has no three-dimensional textures.
     /// @throws InternalException "Enum value not recognized" for an alignment that is none of the
-    /// enumeration,
-    ///         when the rest has been set
+    ///         enumeration, when the rest has been set
     void apply() const;
 
 private:

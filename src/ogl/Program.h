@@ -16,12 +16,12 @@ class Shader;
 ///     program.enable();
 ///     program.setUniform("brightness", 0.5f);
 ///
-/// A uniform is named by its location or by its name; a name is looked up at each call. The plain forms throw
-/// InternalException "Program must be enabled to set uniform parameter" when another program is current,
-/// which costs one question to the driver (scalars and samplers by name: two). Arrays by name don't ask. The
-/// `_Unsafe` forms don't ask either: the value goes to whatever program is current. They leave out a uniform
-/// that doesn't exist (location -1), which the plain forms hand to GL to be ignored; arrays of floats, and
-/// arrays by name, are handed to GL here too.
+/// A uniform is named by its location or by its name; a name is looked up at each call. The plain forms
+/// throw InternalException "Program must be enabled to set uniform parameter" when another program is
+/// current, which costs one question to the driver (scalars and samplers by name: two). Arrays of scalars
+/// and vectors by name don't ask. The `_Unsafe` forms don't ask either: the value goes to whatever program
+/// is current. They leave out a uniform that doesn't exist (location -1), which the plain forms hand to GL
+/// to be ignored; arrays of floats, and arrays of scalars and vectors by name, are handed to GL here too.
 class ZLT_OGL_API Program : public GLSLObject {
 public:
     /// Whether the current context has programs.
@@ -42,11 +42,12 @@ public:
     /// Attaches a shader that has a source, compiled or not.
     /// @throws InternalException "Shader must be loaded before attaching", "Enforce shader != NULL"
     void attach(Shader* shader);
+    /// @param shader  not null; one that isn't attached is reported by GL
     void detach(const Shader* shader);
     void detachAllShaders();
-    /// The first 256 of them.
+    /// At most four times those among the first 64 shaders.
     void detachAllVertexShaders();
-    /// The first 256 of them.
+    /// At most four times those among the first 64 shaders.
     void detachAllFragmentShaders();
     /// Makes a shader from a source in `count` pieces, compiles and attaches it; it lives as long as it is
     /// attached. A source that doesn't compile shows when the program is linked.
@@ -61,11 +62,11 @@ public:
 
     /// @param checkErrors  false: a failure shows in isLinked()
     /// @throws InternalException "Program Link Error: \n" and the driver's log, "Unknown Program Link
-    /// Error\n"
-    ///         without a log; "Program Link Error(Falling to Software): \n" and the log when the driver says
-    ///         of a program that it has linked that it will "run in software": it can be enabled all the same
+    ///         Error\n" without a log; "Program Link Error(Falling to Software): \n" and the log when the
+    ///         driver says of a program that it has linked that it will "run in software": it can be
+    ///         enabled all the same
     void link(bool checkErrors);
-    /// Does nothing: the place for what a class of yours wants to do behind a link.
+    /// Does nothing, and nothing calls it.
     void postLinkInit() {}
     bool isLinked() const;
     /// Whether it could run in the current state.
@@ -86,20 +87,20 @@ public:
 
     /// Takes effect at the next link.
     void setAttributeLocation(unsigned int index, const char* name);
-    /// -1 for one that doesn't exist.
+    /// -1 for one that doesn't exist. The program must be linked, which GL tests.
     int getAttributeLocation(const char* name);
 
     /// @name Uniforms: questions
     /// @throws InternalException "Program must be linked to get active uniform count" where it must
     /// @{
 
-    /// -1 for one that doesn't exist, or of which nothing depends. The program must be linked, which isn't
+    /// -1 for one that doesn't exist, or on which nothing depends. The program must be linked, which isn't
     /// tested.
     int getUniformLocation(const char* name) const;
     /// It must be linked.
     unsigned int getActiveUniformCount() const;
-    /// Of the uniform with this number, from 0: its GL type, its length if it is an array (1 otherwise), its
-    /// name. It must be linked.
+    /// Of the uniform with this number, from 0: its GL type, its length if it is an array (1 otherwise),
+    /// its name. It must be linked.
     /// @param bufferSize  the bytes that `name` holds; see getMaxUniformStringLength()
     void getActiveUniform(unsigned int index, int bufferSize, int* size, unsigned int* type,
                           char* name) const;

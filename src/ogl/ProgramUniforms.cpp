@@ -5,9 +5,6 @@
 #include "ogl/internal/EntryPoint.h"
 #include "zlt/core/Enforce.h"
 
-#include <GL/gl.h>
-#include <GL/glext.h>
-
 namespace ZLT::OGL {
 
 void Program::requireEnabled() const {
@@ -64,7 +61,6 @@ void Program::unsafe(const char* name, const Set& set) {
     ZLT_UNIFORM_FORM(unsafe, row, member##_Unsafe, int uniform, function, parameters, __VA_ARGS__)           \
     ZLT_UNIFORM_FORM(unsafe, row, member##_Unsafe, const char* uniform, function, parameters, __VA_ARGS__)
 
-// clang-format off
 ZLT_UNIFORM(Scalar, setUniform, glUniform1i, (bool x), x)
 ZLT_UNIFORM(Scalar, setUniform, glUniform2i, (bool x, bool y), x, y)
 ZLT_UNIFORM(Scalar, setUniform, glUniform3i, (bool x, bool y, bool z), x, y, z)
@@ -72,7 +68,8 @@ ZLT_UNIFORM(Scalar, setUniform, glUniform4i, (bool x, bool y, bool z, bool w), x
 ZLT_UNIFORM(Scalar, setUniform, glUniform1i, (unsigned char x), x)
 ZLT_UNIFORM(Scalar, setUniform, glUniform2i, (unsigned char x, unsigned char y), x, y)
 ZLT_UNIFORM(Scalar, setUniform, glUniform3i, (unsigned char x, unsigned char y, unsigned char z), x, y, z)
-ZLT_UNIFORM(Scalar, setUniform, glUniform4i, (unsigned char x, unsigned char y, unsigned char z, unsigned char w), x, y, z, w)
+ZLT_UNIFORM(Scalar, setUniform, glUniform4i,
+            (unsigned char x, unsigned char y, unsigned char z, unsigned char w), x, y, z, w)
 ZLT_UNIFORM(Scalar, setUniform, glUniform1i, (int x), x)
 ZLT_UNIFORM(Scalar, setUniform, glUniform2i, (int x, int y), x, y)
 ZLT_UNIFORM(Scalar, setUniform, glUniform3i, (int x, int y, int z), x, y, z)
@@ -85,12 +82,18 @@ ZLT_UNIFORM(Scalar, setUniformSampler1D, glUniform1i, (int unit), unit)
 ZLT_UNIFORM(Scalar, setUniformSampler2D, glUniform1i, (int unit), unit)
 ZLT_UNIFORM(Scalar, setUniformSampler3D, glUniform1i, (int unit), unit)
 ZLT_UNIFORM(Scalar, setUniformSampler2DRECT, glUniform1i, (int unit), unit)
-ZLT_UNIFORM(Matrix, setUniformMatrices2, glUniformMatrix2fv, (int count, const float* values, unsigned char transpose), count, transpose, values)
-ZLT_UNIFORM(Matrix, setUniformMatrices3, glUniformMatrix3fv, (int count, const float* values, unsigned char transpose), count, transpose, values)
-ZLT_UNIFORM(Matrix, setUniformMatrices4, glUniformMatrix4fv, (int count, const float* values, unsigned char transpose), count, transpose, values)
-ZLT_UNIFORM(Matrix, setUniformMatrix2, glUniformMatrix2fv, (const float* values, unsigned char transpose), 1, transpose, values)
-ZLT_UNIFORM(Matrix, setUniformMatrix3, glUniformMatrix3fv, (const float* values, unsigned char transpose), 1, transpose, values)
-ZLT_UNIFORM(Matrix, setUniformMatrix4, glUniformMatrix4fv, (const float* values, unsigned char transpose), 1, transpose, values)
+ZLT_UNIFORM(Matrix, setUniformMatrices2, glUniformMatrix2fv,
+            (int count, const float* values, unsigned char transpose), count, transpose, values)
+ZLT_UNIFORM(Matrix, setUniformMatrices3, glUniformMatrix3fv,
+            (int count, const float* values, unsigned char transpose), count, transpose, values)
+ZLT_UNIFORM(Matrix, setUniformMatrices4, glUniformMatrix4fv,
+            (int count, const float* values, unsigned char transpose), count, transpose, values)
+ZLT_UNIFORM(Matrix, setUniformMatrix2, glUniformMatrix2fv, (const float* values, unsigned char transpose), 1,
+            transpose, values)
+ZLT_UNIFORM(Matrix, setUniformMatrix3, glUniformMatrix3fv, (const float* values, unsigned char transpose), 1,
+            transpose, values)
+ZLT_UNIFORM(Matrix, setUniformMatrix4, glUniformMatrix4fv, (const float* values, unsigned char transpose), 1,
+            transpose, values)
 ZLT_UNIFORM(Integers, setUniform, glUniform1iv, (int count, const int* values), count, values)
 ZLT_UNIFORM(Floats, setUniform, glUniform1fv, (int count, const float* values), count, values)
 ZLT_UNIFORM(Integers, setUniform2, glUniform2iv, (int count, const int* values), count, values)
@@ -100,6 +103,5 @@ ZLT_UNIFORM(Floats, setUniform3, glUniform3fv, (int count, const float* values),
 ZLT_UNIFORM(Integers, setUniform4, glUniform4iv, (int count, const int* values), count, values)
 // On purpose three components for four.
 ZLT_UNIFORM(Floats, setUniform4, glUniform3fv, (int count, const float* values), count, values)
-// clang-format on
 
 } // namespace ZLT::OGL

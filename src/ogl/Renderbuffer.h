@@ -5,23 +5,22 @@
 
 namespace ZLT::OGL {
 
-/// An image to draw to that is no texture: a colour, depth or stencil buffer for a Framebuffer. The context
-/// that made it must be current for all of it.
+/// An image to draw to that is no texture: a colour, depth or stencil buffer for a Framebuffer.
 class ZLT_OGL_API Renderbuffer : public Object {
 public:
     /// Makes it with undefined contents; the renderbuffer that was bound is bound again.
-    /// @param format        the GL internal format, such as `GL_RGBA8` or `GL_DEPTH_COMPONENT24`. It decides
-    ///                      where the buffer is attached: depth formats and `GL_DEPTH_STENCIL` as depth,
-    ///                      stencil indices as stencil, every other one as a colour.
+    /// @param format        the GL internal format, such as `GL_RGBA8` or `GL_DEPTH_COMPONENT24`. It
+    ///                      decides where the buffer is attached: depth formats and `GL_DEPTH_STENCIL` as
+    ///                      depth, stencil indices as stencil, every other one as a colour.
     /// @param width,height  in pixels
     /// @throws InternalException "ExtensionManager::Instance()->isSupported(GL_EXT_FRAMEBUFFER_OBJECT)"
-    /// without
-    ///         it, "Can't create renderbuffer of width 9000, a max width of 8192 is supported" (of the
-    ///         height: "width 9000, a max height of"), "n_ObjectID != 0" when the driver gives no name
+    ///         without it, "Can't create renderbuffer of width 9000, a max width of 8192 is supported" (of
+    ///         the height: "width 9000, a max height of"), "n_ObjectID != 0" when the driver gives no name
     Renderbuffer(unsigned int format, int width, int height);
     /// Deletes the GL renderbuffer.
     ~Renderbuffer() noexcept(false) override;
 
+    /// Whether the current context has renderbuffers.
     static bool isSupported();
     /// The largest width and height, in pixels; the driver is asked each time.
     static int maxSize();

@@ -29,8 +29,8 @@ public:
     /// @param lengths  the length of each piece in bytes, negative for one that ends with a 0; null: all do
     void load(unsigned int count, const char** strings, int* lengths);
     /// @param checkErrors  false: a failure shows in isCompiled(), and when a program is linked
-    /// @throws InternalException "Program Compile Error: \n" and the driver's log, "Unknown Compile Error."
-    ///         without a log
+    /// @throws InternalException "Program Compile Error: \n" and the driver's log, "Unknown Compile
+    ///         Error." without a log
     void compile(bool checkErrors);
 
     bool isCompiled() const;

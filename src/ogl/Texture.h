@@ -88,8 +88,8 @@ public:
         UNSIGNED_INT_2_10_10_10_REV = 19,
         HALF_APPLE = 20,
     };
-    /// Parameters of `glPixelStorei`. Skipped pixels stand in front of skipped rows and images: not the order
-    /// of the GL values.
+    /// Parameters of `glPixelStorei`. Skipped pixels stand in front of skipped rows and images: not the
+    /// order of the GL values.
     enum class PixelStoreMode : unsigned int {
         PACK_SWAP_BYTES = 0,
         PACK_LSB_FIRST = 1,
@@ -166,8 +166,8 @@ public:
     ~Texture() noexcept(false) override;
 
     /// @name Size
-    /// In texels. Each level halves the level below, rounded down: behind the last one the size is 0, not 1.
-    /// The level is taken modulo 64.
+    /// In texels. Each level halves the level below, rounded down: behind the last one the size is 0, not
+    /// 1. The level is taken modulo 64.
     /// @{
     std::uint64_t width(unsigned int level) const;
     /// 1 for a one-dimensional texture at level 0; for a one-dimensional array, the layers, halved all the
@@ -182,8 +182,7 @@ public:
     InternalFormat format() const { return internalFormat_; }
     /// @throws InternalException as Channels()
     std::uint64_t channels() const;
-    /// Bytes of level 0, by SizeInBytes(). The first call computes them, and the others return the low 32
-    /// bits of that.
+    /// Bytes of level 0, by SizeInBytes(). The first call computes them, and each gives their low 32 bits.
     /// @throws InternalException as SizeInBytes(), at each call
     int sizeInBytes() const;
 
@@ -197,21 +196,21 @@ public:
     /// @{
     /// Whether textures of this GL target exist; false for a value that is no texture's target.
     static bool IsTargetSupported(unsigned int glTarget);
-    /// By `GL_SGIS_generate_mipmap`, or a version of 1.4 to 2.x; false for 3.0 without the extension, which
-    /// has other means.
+    /// By `GL_SGIS_generate_mipmap`, or a version of 1.4 to 2.x; false for 3.0 without the extension,
+    /// which has other means.
     static bool supportsAutoMIPGeneration();
     /// @}
 
     /// How many values a texel has.
-    /// @throws InternalException "InternalFormat enums are not all properly sized." for RGB4 and for a value
-    ///         outside the enumeration
+    /// @throws InternalException "InternalFormat enums are not all properly sized." for RGB4 and for a
+    ///         value outside the enumeration
     static std::uint64_t Channels(InternalFormat format);
     /// @throws InternalException as for an internal format, in the same words
     static std::uint64_t Channels(Format format);
-    /// Channels x bytes of a channel x width x height x depth, unchecked for overflow. An unsized format has
-    /// one byte for each channel.
-    /// @throws InternalException "Texture::SizeInBytes Unknown color channels for format " and a name for a
-    ///         format whose channels don't fill bytes (the name is that of the token whose value is the
+    /// Channels x bytes of a channel x width x height x depth, unchecked for overflow. An unsized format
+    /// has one byte for each channel.
+    /// @throws InternalException "Texture::SizeInBytes Unknown color channels for format " and a name for
+    ///         a format whose channels don't fill bytes (the name is that of the token whose value is the
     ///         enumerator's number), and as Channels() for what that refuses
     static std::uint64_t SizeInBytes(InternalFormat format, std::uint64_t width, std::uint64_t height,
                                      std::uint64_t depth);
@@ -219,9 +218,8 @@ public:
     /// @name Translation
     /// Between the enumerations and the tokens of GL, both ways.
     /// @throws InternalException "!\"Filter enums are not all properly translated.\"" (InternalFormat,
-    /// Format,
-    ///         Type, WrapMode, PixelStoreMode, Target; TargetBinding says Target too) for a value that is not
-    ///         in the table
+    ///         Format, Type, WrapMode, PixelStoreMode, Target; TargetBinding says Target too) for a value
+    ///         that is not in the table
     /// @{
     static unsigned int Filter2GL(Filter filter);
     static unsigned int InternalFormat2GL(InternalFormat format);
@@ -252,8 +250,8 @@ protected:
     /// Saves the pixel store state on GL's stack, and sets the alignment of rows that are read back
     /// (`GL_PACK_ALIGNMENT`) or handed over (`GL_UNPACK_ALIGNMENT`). popPixelTransferModes() ends it.
     /// @param bytes  1, 2, 4 or 8
-    /// @throws InternalException "Invalid row byte alignment (must be of 1, 2, 4, or 8)."; nothing is saved
-    ///         then
+    /// @throws InternalException "Invalid row byte alignment (must be of 1, 2, 4, or 8)."; nothing is
+    ///         saved then
     static void pushAndSetReadbackByteAlignment(unsigned int bytes);
     static void pushAndSetTransferByteAlignment(unsigned int bytes);
     static void popPixelTransferModes();

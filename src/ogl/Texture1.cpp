@@ -1,7 +1,6 @@
 #include "ogl/Texture1.h"
 
 #include "extensionator/TextureState.h"
-#include "ogl/Buffer.h"
 #include "ogl/internal/TextureTransfer.h"
 #include "zlt/core/Enforce.h"
 
@@ -56,7 +55,7 @@ void Texture1::getPixelData(void* data, int level, unsigned int glFormat, unsign
 void Texture1::getPixelData(Buffer* buffer, int offset, int level, unsigned int glFormat,
                             unsigned int glType) const {
     verifyCurrentTextureObject();
-    // Not undone, other than in the two shapes that take an alignment.
+    // Not undone, unlike in the two shapes that take an alignment.
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
     checkTransferBuffer(buffer);
     const unsigned int previous = bindForPacking(*buffer);

@@ -12,6 +12,10 @@ class Buffer;
 
 /// A texture with a width. Its storage is allocated at construction; pixels enter through subImage() and
 /// leave through getPixelData(). The texture must be bound in the active unit for all of it.
+///
+/// Besides what stands at each method, a value outside an enumeration is refused as by its translation
+/// (Format2GL() and so on), unpack parameters as by PixelUnpackParameters::apply(), and a null buffer with
+/// "Enforce buffer != NULL". The pixel store state is as before then.
 class ZLT_OGL_API Texture1 : public Texture {
 public:
     ~Texture1() noexcept(false) override;
@@ -20,8 +24,9 @@ public:
     void setWrap(WrapMode s);
 
     /// The bytes that getPixelData() gives of level 0 (whatever `level` is) when rows have no padding.
-    /// @throws InternalException "pixelDataSize: Unknown type " and a name for INT, UNSIGNED_INT and packed
-    ///         types (the name is that of the token whose value is the enumerator's number), or as Channels()
+    /// @throws InternalException "pixelDataSize: Unknown type " and a name for a type other than bytes,
+    ///         shorts, halves and FLOAT (the name is that of the token whose value is the enumerator's
+    ///         number), or as Channels()
     std::uint64_t pixelDataSize(int level, Format format, Type type) const;
 
     /// Reads a level into client memory, by the pixel store state in force.
@@ -38,22 +43,22 @@ public:
 
     /// Replaces texels of a level. The pixel store state is saved and restored.
     /// @param x,width  in texels. The width is compared with that of level 0; GL reports what is beyond that.
-    /// @throws InternalException "error subimage width of zero supplied", "a negative texture image mip-map
-    ///         level supplied", "width(5) is greater than width of image (4) "; before any GL call
+    /// @throws InternalException "error subimage width of zero supplied", "a negative texture image
+    ///         mip-map level supplied", "width(5) is greater than width of image (4) "; before any GL call
     void subImage(int level, int x, std::uint64_t width, Format format, Type type, const void* data,
                   const PixelUnpackParameters& parameters);
-    /// The same from a pixel buffer, which is bound for this alone. Format and type reach GL as the numbers
-    /// of their enumerators, which GL refuses: use memory, or a Texture2.
+    /// The same from a pixel buffer, which is bound for this alone. Format and type reach GL as the
+    /// numbers of their enumerators, which GL refuses: use memory, or a Texture2.
     /// @param offset  in bytes
-    /// @throws InternalException as above, then "offset(8) is greater than pixel buffer object size8", "Pixel
-    ///         Buffer Object cannot be memory mapped during data transfer", and as
-    ///         Buffer::convertToUnpackBuffer() for a buffer that is bound in another role, which leaves the
-    ///         pixel store state on GL's stack
+    /// @throws InternalException as above, then "offset(8) is greater than pixel buffer object size8",
+    ///         "Pixel Buffer Object cannot be memory mapped during data transfer", and as
+    ///         Buffer::convertToUnpackBuffer() for a buffer that is bound in another role, which leaves
+    ///         the pixel store state on GL's stack
     void subImage(int level, int x, std::uint64_t width, Format format, Type type, Buffer* buffer,
                   std::uint64_t offset, const PixelUnpackParameters& parameters);
 
-    /// Checks its arguments and then copies nothing: `width` is handed to GL as the row to copy from, and the
-    /// width is 0.
+    /// Checks its arguments and then copies nothing: `width` is handed to GL as the row to copy from, and
+    /// the width is 0.
     /// @throws InternalException "error copySubimage width of zero supplied", then as subImage()
     void copyTexSubImage(int level, int xoffset, int ignored, int x, std::uint64_t width);
 

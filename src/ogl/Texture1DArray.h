@@ -11,7 +11,8 @@ namespace ZLT::OGL {
 /// count.
 class ZLT_OGL_API Texture1DArray : public Texture2 {
 public:
-    /// @param width   of level 0, in texels
+    /// @param width    of level 0, in texels
+    /// @param mipmaps levels down to one texel, with half the layers at each, which GL counts as incomplete
     /// @throws InternalException as Texture2
     Texture1DArray(InternalFormat format, std::uint64_t width, std::uint64_t layers, bool mipmaps);
     ~Texture1DArray() noexcept(false) override;

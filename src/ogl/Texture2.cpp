@@ -2,7 +2,6 @@
 
 #include "extensionator/ExtensionManager.h"
 #include "extensionator/TextureState.h"
-#include "ogl/Buffer.h"
 #include "ogl/internal/TextureTransfer.h"
 #include "zlt/core/Enforce.h"
 

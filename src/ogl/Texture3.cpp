@@ -1,7 +1,6 @@
 #include "ogl/Texture3.h"
 
 #include "extensionator/TextureState.h"
-#include "ogl/Buffer.h"
 #include "ogl/internal/EntryPoint.h"
 #include "ogl/internal/TextureTransfer.h"
 #include "zlt/core/Enforce.h"
@@ -107,7 +106,7 @@ void Texture3::getPixelData(Buffer* buffer, int offset, int level, Format format
                             unsigned int rowAlignment) const {
     verifyCurrentTextureObject();
     checkTransferBuffer(buffer);
-    // COLOR_INDEX isn't refused here, other than above.
+    // On purpose: COLOR_INDEX isn't refused here as it is above.
     const unsigned int glFormat = Format2GL(format);
     const unsigned int glType = Type2GL(type);
     pushAndSetReadbackByteAlignment(rowAlignment);

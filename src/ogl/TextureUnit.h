@@ -22,8 +22,9 @@ class AutoVector;
 ///     TextureUnit::Unit(1)->bind(&texture);
 ///
 /// No method makes its unit active: each acts on the unit that is active in the current context, whichever
-/// object it is called on. Methods throw InternalException "TextureUnit::Create() was not called (Singleton
-/// not created.)" while the library is stopped. One thread starts and stops, while no other uses the units.
+/// object it is called on. Methods throw InternalException "TextureUnit::Create() was not called
+/// (Singleton not created.)" while the library is stopped. One thread starts and stops, while no other
+/// uses the units.
 class ZLT_OGL_API TextureUnit {
 public:
     /// What a unit does with a texel and the colour so far; enumerators are the GL tokens without their

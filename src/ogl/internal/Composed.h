@@ -1,5 +1,6 @@
 #pragma once
 
+#include <locale>
 #include <sstream>
 #include <string>
 
@@ -9,6 +10,7 @@ namespace ZLT::OGL::internal {
 template <class... Parts>
 std::string composed(const Parts&... parts) {
     std::ostringstream message;
+    message.imbue(std::locale::classic()); // no grouping of digits, whatever the program has set
     (message << ... << parts);
     return message.str();
 }

@@ -37,7 +37,7 @@ public:
         static_assert(alignof(T) <= alignof(std::max_align_t), "over-aligned types are not supported");
         constexpr std::size_t size =
             sizeof(T); // NOLINT(bugprone-sizeof-expression): a pointer's, if T is one
-        if (count > std::numeric_limits<std::size_t>::max() / size)
+        if (count > (std::numeric_limits<std::size_t>::max)() / size)
             throw std::bad_array_new_length();
         void* p = ::operator new(count* size, MemoryType(0), Detail::allocatorFile, Detail::allocateLine);
         if (!p)
