@@ -12,7 +12,52 @@
 #include <cstddef>
 #include <stdexcept>
 
+namespace {
+
+// A frame buffer of several samples, made one for reading: as it is, any of its samples may come back.
+class Resolved {
+public:
+    Resolved(int width, int height) {
+        GLint samples = 0;
+        glGetIntegerv(GL_SAMPLES, &samples);
+        if (samples == 0)
+            return;
+        glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &draw_);
+        glGetIntegerv(GL_READ_FRAMEBUFFER_BINDING, &read_);
+        glGetIntegerv(GL_RENDERBUFFER_BINDING, &bound_);
+        glGenFramebuffers(1, &framebuffer_);
+        glGenRenderbuffers(1, &colors_);
+        glBindRenderbuffer(GL_RENDERBUFFER, colors_);
+        glRenderbufferStorage(GL_RENDERBUFFER, GL_RGBA8, width, height);
+        glBindFramebuffer(GL_DRAW_FRAMEBUFFER, framebuffer_);
+        glFramebufferRenderbuffer(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, colors_);
+        glPushAttrib(GL_SCISSOR_BIT);
+        glDisable(GL_SCISSOR_TEST);
+        glBlitFramebuffer(0, 0, width, height, 0, 0, width, height, GL_COLOR_BUFFER_BIT, GL_NEAREST);
+        glPopAttrib();
+        glBindFramebuffer(GL_READ_FRAMEBUFFER, framebuffer_);
+    }
+    ~Resolved() {
+        if (!framebuffer_)
+            return;
+        glBindFramebuffer(GL_DRAW_FRAMEBUFFER, static_cast<GLuint>(draw_));
+        glBindFramebuffer(GL_READ_FRAMEBUFFER, static_cast<GLuint>(read_));
+        glBindRenderbuffer(GL_RENDERBUFFER, static_cast<GLuint>(bound_));
+        glDeleteFramebuffers(1, &framebuffer_);
+        glDeleteRenderbuffers(1, &colors_);
+    }
+    Resolved(const Resolved&) = delete;
+    Resolved& operator=(const Resolved&) = delete;
+
+private:
+    GLint draw_ = 0, read_ = 0, bound_ = 0; // what was bound before
+    GLuint framebuffer_ = 0, colors_ = 0;
+};
+
+} // namespace
+
 Picture readFrame(int width, int height) {
+    const Resolved resolved(width, height);
     Picture picture = {width, height,
                        std::vector<std::uint8_t>(std::size_t(width) * std::size_t(height) * 3)};
     glPushClientAttrib(GL_CLIENT_PIXEL_STORE_BIT);

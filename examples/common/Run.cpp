@@ -5,7 +5,9 @@
 #include "zlt/core/Exceptions.h"
 
 #include <exception>
+#include <filesystem>
 #include <iostream>
+#include <sstream>
 
 int runExample(const std::function<int()>& body) {
     try {
@@ -13,8 +15,11 @@ int runExample(const std::function<int()>& body) {
         ZLT::OGL::Library::initialize(ZLT::OGL::Library::InitOptions());
         const int result = body();
         ZLT::OGL::Library::terminate();
-        ZLT::Core::Library::terminate(&std::cerr);
-        return result;
+        std::ostringstream left;
+        ZLT::Core::Library::terminate(&left);
+        if (left.str().empty())
+            return result;
+        std::cerr << "not released:\n" << left.str();
     } catch (const ZLT::LogicalException& error) {
         error.write(std::cerr);
         std::cerr << '\n';
@@ -22,4 +27,10 @@ int runExample(const std::function<int()>& body) {
         std::cerr << error.what() << '\n';
     }
     return 1;
+}
+
+std::string outputPath(int argc, char** argv, const char* file) {
+    const std::filesystem::path folder = std::filesystem::absolute(argc > 1 ? argv[1] : ".");
+    std::filesystem::create_directories(folder);
+    return (folder / file).string();
 }

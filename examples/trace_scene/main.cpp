@@ -6,19 +6,16 @@
 #include "Png.h"
 #include "Run.h"
 #include "Scene.h"
+#include "WindowContext.h"
 #include "extensionator/OpenGLInterceptor.h"
 #include "extensionator/OpenGLTracer.h"
 #include "extensionator/TokenName.h"
-#include "ogl/BufferFormat.h"
-#include "ogl/ContextWindowed.h"
-#include "zlt/core/Exceptions.h"
 
 #include <GL/gl.h>
 
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <memory>
 #include <stdexcept>
 
 using namespace ZLT::OGL;
@@ -41,21 +38,9 @@ void makeMistake() {
     }
 }
 
-// With four samples for each pixel where the driver has such a format.
-std::unique_ptr<Context> makeContext(const PlainWindow& window) {
-    const BufferFormat format(BufferFormat::RGB8_D24);
-    try {
-        return std::make_unique<ContextWindowed>(window.handle(), format, Context::eDoubleBuffered,
-                                                 Context::teMultisample(4), nullptr);
-    } catch (const ZLT::LogicalException&) {
-        return std::make_unique<ContextWindowed>(window.handle(), format, Context::eDoubleBuffered,
-                                                 Context::eNoMultisample, nullptr);
-    }
-}
-
 void run(const std::filesystem::path& folder) {
     const PlainWindow window(width, height);
-    const std::unique_ptr<Context> context = makeContext(window);
+    const auto context = makeContext(window.handle());
     context->makeCurrent();
     std::cout << "Renderer: " << CGM(GetString, GL_RENDERER) << '\n';
 
