@@ -76,7 +76,7 @@ const char* yesOrNo(bool answer) { return answer ? "yes" : "no"; }
 int run() {
     const ContextOffscreen context;
     context.makeCurrent();
-    const ExtensionManager& driver = *ExtensionManager::Instance();
+    ExtensionManager& driver = *ExtensionManager::Instance();
     if (!driver.supportsFloatingPointTextures())
         throw std::runtime_error("the driver has no textures of floats");
     std::cout << "supportsFloatingPointTextures(): yes\n";
