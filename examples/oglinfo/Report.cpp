@@ -89,7 +89,7 @@ const char* kindOf(ExtensionManager::teVendor vendor) {
 DeviceReport reportDevice(const DISPLAY_DEVICEA& device) {
     const ContextOffscreen context(device);
     context.makeCurrent();
-    const ExtensionManager& manager = *ExtensionManager::Instance();
+    ExtensionManager& manager = *ExtensionManager::Instance();
     DeviceReport report;
     report.name = device.DeviceName;
     report.adapter = device.DeviceString;
@@ -108,6 +108,8 @@ DeviceReport reportDevice(const DISPLAY_DEVICEA& device) {
         {"clamp to edge", manager.supportsClampToEdge()},
         {"draw buffers", manager.supportsDrawBuffers()},
         {"floating-point textures", manager.supportsFloatingPointTextures()},
+        {"filtering of 16-bit floats", manager.supportsHalfFiltering()},
+        {"filtering of 32-bit floats", manager.supportsFloatFiltering()},
         {"multitexture", manager.supportsMultiTexture()},
         {"non-power-of-two textures", manager.supportsNonPowerOfTwoTextures()},
         {"pixel buffers", manager.supportsPixelBuffers()},
