@@ -1,30 +1,21 @@
 // Contexts, display devices and extension managers on the real driver: Mesa without X, Mesa on X11, WGL.
 
-#include "LibraryOGL.h"
 #include "PlainWindow.h"
+#include "StartedDriver.h"
 #include "extensionator/OpenGLInterceptor.h"
 #include "extensionator/TextureState.h"
 #include "extensionator/win/WglFunctions.h"
 #include "ogl/BufferFormat.h"
-#include "ogl/ContextOffscreen.h"
 #include "ogl/ContextWindowed.h"
 #include "ogl/ContextWrapped.h"
 #include "ogl/ScopedContextWrapper.h"
 #include "platform/WglTokens.h"
-#include "zlt/core/Core.h"
-#include "zlt/core/Exceptions.h"
-#include "zlt/core/Memory.h"
-
-#include <GL/gl.h>
-#include <GL/glext.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
 #include <atomic>
 #include <cstdint>
 #include <cstring>
-#include <iostream>
 #include <memory>
 #include <numeric>
 #include <set>
@@ -34,70 +25,17 @@
 
 using namespace ZLT::OGL;
 using ZLT::InternalException;
-using ZLT::LogicalException;
 
 namespace {
 
 constexpr int width = 64;
 constexpr int height = 48;
 
-std::size_t liveHandles() {
-#if defined(_WIN32)
-    return 0; // the system counts its own
-#else
-    return ZLT::Platform::liveHandles();
-#endif
-}
-
-class ContextDriverTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        ZLT::Core::Library::initialize();
-        if (Context::numDisplayDevice() > 0) {
-            Library::initialize(Library::InitOptions());
-            started_ = true;
-        } else {
-            GTEST_SKIP() << "no driver: no display device";
-        }
-    }
-    void TearDown() override {
-        if (started_)
-            Library::terminate();
-        EXPECT_EQ(ZLT::Core::writeAllocations(std::cerr), 0u);
-        ZLT::Core::Library::terminate();
-        EXPECT_EQ(liveHandles(), 0u);
-        EXPECT_EQ(Context::currentContext(), nullptr);
-    }
-
-private:
-    bool started_ = false;
-};
+class ContextDriverTest : public StartedDriver {};
 
 std::unique_ptr<ContextWindowed> windowed(const PlainWindow& window, const Context* share = nullptr) {
     return std::make_unique<ContextWindowed>(window.handle(), BufferFormat(BufferFormat::RGBA8_D24S8),
                                              Context::eDoubleBuffered, Context::eNoMultisample, share);
-}
-
-// What `call` throws; "" when nothing.
-template <class Exception = LogicalException, class Call>
-std::string messageOf(Call call) {
-    try {
-        call();
-    } catch (const Exception& failure) {
-        return failure.what();
-    }
-    return "";
-}
-
-std::array<int, 3> pixelAt(int x, int y) {
-    std::array<std::uint8_t, 4> bytes{};
-    glReadPixels(x, y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, bytes.data());
-    return {bytes[0], bytes[1], bytes[2]};
-}
-
-void clear(float red, float green, float blue) {
-    glClearColor(red, green, blue, 1);
-    glClear(GL_COLOR_BUFFER_BIT);
 }
 
 // Through the chain, by the entry that the driver has.

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "LibraryOGL.h"
+#include "ogl/ContextOffscreen.h"
+#include "zlt/core/Core.h"
+#include "zlt/core/Exceptions.h"
+#include "zlt/core/Memory.h"
+
+#include <GL/gl.h>
+#include <GL/glext.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdint>
+#include <iostream>
+#include <string>
+
+/// @file
+/// The library, started on the real driver, and what the tests ask the two.
+
+inline std::size_t liveHandles() {
+#if defined(_WIN32)
+    return 0; // the system counts its own
+#else
+    return ZLT::Platform::liveHandles();
+#endif
+}
+
+/// What `call` throws; "" when nothing.
+template <class Exception = ZLT::LogicalException, class Call>
+std::string messageOf(Call call) {
+    try {
+        call();
+    } catch (const Exception& failure) {
+        return failure.what();
+    }
+    return "";
+}
+
+inline std::array<int, 3> pixelAt(int x, int y) {
+    std::array<std::uint8_t, 4> bytes{};
+    glReadPixels(x, y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, bytes.data());
+    return {bytes[0], bytes[1], bytes[2]};
+}
+
+inline void clear(float red, float green, float blue) {
+    glClearColor(red, green, blue, 1);
+    glClear(GL_COLOR_BUFFER_BIT);
+}
+
+/// Starts the library, and at the end expects that nothing is left of it.
+class StartedDriver : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ZLT::Core::Library::initialize();
+        if (ZLT::OGL::Context::numDisplayDevice() > 0) {
+            ZLT::OGL::Library::initialize(ZLT::OGL::Library::InitOptions());
+            started_ = true;
+        } else {
+            GTEST_SKIP() << "no driver: no display device";
+        }
+    }
+    void TearDown() override {
+        if (started_)
+            ZLT::OGL::Library::terminate();
+        EXPECT_EQ(ZLT::Core::writeAllocations(std::cerr), 0u);
+        ZLT::Core::Library::terminate();
+        EXPECT_EQ(liveHandles(), 0u);
+        EXPECT_EQ(ZLT::OGL::Context::currentContext(), nullptr);
+    }
+
+private:
+    bool started_ = false;
+};
