@@ -1,0 +1,328 @@
+// Framebuffers, buffers, programs, and the library's life with them on the real driver.
+
+#include "DriverObjects.h"
+#include "ogl/FragmentShader.h"
+#include "ogl/Program.h"
+#include "ogl/Renderbuffer.h"
+#include "ogl/StateObject.h"
+
+using namespace ZLT::OGL;
+
+namespace {
+
+class ObjectDriverTest : public StartedWithContext {};
+
+const FunctionTable& gl() { return ExtensionManager::Instance()->table(); }
+
+struct Linked : Program {
+    explicit Linked(const std::string& fragment) {
+        const char* text = fragment.c_str();
+        loadFragmentShader(1, &text, nullptr);
+        relink();
+    }
+    ~Linked() override { disable(); }
+    void relink() { // all uniforms are 0 then
+        link(true);
+        enable();
+    }
+};
+
+// A white wall, red behind it, and blue in front of its right half; the left one shows what was seen.
+Colour leftOfWall() {
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    glEnable(GL_DEPTH_TEST);
+    draw(white);
+    draw(red, -1, 1, 0.5f);
+    draw(blue, 0, 1, -0.5f);
+    glDisable(GL_DEPTH_TEST);
+    EXPECT_EQ(pixelAt(6, 1), blue);
+    return pixelAt(1, 1);
+}
+
+// The left half is marked, and red is drawn where the mark is; the right one shows if that was tested.
+Colour rightOfMark() {
+    glClear(GL_COLOR_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
+    glEnable(GL_STENCIL_TEST);
+    glStencilFunc(GL_ALWAYS, 1, 1);
+    glStencilOp(GL_REPLACE, GL_REPLACE, GL_REPLACE);
+    draw(white, -1, 0);
+    glStencilFunc(GL_EQUAL, 1, 1);
+    draw(red);
+    glDisable(GL_STENCIL_TEST);
+    EXPECT_EQ(pixelAt(1, 1), red);
+    return pixelAt(6, 1);
+}
+
+// One object of each kind, all of them in use.
+struct Client {
+    Canvas canvas;
+    Texture3D block{Internal::RGBA8, 2, 2, 2, true};
+    Buffer buffer{8, Buffer::Type::ARRAY_BUFFER, Buffer::Usage::STATIC_DRAW, nullptr};
+    Renderbuffer depth{GL_DEPTH_COMPONENT24, Canvas::size, Canvas::size};
+    Linked program{"void main() { gl_FragColor = vec4(0, 1, 0, 1); }"};
+
+    Client() {
+        canvas.framebuffer.attach(&depth, 0);
+        draw(red);
+        EXPECT_EQ(pixelAt(1, 1), green);
+    }
+};
+
+using byte = unsigned char;
+constexpr int ints[] = {5, -6, 7, -8, 9, -10, 11, -12};
+constexpr float reals[] = {1,  2,  3,  4,  5,  6,  7,  8,  9,  10, 11, 12, 13, 14, 15, 16,
+                           17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29, 30, 31, 32};
+
+// A uniform, what it is to equal, and the setter: by name and by location, and both without a test.
+struct Uniform {
+    std::string type, value;
+    void (*set)(Program&, int form);
+};
+// clang-format off
+#define ROW(type, value, member, ...) Uniform{type, value, [](Program& p, int form) { \
+        const int at = p.getUniformLocation("u"); \
+        form == 0 ? p.member("u", __VA_ARGS__) : form == 1 ? p.member(at, __VA_ARGS__) : \
+        form == 2 ? p.member##_Unsafe("u", __VA_ARGS__) : p.member##_Unsafe(at, __VA_ARGS__); }}
+#define SET(type, ...) ROW(type, #__VA_ARGS__, setUniform, __VA_ARGS__)
+const Uniform uniforms[] = {
+    SET("bool", true), SET("bvec2", false, true), SET("bvec3", true, false, true), SET("int", byte(200)),
+    SET("bvec4", true, true, false, true), SET("ivec2", byte(200), byte(1)), SET("float", .5f),
+    SET("ivec3", byte(200), byte(1), byte(2)), SET("ivec4", byte(200), byte(1), byte(2), byte(255)),
+    SET("int", -3), SET("ivec2", -3, 4), SET("ivec3", -3, 4, 5), SET("ivec4", -3, 4, 5, 1000),
+    SET("vec2", .5f, -2.f), SET("vec3", .5f, -2.f, 3.f), SET("vec4", .5f, -2.f, 3.f, 4.f),
+    ROW("sampler1D", "texture1D(u, 0.5)", setUniformSampler1D, 1),
+    ROW("sampler2D", "texture2D(u, vec2(0.5))", setUniformSampler2D, 1),
+    ROW("sampler3D", "texture3D(u, vec3(0.5))", setUniformSampler3D, 1),
+    ROW("sampler2DRect", "texture2DRect(u, vec2(0.5))", setUniformSampler2DRECT, 1),
+    ROW("mat2[2]", "mat2(1, 2, 3, 4), mat2(5, 6, 7, 8)", setUniformMatrices2, 2, reals, 0),
+    ROW("mat3[2]", "mat3(1, 2, 3, 4, 5, 6, 7, 8, 9), mat3(10, 11, 12, 13, 14, 15, 16, 17, 18)",
+        setUniformMatrices3, 2, reals, 0),
+    ROW("mat4[2]", "mat4(v(1), v(5), v(9), v(13)), mat4(v(17), v(21), v(25), v(29))",
+        setUniformMatrices4, 2, reals, 0), // v() makes a vector that counts on
+    ROW("mat2", "1, 3, 2, 4", setUniformMatrix2, reals, 1),
+    ROW("mat3", "1, 4, 7, 2, 5, 8, 3, 6, 9", setUniformMatrix3, reals, 1),
+    ROW("mat4", "1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15, 4, 8, 12, 16", setUniformMatrix4, reals, 1),
+    ROW("int[2]", "5, -6", setUniform, 2, ints), ROW("float[2]", "1.0, 2.0", setUniform, 2, reals),
+    ROW("ivec2[2]", "ivec2(5, -6), ivec2(7, -8)", setUniform2, 2, ints),
+    ROW("vec2[2]", "vec2(1, 2), vec2(3, 4)", setUniform2, 2, reals),
+    ROW("ivec3[2]", "ivec3(5, -6, 7), ivec3(-8, 9, -10)", setUniform3, 2, ints),
+    ROW("vec3[2]", "vec3(1, 2, 3), vec3(4, 5, 6)", setUniform3, 2, reals),
+    ROW("ivec4[2]", "ivec4(5, -6, 7, -8), ivec4(9, -10, 11, -12)", setUniform4, 2, ints),
+    ROW("vec3[2]", "vec3(1, 2, 3), vec3(4, 5, 6)", setUniform4, 2, reals), // three of four components
+};
+// clang-format on
+static_assert(std::size(uniforms) == 34);
+
+} // namespace
+
+TEST_F(ObjectDriverTest, coloursOfEachKindAreDrawnTo) {
+    Framebuffer framebuffer;
+    framebuffer.bind();
+    unsigned status = 0;
+    EXPECT_FALSE(framebuffer.statusOkay(&status));
+    EXPECT_EQ(status, unsigned(GL_FRAMEBUFFER_INCOMPLETE_MISSING_ATTACHMENT));
+    glViewport(0, 0, 2, 2);
+    Texture2D levels(Internal::RGBA8, 4, 4, true, nullptr);
+    TextureRECT rectangle(Internal::RGBA8, 3, 1, nullptr);
+    Texture2DArray layers(Internal::RGBA8, 1, 2, 3, false);
+    framebuffer.attach(&levels, 1, 0);
+    draw(green);
+    Texels level(4);
+    bind(levels);
+    levels.getPixelData(level.data(), 1, Format::RGBA, Type::UNSIGNED_BYTE, 4);
+    EXPECT_EQ(level, Texels(4, 0xFF00FF00));
+    framebuffer.detach(&levels, 0);
+    EXPECT_FALSE(framebuffer.statusOkay(nullptr));
+    framebuffer.attach(&rectangle, 0, 0);
+    clear(0, 0, 1);
+    EXPECT_EQ(texelsOf(rectangle), Texels(3, 0xFFFF0000));
+    for (const auto& [layer, colour] : {std::pair(2u, red), {0u, blue}, {1u, green}}) {
+        framebuffer.attach(&layers, layer, 0, 0);
+        EXPECT_TRUE(framebuffer.statusOkay(nullptr));
+        draw(colour);
+    }
+    EXPECT_EQ(texelsOf(layers),
+              (Texels{0xFFFF0000, 0xFFFF0000, 0xFF00FF00, 0xFF00FF00, 0xFF0000FF, 0xFF0000FF}));
+
+    Canvas canvas;
+    const unsigned behind = Framebuffer::maxColorAttachments() - 1;
+    Renderbuffer buffer(GL_RGBA8, Canvas::size, Canvas::size);
+    canvas.framebuffer.attach(&buffer, behind);
+    const Linked program(
+        "void main() { gl_FragData[0] = vec4(1, 0, 0, 1); gl_FragData[1] = vec4(0, 1, 0, 1); }");
+    const GLenum both[] = {GL_COLOR_ATTACHMENT0, GL_COLOR_ATTACHMENT0 + behind};
+    gl().glDrawBuffers(2, both);
+    draw(black);
+    EXPECT_EQ(pixelAt(1, 1), red);
+    glReadBuffer(both[1]);
+    EXPECT_EQ(pixelAt(1, 1), green);
+}
+
+TEST_F(ObjectDriverTest, depthAndStencilAreTested) {
+    int tested = 0;
+    for (const GLenum format :
+         {GL_DEPTH_COMPONENT, GL_DEPTH_COMPONENT16, GL_DEPTH_COMPONENT24, GL_DEPTH_COMPONENT32,
+          GL_DEPTH_STENCIL, GL_STENCIL_INDEX1, GL_STENCIL_INDEX4, GL_STENCIL_INDEX8, GL_STENCIL_INDEX16}) {
+        SCOPED_TRACE(TokenName(format));
+        const bool both = format == GL_DEPTH_STENCIL, stencil = both || format >= GL_STENCIL_INDEX1;
+        Canvas canvas;
+        Renderbuffer buffer(format, Canvas::size, Canvas::size);
+        canvas.framebuffer.attach(&buffer, 0);
+        unsigned status = 0;
+        canvas.framebuffer.statusOkay(&status);
+        if (glGetError() || status == GL_FRAMEBUFFER_UNSUPPORTED) {
+            refused(TokenName(format), TokenName(status));
+            continue;
+        }
+        ++tested;
+        EXPECT_EQ(leftOfWall(), both || !stencil ? white : red);
+        EXPECT_EQ(rightOfMark(), stencil ? black : red);
+        canvas.framebuffer.detach(&buffer, 0);
+        EXPECT_EQ(leftOfWall(), red);
+        EXPECT_EQ(rightOfMark(), both ? black : red) << "what is both stays attached as the stencil";
+    }
+    EXPECT_GE(tested, 5);
+}
+
+TEST_F(ObjectDriverTest, buffersKeepTheirBytesInEachRole) {
+    for (unsigned i = 0; i < 36; ++i) {
+        const auto role = Buffer::Type(i % 4);
+        std::array<std::uint8_t, 16> bytes, read;
+        std::iota(bytes.begin(), bytes.end(), std::uint8_t(i));
+        Buffer buffer(16, role, Buffer::Usage(i / 4), bytes.data());
+        if (role == Buffer::Type::ELEMENT_ARRAY_BUFFER)
+            buffer.convertToElementArrayBuffer();
+        EXPECT_EQ(buffer.target(), Buffer::Type2GL(role));
+        buffer.bind();
+        auto* mapped = static_cast<std::uint8_t*>(buffer.map(GL_READ_WRITE));
+        std::copy_n(mapped, 16, read.begin());
+        EXPECT_EQ(read, bytes);
+        mapped[15] = bytes[15] = 99;
+        buffer.unmap();
+        bytes[3] = bytes[4] = 77;
+        buffer.subData(3, 2, &bytes[3]);
+        buffer.getSubData(0, 16, read.data());
+        EXPECT_EQ(read, bytes);
+    }
+}
+
+TEST_F(ObjectDriverTest, whatDoesNotCompileOrLinkIsToldInTheDriversWords) {
+    const char* undeclared = "void main() { gl_FragColor = vec4(undeclaredName); }";
+    const char* unresolved = "vec4 missingFunction(); void main() { gl_FragColor = missingFunction(); }";
+    FragmentShader shader;
+    shader.load(1, &undeclared, nullptr);
+    std::string told = messageOf([&] { shader.compile(true); });
+    EXPECT_TRUE(told.starts_with("Program Compile Error: \n")) << told;
+    EXPECT_NE(told.find("undeclaredName"), std::string::npos) << told;
+    EXPECT_FALSE(shader.isCompiled());
+    Program program;
+    program.loadFragmentShader(1, &unresolved, nullptr);
+    told = messageOf([&] { program.link(true); });
+    EXPECT_TRUE(told.starts_with("Program Link Error: \n")) << told;
+    EXPECT_NE(told.find("missingFunction"), std::string::npos) << told;
+    program.link(false);
+    EXPECT_EQ(messageOf([&] { program.enable(); }), "Program must be linked before being enabled");
+}
+
+TEST_F(ObjectDriverTest, uniformsOfEachKindArrive) {
+    // For the samplers, green is in the second unit alone.
+    TextureState::setActiveTextureUnit(1);
+    Texture1D line(Internal::RGBA8, 1, false);
+    Texture2D image(Internal::RGBA8, 1, 1, false, nullptr);
+    Texture3D block(Internal::RGBA8, 1, 1, 1, false);
+    TextureRECT rectangle(Internal::RGBA8, 1, 1, nullptr);
+    const Texels texel = {0xFF00FF00};
+    fill(line, texel), fill(image, texel), fill(block, texel), fill(rectangle, texel);
+    TextureState::setActiveTextureUnit(0);
+    const Canvas canvas;
+    const std::string head = "#version 120\n#extension GL_ARB_texture_rectangle : enable\n"
+                             "#define byte int\n#define v(x) vec4(x, x + 1, x + 2, x + 3)\nuniform ";
+    for (const auto& [type, value, set] : uniforms) {
+        const std::string isThere =
+            type[0] == 's' ? value + " == vec4(0, 1, 0, 1)" : "u == " + type + "(" + value + ")";
+        Linked program(head + type + " u; void main() { bool is = " + isThere +
+                       "; gl_FragColor = vec4(!is, is, 0, 1); }");
+        for (int form = 0; form < 4; ++form) {
+            program.relink();
+            draw(black);
+            EXPECT_EQ(pixelAt(1, 1), red) << type << ", before";
+            set(program, form);
+            draw(black);
+            EXPECT_EQ(pixelAt(1, 1), green) << type << ", form " << form;
+        }
+    }
+}
+
+TEST_F(ObjectDriverTest, attributesAndTheCurrentColourAreWhereTheyWerePut) {
+    const Canvas canvas;
+    Linked program("varying vec4 seen; void main() { gl_FragColor = seen; }");
+    const char* vertex = "attribute vec4 tint; varying vec4 seen;"
+                         "void main() { seen = tint; gl_Position = gl_Vertex; }";
+    program.loadVertexShader(1, &vertex, nullptr);
+    program.setAttributeLocation(5, "tint");
+    program.relink();
+    EXPECT_EQ(program.getAttributeLocation("tint"), 5);
+    gl().glVertexAttrib4f(5, 0, 0, 1, 1);
+    draw(black);
+    EXPECT_EQ(pixelAt(1, 1), blue);
+    glColor4f(0.5f, 0.25f, 0.75f, 1);
+    const ZLT::float4 colour = StateObject_2_0::CurrentState().currentColor();
+    EXPECT_EQ((std::array{colour[0], colour[1], colour[2]}), (std::array{0.5f, 0.25f, 0.75f}));
+}
+
+TEST_F(ObjectDriverTest, startUseAndStopAHundredTimes) {
+    for (int i = 0; i < 100; ++i) {
+        { const Client client; }
+        TearDown(); // expects that no allocation, handle or context is left
+        SetUp();
+    }
+}
+
+TEST_F(ObjectDriverTest, aClientThatFailsMidwayLeavesNothing) {
+    std::array<GLuint, 4> names = {};
+    const auto live = [&] {
+        return glIsTexture(names[0]) + gl().glIsBuffer(names[1]) + gl().glIsRenderbufferEXT(names[2]) +
+               gl().glIsProgram(names[3]);
+    };
+    const std::string failure = messageOf([&] {
+        const ContextOffscreen sharing(context_.get());
+        sharing.makeCurrent();
+        Client client;
+        names = {client.block.objectID(), client.buffer.objectID(), client.depth.objectID(),
+                 client.program.objectID()};
+        EXPECT_EQ(live(), 4);
+        client.buffer.bind();
+        client.buffer.map(GL_WRITE_ONLY);
+        client.canvas.framebuffer.attach(static_cast<Renderbuffer*>(nullptr), 0);
+    });
+    EXPECT_EQ(failure, "Enforce poBuffer != NULL");
+    EXPECT_EQ(Context::currentContext(), nullptr);
+    context_->makeCurrent();
+    EXPECT_EQ(live(), 0);
+    const Client next;
+}
+
+TEST_F(ObjectDriverTest, theProbeOfFilteringAgreesWithAnExperiment) {
+    const ExtensionManager* manager = ExtensionManager::Instance();
+    if (manager->vendor() == ExtensionManager::VENDOR_NVIDIA ||
+        manager->vendor() == ExtensionManager::VENDOR_ATI)
+        GTEST_SKIP() << "the vendor's name can be the answer";
+    const bool float32 = manager->supportsFloatFiltering(), float16 = manager->supportsHalfFiltering();
+    EXPECT_EQ(Context::currentContext(), context_->renderContext());
+    EXPECT_EQ(ExtensionManager::Instance(), manager);
+    const bool probes = manager->supportsRenderToTexture();
+    if (!probes)
+        refused("a probe of filtering", "WGL_ARB_render_texture is not named");
+    const auto filters = [](Internal format) {
+        const Canvas canvas;
+        Texture2D edge(format, 2, 1, false, nullptr);
+        fill(edge, {0xFF000000, 0xFFFFFFFF});
+        edge.setFilter(Texture::Filter::LINEAR, Texture::Filter::LINEAR);
+        TextureUnit::Unit(0)->enable2D();
+        draw(white);
+        return pixelAt(3, 1)[0] > 0 && pixelAt(3, 1)[0] < 255;
+    };
+    const bool shader4 = manager->isSupported(GL_EXT_GPU_SHADER4), half = manager->supports16BitFloat();
+    EXPECT_EQ(float32, probes && manager->supportsFloatingPointTextures() && filters(Internal::RGBA32F));
+    EXPECT_EQ(float16, probes && shader4 && half && filters(Internal::RGBA16F));
+}
