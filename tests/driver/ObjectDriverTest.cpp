@@ -303,7 +303,7 @@ TEST_F(ObjectDriverTest, aClientThatFailsMidwayLeavesNothing) {
 }
 
 TEST_F(ObjectDriverTest, theProbeOfFilteringAgreesWithAnExperiment) {
-    const ExtensionManager* manager = ExtensionManager::Instance();
+    ExtensionManager* manager = ExtensionManager::Instance();
     if (manager->vendor() == ExtensionManager::VENDOR_NVIDIA ||
         manager->vendor() == ExtensionManager::VENDOR_ATI)
         GTEST_SKIP() << "the vendor's name can be the answer";
