@@ -104,6 +104,8 @@ void FakeObjects::answer(const Call& call) {
         attached.push_back(token(1));
     } else if (function == "glDetachShader") {
         std::erase(attached, token(1));
+    } else if (more) {
+        more(call);
     }
 }
 

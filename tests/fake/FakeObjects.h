@@ -3,6 +3,7 @@
 #include "FakeGL.h"
 
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -30,6 +31,8 @@ public:
     std::string infoLog;
     /// The shaders of the program, in the order of attachment.
     std::vector<unsigned int> attached;
+    /// Called for what is not answered here: it writes what the driver would, as for `glGetTexImage`.
+    std::function<void(const FakeGL::Call& call)> more;
 
     /// The calls since the last time, as text: numbers by their name in GL from 256 on and as decimals below,
     /// null, small addresses as decimals and others as "p", reals as decimals:

@@ -21,38 +21,6 @@ T at(std::intptr_t address) {
     return reinterpret_cast<T>(address); // NOLINT(performance-no-int-to-ptr)
 }
 
-// The library on a driver, with a context current.
-struct OnDriver {
-    explicit OnDriver(const FakeDriver& driver) { system.devices[0].driver = driver; }
-    ~OnDriver() noexcept = default;
-    // Starts at the first use.
-    EM& manager() {
-        if (!context) {
-            library.emplace();
-            context.emplace();
-            context->makeCurrent();
-        }
-        return *EM::Instance();
-    }
-    // A second display, beside the first.
-    DISPLAY_DEVICEA add(const FakeDriver& driver) {
-        system.devices.push_back({"second", DISPLAY_DEVICE_ATTACHED_TO_DESKTOP, 1000, 0, driver});
-        DISPLAY_DEVICEA device = {};
-        Context::displayDevice(1, device);
-        return device;
-    }
-    FakeWindowSystem system;
-    std::optional<StartedLibrary> library;
-    std::optional<ContextOffscreen> context;
-};
-
-FakeDriver driverOf(const char* version, const std::string& extensions = "") {
-    FakeDriver driver;
-    driver.version = version;
-    driver.extensions = extensions;
-    return driver;
-}
-
 // In the order of their values.
 std::vector<std::string> extensionNames() {
     std::ifstream in(ZLT_TABLES "/extensions.tsv");

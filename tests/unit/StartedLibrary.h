@@ -7,6 +7,7 @@
 #include "zlt/core/Core.h"
 #include "zlt/core/Exceptions.h"
 
+#include <optional>
 #include <string>
 
 /// @file
@@ -59,6 +60,38 @@ struct LibraryWithAllOfGL {
     }
     // What can't be destroyed ends the program: the members would throw.
     ~LibraryWithAllOfGL() noexcept = default;
+};
+
+inline FakeDriver driverOf(const std::string& version, const std::string& extensions = "") {
+    FakeDriver driver;
+    driver.version = version;
+    driver.extensions = extensions;
+    return driver;
+}
+
+/// The library on a driver, with a context current.
+struct OnDriver {
+    explicit OnDriver(const FakeDriver& driver) { system.devices[0].driver = driver; }
+    ~OnDriver() noexcept = default;
+    /// Starts at the first use.
+    ExtensionManager& manager() {
+        if (!context) {
+            library.emplace();
+            context.emplace();
+            context->makeCurrent();
+        }
+        return *ExtensionManager::Instance();
+    }
+    /// A second display, beside the first.
+    DISPLAY_DEVICEA add(const FakeDriver& driver) {
+        system.devices.push_back({"second", DISPLAY_DEVICE_ATTACHED_TO_DESKTOP, 1000, 0, driver});
+        DISPLAY_DEVICEA device = {};
+        Context::displayDevice(1, device);
+        return device;
+    }
+    FakeWindowSystem system;
+    std::optional<StartedLibrary> library;
+    std::optional<ContextOffscreen> context;
 };
 
 } // namespace ZLT::OGL
