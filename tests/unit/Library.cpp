@@ -1,3 +1,4 @@
+#include "AutoInitializer.h"
 #include "StartedLibrary.h"
 #include "extensionator/OpenGLTracer.h"
 #include "extensionator/win/wglInterceptor.h"
@@ -20,7 +21,7 @@ TEST(Library, StartsOnceStopsOnceAndLeavesNothing) {
     const std::size_t allocated = Core::allocationCount();
     EXPECT_EQ("!Core::Library::isInitialized()", failureOf(start));
     EXPECT_EQ("!isInitialized_", failureOf(OGL::Library::terminate));
-    for (int times = 0; times < 2; ++times) {
+    for (int times = 0; times < 100; ++times) {
         Core::Library::initialize();
         EXPECT_FALSE(OGL::Library::isInitialized());
         start();
@@ -45,12 +46,16 @@ TEST(Library, AsksEachDriverForItsTextureUnits) {
     FakeWindowSystem system;
     system.devices.push_back({"second", DISPLAY_DEVICE_ATTACHED_TO_DESKTOP, 1000, 0});
     system.devices[0].driver.extensions = "GL_ARB_fragment_program";
+    system.devices[0].driver.integers[GL_MAX_TEXTURE_IMAGE_UNITS] = 3;
     const StartedLibrary library; // the second driver has GL 1.3
     std::vector<FakeGL::Value> asked;
     for (const FakeGL::Call& call : FakeGL::calls())
         if (call.function == "glGetIntegerv")
             asked.push_back(call.arguments[0]);
     EXPECT_THAT(asked, testing::ElementsAre(FakeGL::Value(0x8872u), FakeGL::Value(0x84E2u)));
+    const ContextOffscreen context;
+    context.makeCurrent();
+    EXPECT_NE(nullptr, TextureUnit::Unit(2)) << "as many as the best of them has";
 }
 
 TEST(Library, AStartThatFailsCanBeMadeAgain) {
@@ -88,13 +93,50 @@ TEST(Library, ALayerKeepsItFromStopping) {
     FakeWindowSystem system;
     const std::size_t allocated = Core::allocationCount();
     Core::Library::initialize();
-    start();
     OpenGLTracer tracer;
-    OpenGLInterceptor::Instance()->addInterceptor(&tracer);
-    EXPECT_EQ("!Enforce dynamic_cast<OpenGLErrorChecker *>(gInterceptor) != NULL",
-              failureOf(OGL::Library::terminate));
-    EXPECT_TRUE(OGL::Library::isInitialized());
+    {
+        const AutoInitializer library;
+        EXPECT_EQ("!!isInitialized_", failureOf([] { const AutoInitializer second; }));
+        OpenGLInterceptor::Instance()->addInterceptor(&tracer);
+        EXPECT_EQ("!Enforce dynamic_cast<OpenGLErrorChecker *>(gInterceptor) != NULL",
+                  failureOf(OGL::Library::terminate));
+    }
+    EXPECT_TRUE(OGL::Library::isInitialized()) << "the scope's end says nothing";
     tracer.popInterceptor();
+    OGL::Library::terminate();
+    AutoInitializer().release();
+    OGL::Library::terminate();
+    AutoInitializer(); // and stops it
+    Core::Library::terminate();
+    EXPECT_EQ(allocated, Core::allocationCount());
+}
+
+TEST(Library, TheOlderRouteLeavesManagersAndChainsToTheNextStop) {
+    FakeWindowSystem system;
+    const std::size_t allocated = Core::allocationCount();
+    const auto older = [] { AutoInitializer(nullptr, ExtensionManager::InitOptions()).release(); };
+    EXPECT_EQ("!Core::Library::isInitialized()", failureOf(older));
+    EXPECT_EQ("!isInitialized_", failureOf(OGL::Library::terminate_DEPRECATED_2_5));
+    Core::Library::initialize();
+    OpenGLInterceptor::Instance();
+    const std::size_t withChain = Core::allocationCount();
+    older();
+    EXPECT_EQ("!!isInitialized_", failureOf(older));
+    EXPECT_EQ("!unit < (*pavUnits_).size()", failureOf([] { TextureUnit::Unit(0); }));
+    Core::Library::terminate();
+    EXPECT_EQ("!Core::Library::isInitialized()", failureOf(OGL::Library::terminate_DEPRECATED_2_5));
+    Core::Library::initialize();
+    OGL::Library::terminate_DEPRECATED_2_5();
+    EXPECT_EQ("!isInitialized()", failureOf([] { TextureUnit::Unit(0); }));
+    EXPECT_EQ(withChain, Core::allocationCount()) << "without a context there were no managers";
+    {
+        ContextOffscreen client;
+        const AutoInitializer library(&client, ExtensionManager::InitOptions());
+        EXPECT_EQ(client.renderContext(), wglGetCurrentContext());
+        EXPECT_NE(nullptr, TextureUnit::Unit(0));
+    }
+    EXPECT_LT(withChain, Core::allocationCount());
+    start();
     OGL::Library::terminate();
     Core::Library::terminate();
     EXPECT_EQ(allocated, Core::allocationCount());
