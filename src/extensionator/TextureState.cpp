@@ -1,15 +1,13 @@
 #include "extensionator/TextureState.h"
 
-#include "extensionator/ExtensionManager.h"
+#include "ogl/internal/EntryPoint.h"
 
 #include <GL/gl.h>
 #include <GL/glext.h>
 
 namespace ZLT::OGL::TextureState {
 
-void setActiveTextureUnit(unsigned int unit) {
-    ExtensionManager::Instance()->table().glActiveTextureARB(GL_TEXTURE0 + unit);
-}
+void setActiveTextureUnit(unsigned int unit) { ZLT_GL(glActiveTextureARB)(GL_TEXTURE0 + unit); }
 
 unsigned int activeTextureUnit() {
     GLint unit = 0;

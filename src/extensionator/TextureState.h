@@ -6,7 +6,8 @@
 /// knows must be current.
 namespace ZLT::OGL::TextureState {
 
-/// Makes the unit the one that texture calls act on, from 0. Needs `GL_ARB_multitexture`, which isn't tested.
+/// Makes the unit the one that texture calls act on, from 0.
+/// @throws InternalException "The current context has no glActiveTextureARB" without `GL_ARB_multitexture`
 ZLT_OGL_API void setActiveTextureUnit(unsigned int unit);
 /// The unit that texture calls act on, from 0.
 ZLT_OGL_API unsigned int activeTextureUnit();

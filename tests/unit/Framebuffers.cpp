@@ -185,7 +185,7 @@ struct Filtering {
         for (const char* name : {"wglBindTexImageARB", "wglReleaseTexImageARB", "wglSetPbufferAttribARB"})
             driver.functions[name] = reinterpret_cast<PROC>(FakeGL::addressOf("glActiveTexture"));
         OnDriver world(driver);
-        const ExtensionManager& manager = world.manager();
+        ExtensionManager& manager = world.manager();
         FakeObjects objects;
         objects.nextName = firstName;
         objects.more = [this](const FakeGL::Call& call) {
