@@ -1,0 +1,375 @@
+#include "ObjectsOnDriver.h"
+
+#include <algorithm>
+
+using namespace ZLT::OGL;
+using std::to_string;
+
+namespace {
+
+using enum Texture::Filter;
+using enum Texture::Format;
+using enum Texture::Type;
+using enum Texture::WrapMode;
+using Internal = Texture::InternalFormat;
+
+constexpr auto rgba8 = Internal::RGBA8;
+const PixelUnpackParameters packed;
+
+// The calls in the life of the texture that was the last, around those for its levels.
+std::string lifeOf(const FakeObjects& gl, const std::string& target, std::size_t axes,
+                   const std::string& levels, const std::string& end = "",
+                   const std::string& clamp = ",CLAMP_TO_EDGE) ") {
+    const std::string set = "TexParameteri(" + target + ",", bind = "BindTexture(" + target + ",";
+    std::string text = "GenTextures(1,p) " + bind + to_string(gl.nextName - 1) + ") " + levels + set +
+                       "MIN_FILTER,NEAREST) " + set + "MAG_FILTER,NEAREST) ";
+    for (const char axis : std::string("STR").substr(0, axes))
+        text += set + "WRAP_" + axis + clamp;
+    return text + end + bind + "77) DeleteTextures(1,p)";
+}
+
+// Around a transfer to GL.
+const std::string push =
+    "PushClientAttrib(1) PixelStorei(UNPACK_SWAP_BYTES,0) PixelStorei(UNPACK_LSB_FIRST,0) "
+    "PixelStorei(UNPACK_ROW_LENGTH,0) PixelStorei(UNPACK_SKIP_PIXELS,0) PixelStorei(UNPACK_SKIP_ROWS,0) "
+    "PixelStorei(UNPACK_IMAGE_HEIGHT,0) PixelStorei(UNPACK_SKIP_IMAGES,0) PixelStorei(UNPACK_ALIGNMENT,1)";
+const std::string pop = " PopClientAttrib()";
+
+struct Textures : testing::Test, ObjectsOnDriver {
+    Textures() { // somebody else's are bound, and have to be bound again
+        for (const int query : {0x8068, 0x8069, 0x806A, 0x8C1C, 0x8C1D, 0x84F6})
+            gl.integers[query] = 77;
+        gl.integers[GL_PIXEL_PACK_BUFFER_BINDING] = 78;
+        gl.integers[GL_PIXEL_UNPACK_BUFFER_BINDING] = 79;
+    }
+};
+
+TEST_F(Textures, AllocateTheirLevelsAndRestoreTheBinding) {
+    const struct {
+        void (*make)();
+        std::string target;
+        std::size_t axes;
+        std::vector<std::string> sizes; // by level
+    } rows[] = {{[] { Texture1D(rgba8, 5, true); }, "1D", 1, {"5", "2", "1"}},
+                {[] { Texture1D(rgba8, 8, false); }, "1D", 1, {"8"}},
+                {[] { Texture2D(rgba8, 4, 1, true, nullptr); }, "2D", 2, {"4,1", "2,1", "1,1"}},
+                {[] { Texture2D(rgba8, 2, 5, true, nullptr); }, "2D", 2, {"2,5", "1,2", "1,1"}},
+                {[] { TextureRECT(rgba8, 6, 4, nullptr); }, "RECTANGLE_ARB", 2, {"6,4"}},
+                {[] { Texture1DArray(rgba8, 2, 6, true); }, "1D_ARRAY", 2, {"2,6", "1,3", "1,1"}},
+                {[] { Texture3D(rgba8, 2, 1, 5, true); }, "3D", 3, {"2,1,5", "1,1,2", "1,1,1"}},
+                {[] { Texture2DArray(rgba8, 2, 4, 6, false); }, "2D_ARRAY", 3, {"2,4,6"}}};
+    for (const auto& row : rows) {
+        std::string levels;
+        for (std::size_t level = 0; level < row.sizes.size(); ++level)
+            levels += "TexImage" + to_string(row.axes) + "D(" + row.target + "," + to_string(level) +
+                      ",RGBA8," + row.sizes[level] + ",0,BGRA,UNSIGNED_BYTE,null) ";
+        row.make();
+        EXPECT_CALLS(lifeOf(gl, row.target, row.axes, levels));
+    }
+    Texture3D(rgba8, 3, 6, 4, 2, RGB, FLOAT, memory, packed); // the parameters aren't applied
+    EXPECT_CALLS(lifeOf(gl, "3D", 3, "TexImage3D(3D,3,RGBA8,6,4,2,0,RGB,FLOAT,4096) "));
+    EXPECT_EQ(memory, Texture2D(rgba8, 1, 2, true, memory).clientStorage());
+    const std::string hint = "TexParameteri(RECTANGLE_ARB,STORAGE_HINT_APPLE,STORAGE_";
+    const std::string unpack = "_APPLE) PixelStorei(UNPACK_CLIENT_STORAGE_APPLE,";
+    const std::string levels = hint + "CACHED" + unpack +
+                               "1) TexImage2D(2D,0,RGBA8,1,2,0,BGRA,UNSIGNED_BYTE,4096) "
+                               "TexImage2D(2D,1,RGBA8,1,1,0,BGRA,UNSIGNED_BYTE,4096) ";
+    EXPECT_CALLS(lifeOf(gl, "2D", 2, levels, hint + "PRIVATE" + unpack + "0) "));
+    gl.nextName = 0;
+    EXPECT_FAILURE("!Texture:: contructor failed to allocate new GPU texture resource",
+                   Texture1D(rgba8, 1, false));
+    EXPECT_CALLS("GenTextures(1,p)");
+}
+
+TEST(TexturesOnOldDrivers, DoWithWhatThereIs) {
+    void (*const makes[])() = {[] { Texture1D(rgba8, 5, false); },
+                               [] { Texture1D(rgba8, 0x100000004, false); }, // the low 32 bits count
+                               [] { Texture2D(rgba8, 3, 4, false, nullptr); },
+                               [] { Texture2D(rgba8, 4, 3, false, nullptr); },
+                               [] { Texture3D(rgba8, 3, 4, 4, false); },
+                               [] { Texture3D(rgba8, 4, 3, 4, false); },
+                               [] { Texture2DArray(rgba8, 4, 4, 3, false); },
+                               [] { Texture3D(rgba8, 0, 4, 4, 3, RED, BYTE, nullptr, packed); },
+                               [] { Texture3D(rgba8, 4, 8, 16, false); }};
+    const struct {
+        const char *version, *extensions;
+        std::string refusals; // for each of these: the number of the shape that is named, or no function
+        bool generates, rectangles;
+    } rows[] = {{"1.1", "GL_ARB_texture_non_power_of_two", "----xxxxx", false, false},
+                {"1.3", "GL_SGIS_generate_mipmap", "2-223333-", true, false},
+                {"1.4", "GL_ARB_texture_rectangle", "2---3333-", true, true},
+                {"2.1", "", "---------", true, false},
+                {"3.0", "", "---------", false, false}};
+    for (const auto& row : rows) {
+        ObjectsOnDriver world(row.version, row.extensions);
+        const std::string rule = "::ctor hardware only supports power of two textures";
+        std::string refusals;
+        for (const auto make : makes) {
+            const std::string text = failureOf(make);
+            refusals += text == "!Texture2" + rule                           ? '2'
+                        : text == "!Texture3" + rule                         ? '3'
+                        : text == "!The current context has no glTexImage3D" ? 'x'
+                                                                             : '-';
+            EXPECT_EQ(text.empty(), world.calls() != "GenTextures(1,p) DeleteTextures(1,p)");
+        }
+        EXPECT_EQ(row.refusals, refusals) << row.extensions;
+        EXPECT_EQ(row.generates, Texture::supportsAutoMIPGeneration()) << row.version << row.extensions;
+        EXPECT_EQ(row.rectangles, TextureRECT::isSupported());
+        world.gl.integers[GL_TEXTURE_BINDING_2D] = 77;
+        Texture2D(rgba8, 1, 1, true, memory);
+        EXPECT_EQ(lifeOf(world.gl, "2D", 2, "TexImage2D(2D,0,RGBA8,1,1,0,BGRA,UNSIGNED_BYTE,4096) ", "",
+                         &row == rows ? ",CLAMP) " : ",CLAMP_TO_EDGE) "),
+                  world.calls());
+    }
+}
+
+TEST_F(Textures, HalveTheirSizesByLevelButNotTheirLayers) {
+    const Texture3D cube(Internal::RGB16F, 8, 4, 2, false);
+    const Texture2DArray layers(rgba8, 8, 4, 6, false);
+    const Texture1DArray rows(rgba8, 8, 6, false); // its layers are a height, which is halved
+    const Texture* const all[] = {&cube, &layers, &rows};
+    std::string sizes;
+    for (const unsigned int level : {0, 1, 4, 64})
+        for (const Texture* texture : all)
+            sizes += to_string(texture->width(level)) + to_string(texture->height(level)) +
+                     to_string(texture->depth(level)) + ' ';
+    EXPECT_EQ("842 846 861 421 426 431 000 006 001 842 846 861 ", sizes);
+    EXPECT_EQ(8 * 4 * 2 * 3 * 2, cube.sizeInBytes());
+    const Texture2D large(Internal::ALPHA, 0x10001, 0x10000, false, nullptr);
+    const Texture2D odd(Internal::ALPHA4, 1, 1, false, nullptr);
+    const std::string unknown = "!Texture::SizeInBytes Unknown color channels for format GL_CURRENT_BIT";
+    for (int times = 0; times < 2; ++times) {
+        EXPECT_EQ(0x10000, large.sizeInBytes()) << "the low 32 bits";
+        EXPECT_FAILURE(unknown, odd.sizeInBytes());
+    }
+    EXPECT_EQ(16u * 3 * 2, Texture1D(rgba8, 16, false).pixelDataSize(2, RGB, SHORT));
+    EXPECT_EQ(8u * 4, TextureRECT(rgba8, 4, 2, nullptr).pixelDataSize(0, BGRA, BYTE));
+    EXPECT_EQ(192u * 2 * 2, layers.pixelDataSize(1, LUMINANCE_ALPHA, HALF_APPLE));
+    EXPECT_EQ(64u * 4, cube.pixelDataSize(0, COLOR_INDEX, FLOAT));
+    const auto none = Texture::Format(11);
+    EXPECT_FAILURE("!pixelDataSize: Unknown type GL_TRIANGLE_STRIP",
+                   cube.pixelDataSize(0, RED, UNSIGNED_INT));
+    EXPECT_FAILURE("!InternalFormat enums are not all properly sized.", cube.pixelDataSize(0, none, INT));
+}
+
+TEST(TextureFormats, HaveTheirSizes) {
+    // By format: values of a texel, and bytes of each. x: it has no size. -: the bytes aren't known.
+    std::string channels, bytes, ofPixels;
+    for (int i = 0; i <= 50; ++i) {
+        std::uint64_t count = 1, size = 0;
+        const std::string none = failureOf([&] { count = Texture::Channels(Internal(i)); });
+        const std::string text = failureOf([&] { size = Texture::SizeInBytes(Internal(i), 2, 3, 5); });
+        const bool unsized = none == "!InternalFormat enums are not all properly sized.";
+        const bool unknown = text.starts_with("!Texture::SizeInBytes Unknown color channels for format ");
+        channels += unsized ? "x" : to_string(count);
+        bytes += unsized && text == none ? "x" : unknown ? "-" : to_string(size / 30 / count);
+        ofPixels += i > 10 ? "" : to_string(Texture::Channels(Texture::Format(i)));
+    }
+    EXPECT_EQ("111111111122222221111133x3333344444444431112431112x", channels);
+    EXPECT_EQ("1-1-21-1-21--1--21-1-2-1x-1--21---1--2444444222222x", bytes);
+    EXPECT_EQ("11111334412", ofPixels);
+}
+
+// `known`: ordinals, each with its token behind it. All come back by theirs, but for what is `refused`.
+template <class Enumeration>
+void expectTranslation(unsigned int (*toGL)(Enumeration), Enumeration (*fromGL)(unsigned int),
+                       const std::string& name, unsigned int count, const std::vector<unsigned int>& known,
+                       const std::vector<unsigned int>& refused = {0, 1}) {
+    const std::string text = "!!\"" + name + " enums are not all properly translated.\"";
+    for (unsigned int ordinal = 0; ordinal < count; ++ordinal) {
+        const unsigned int token = toGL(Enumeration(ordinal));
+        const bool back = std::find(refused.begin(), refused.end(), token) == refused.end();
+        EXPECT_TRUE(!back || fromGL(token) == Enumeration(ordinal)) << name << ordinal;
+    }
+    for (std::size_t i = 0; i < known.size(); i += 2)
+        EXPECT_EQ(known[i + 1], toGL(Enumeration(known[i]))) << name << known[i];
+    for (const unsigned int token : refused)
+        EXPECT_FAILURE(text, fromGL(token)) << token;
+    for (const unsigned int ordinal : {count, ~0u})
+        EXPECT_FAILURE(text, toGL(Enumeration(ordinal))) << ordinal;
+}
+#define EXPECT_TRANSLATION(of, name, ...) expectTranslation(of::name##2GL, of::GL2##name, __VA_ARGS__)
+
+TEST(Enumerations, TranslateBothWays) {
+    using T = Texture;
+    EXPECT_TRANSLATION(T, Filter, "Filter", 6, {0, 9728, 3, 9985, 4, 9986, 5, 9987});
+    EXPECT_TRANSLATION(T, InternalFormat, "InternalFormat", 50,
+                       {0, 6406, 17, 32841, 22, 10768, 24, 32847, 38, 34836, 44, 34842, 49, 34847},
+                       {32846, 0});
+    EXPECT_TRANSLATION(T, Format, "Format", 11, {0, 6400, 6, 32992, 7, 6408, 10, 6410});
+    EXPECT_TRANSLATION(T, Type, "Type", 21,
+                       {0, 5121, 1, 5120, 2, 6656, 3, 5123, 6, 5124, 8, 32818, 15, 33638, 20, 5131});
+    EXPECT_TRANSLATION(T, WrapMode, "WrapMode", 5, {0, 10496, 2, 33071, 4, 10497});
+    EXPECT_TRANSLATION(T, PixelStoreMode, "PixelStoreMode", 16,
+                       {0, 3328, 3, 32876, 4, 3332, 5, 3331, 6, 32875, 12, 3316, 13, 3315, 15, 3317});
+    // The two arrays don't come back.
+    EXPECT_TRANSLATION(T, Target, "Target", 6, {0, 3552, 2, 32879, 3, 35864, 4, 35866, 5, 34037},
+                       {35864, 35866, 32874});
+    EXPECT_TRANSLATION(T, TargetBinding, "Target", 6, {0, 32872, 2, 32874, 3, 35868, 4, 35869, 5, 34038},
+                       {35868, 35869, 3553});
+    EXPECT_TRANSLATION(Buffer, Type, "Buffer type", 4, {0, 35052, 1, 35051, 3, 34963});
+    EXPECT_TRANSLATION(Buffer, Usage, "Buffer type", 9, {0, 35040, 2, 35042, 3, 35044, 8, 35050}, {35043});
+    EXPECT_TRANSLATION(TextureUnit, Environment, "Environment", 6, {0, 260, 2, 34160, 3, 8449, 5, 7681});
+}
+
+// A texture of each shape and a buffer; of these `two` is bound.
+struct Transfers : Textures {
+    Texture1D one{rgba8, 8, false};
+    Texture2D two{rgba8, 8, 4, false, nullptr};
+    Texture3D three{rgba8, 8, 4, 2, false};
+    Buffer buffer{16, Buffer::Type::ARRAY_BUFFER, Buffer::Usage::STREAM_READ, nullptr}; // is 8
+    Transfers() {
+        gl.integers[GL_TEXTURE_BINDING_2D] = static_cast<int>(two.objectID());
+        calls();
+    }
+    ~Transfers() noexcept override = default;
+};
+
+TEST_F(Transfers, Write) {
+    // Beyond the edge, and more than a level has: for GL to refuse.
+    one.subImage(3, 4, 8, BGR, SHORT, memory, packed);
+    EXPECT_CALLS(push + " TexSubImage1D(1D,3,4,8,BGR,SHORT,4096)" + pop);
+    two.subImage(1, 2, -3, 8, 4, RED, FLOAT, memory, packed);
+    EXPECT_CALLS(push + " TexSubImage2D(2D,1,2,-3,8,4,RED,FLOAT,4096)" + pop);
+    three.subImage(1, 9, 10, 11, 7, 4, 2, BGRA, INT, memory, packed);
+    EXPECT_CALLS(push + " TexSubImage3D(3D,1,9,10,11,7,4,2,BGRA,INT,4096)" + pop);
+    one.copyTexSubImage(1, 2, 3, 4, 8); // copies nothing
+    two.copyTexSubImage(1, 2, 3, 4, 5, 8, 3);
+    three.copyTexSubImage(1, 2, 3, 4, 5, 6, 8, 3);
+    EXPECT_CALLS("CopyTexSubImage1D(1D,1,2,4,8,0) CopyTexSubImage2D(2D,1,2,3,4,5,8,3) "
+                 "CopyTexSubImage3D(3D,1,2,3,4,5,6,8,3)");
+    // From a buffer. Only one shape gives GL its tokens, and one ends in another order.
+    const std::string bind = push + " BindBuffer(PIXEL_UNPACK_BUFFER,8) ";
+    const std::string other = " BindBuffer(PIXEL_UNPACK_BUFFER,79)";
+    one.subImage(1, 2, 8, BGR, SHORT, &buffer, 15, packed);
+    EXPECT_CALLS(bind + "TexSubImage1D(1D,1,2,8,6,4,15)" + pop + other);
+    buffer.convertToPackBuffer();
+    two.subImage(1, 2, 3, 8, 4, BGR, SHORT, &buffer, 7, packed);
+    EXPECT_CALLS(bind + "TexSubImage2D(2D,1,2,3,8,4,BGR,SHORT,7)" + other + pop);
+    gl.integers[GL_PIXEL_UNPACK_BUFFER_BINDING] = 8; // it may be, in the role that it has to have
+    three.subImage(1, 2, 3, 4, 8, 4, 2, BGR, SHORT, &buffer, 5, packed);
+    EXPECT_CALLS(bind + "TexSubImage3D(3D,1,2,3,4,8,4,2,6,4,5) BindBuffer(PIXEL_UNPACK_BUFFER,8)" + pop);
+}
+
+TEST_F(Transfers, Read) {
+    const std::string align = "PixelStorei(PACK_ALIGNMENT,", pushAlign = "PushClientAttrib(1) " + align;
+    one.getPixelData(memory, 1, 7, GL_BYTE);
+    EXPECT_CALLS("GetTexImage(1D,1,7,BYTE,4096)");
+    two.getPixelData(memory, 1, RGB, BYTE, 2);
+    EXPECT_CALLS(pushAlign + "2) GetTexImage(2D,1,RGB,BYTE,4096)" + pop);
+    three.getPixelData(memory, 2, RGB, BYTE, 8);
+    EXPECT_CALLS(pushAlign + "8) GetTexImage(3D,2,RGB,BYTE,4096)" + pop);
+    const std::string bind = ") BindBuffer(PIXEL_PACK_BUFFER,8) ";
+    const std::string other = " BindBuffer(PIXEL_PACK_BUFFER,78)";
+    one.getPixelData(&buffer, 99, 1, 7, GL_BYTE);
+    EXPECT_CALLS(align + "1" + bind + "GetTexImage(1D,1,7,BYTE,99)" + other);
+    buffer.convertToUnpackBuffer();
+    two.getPixelData(&buffer, 12, 1, RGB, BYTE, 4);
+    EXPECT_CALLS(pushAlign + "4" + bind + "GetTexImage(2D,1,RGB,BYTE,12)" + other + pop);
+    three.getPixelData(&buffer, 12, 1, COLOR_INDEX, BYTE, 1);
+    EXPECT_CALLS(pushAlign + "1" + bind + "GetTexImage(3D,1,COLOR_INDEX,BYTE,12)" + other + pop);
+}
+
+// Where a rule is broken the later ones are too, that of the buffer's offset last.
+TEST_F(Transfers, RefuseRegionsInOrder) {
+    const auto refusal = [&](auto& texture, auto... at) {
+        const std::string text = failureOf([&] { texture.subImage(at..., RED, BYTE, memory, packed); });
+        EXPECT_FAILURE(text, texture.subImage(at..., RED, BYTE, &buffer, 16, packed));
+        return text;
+    };
+    const std::string level = "!a negative texture image mip-map level supplied";
+    EXPECT_EQ("!error subimage width of zero supplied", refusal(one, -1, 0, 0u));
+    EXPECT_EQ(level, refusal(one, -1, 0, 9u));
+    EXPECT_EQ("!width(9) is greater than width of image (8) ", refusal(one, 0, 0, 9u));
+    EXPECT_EQ("!error subimage width of zero supplied", refusal(two, -1, 0, 0, 0u, 0u));
+    EXPECT_EQ("!error subimage height of zero supplied", refusal(two, -1, 0, 0, 9u, 0u));
+    EXPECT_EQ("!width(9) is greater than width of image (8) ", refusal(two, 0, 0, 0, 9u, 5u));
+    EXPECT_EQ("!height(5) is greater than width of image (4) ", refusal(two, 0, 0, 0, 8u, 5u));
+    EXPECT_EQ("!error subimage width  of zero supplied", refusal(three, -1, 0, 0, 0, 0u, 0u, 0u));
+    EXPECT_EQ("!error subimage height of zero supplied", refusal(three, -1, 0, 0, 0, 9u, 0u, 0u));
+    EXPECT_EQ("!error subimage depth  of zero supplied", refusal(three, -1, 0, 0, 0, 9u, 5u, 0u));
+    EXPECT_EQ(level, refusal(three, -1, 0, 0, 0, 9u, 5u, 3u));
+    EXPECT_EQ("!width(9) is greater than width  of image (8) ", refusal(three, 0, 0, 0, 0, 9u, 5u, 3u));
+    EXPECT_EQ("!height(5) is greater than height of image (4) ", refusal(three, 0, 0, 0, 0, 8u, 5u, 3u));
+    EXPECT_EQ("!depth(3) is greater than depth  of image (2) ", refusal(three, 0, 0, 0, 0, 8u, 4u, 3u));
+    const auto copying = [&](int mip, std::uint64_t width, std::uint64_t height) {
+        const std::string text = failureOf([&] { two.copyTexSubImage(mip, 0, 0, 0, 0, width, height); });
+        EXPECT_FAILURE(text, three.copyTexSubImage(mip, 0, 0, 0, 0, 0, width, height));
+        return text;
+    };
+    EXPECT_EQ("!error copySubimage width of zero supplied", copying(-1, 0, 0));
+    EXPECT_EQ("!error copySubimage height of zero supplied", copying(-1, 9, 0));
+    EXPECT_EQ("!width(9) is greater than width of image (8) ", copying(0, 9, 5));
+    EXPECT_EQ("!height(5) is greater than width of image (4) ", copying(0, 8, 5));
+    EXPECT_FAILURE("!error copySubimage width of zero supplied", one.copyTexSubImage(-1, 0, 0, 0, 0));
+    EXPECT_FAILURE("!width(9) is greater than width of image (8) ", one.copyTexSubImage(0, 0, 0, 0, 9));
+    EXPECT_CALLS("");
+}
+
+TEST_F(Transfers, RefuseTheBufferInOrder) {
+    const auto write = [&](std::uint64_t at) {
+        const std::string text = failureOf([&] { one.subImage(0, 0, 8, RED, BYTE, &buffer, at, packed); });
+        EXPECT_FAILURE(text, two.subImage(0, 0, 0, 8, 4, RED, BYTE, &buffer, at, packed));
+        EXPECT_FAILURE(text, three.subImage(0, 0, 0, 0, 8, 4, 2, RED, BYTE, &buffer, at, packed));
+        return text;
+    };
+    const auto read = [&](auto& texture, Texture::Format format, unsigned int alignment) {
+        return failureOf([&] { texture.getPixelData(&buffer, 0, 0, format, BYTE, alignment); });
+    };
+    buffer.bind(); // in another role: what was pushed stays
+    calls();
+    EXPECT_EQ("!Buffer::convertToUnpackBuffer cannot convert buffer target while bound", write(0));
+    EXPECT_CALLS(push + " " + push + " " + push);
+    const std::string bound = "!Buffer::convertToPackBuffer cannot convert buffer target while bound";
+    EXPECT_FAILURE(bound, one.getPixelData(&buffer, 0, 0, GL_RGB, GL_BYTE));
+    EXPECT_EQ(bound, read(two, RED, 2));
+    EXPECT_EQ(bound, read(three, RED, 4));
+    EXPECT_CALLS("PixelStorei(PACK_ALIGNMENT,1) PushClientAttrib(1) PixelStorei(PACK_ALIGNMENT,2) "
+                 "PushClientAttrib(1) PixelStorei(PACK_ALIGNMENT,4)");
+    EXPECT_EQ("!COLOR_INDEX not allowed here!", read(two, COLOR_INDEX, 3));
+    EXPECT_EQ("!Invalid row byte alignment (must be of 1, 2, 4, or 8).", read(two, RED, 3));
+    EXPECT_EQ("!Invalid row byte alignment (must be of 1, 2, 4, or 8).", read(three, RED, 16));
+    buffer.map(GL_READ_ONLY);
+    EXPECT_EQ("!offset(16) is greater than pixel buffer object size16", write(16));
+    const std::string mapped = "!Pixel Buffer Object cannot be memory mapped during data transfer";
+    EXPECT_EQ(mapped, write(15));
+    EXPECT_EQ(mapped, read(two, COLOR_INDEX, 3));
+    EXPECT_EQ(mapped, read(three, RED, 3));
+    EXPECT_CALLS("MapBuffer(ARRAY_BUFFER,READ_ONLY)");
+    EXPECT_FAILURE(mapped, one.getPixelData(&buffer, 0, 0, GL_RGB, GL_BYTE));
+    EXPECT_CALLS("PixelStorei(PACK_ALIGNMENT,1)");
+}
+
+TEST_F(Transfers, OnlyTwoDimensionsTestWhatIsBound) {
+    one.setWrap(CLAMP);
+    two.setWrap(REPEAT, MIRRORED_REPEAT);
+    three.setWrap(CLAMP_TO_BORDER, CLAMP_TO_EDGE, REPEAT);
+    three.setFilter(LINEAR_MIPMAP_NEAREST, LINEAR);
+    two.setBorderColor(static_cast<const float*>(memory));
+    one.enableAutoMIPGeneration(true);
+    one.enableAutoMIPGeneration(false);
+    EXPECT_CALLS("TexParameteri(1D,WRAP_S,CLAMP) TexParameteri(2D,WRAP_S,REPEAT) "
+                 "TexParameteri(2D,WRAP_T,MIRRORED_REPEAT) TexParameteri(3D,WRAP_S,CLAMP_TO_BORDER) "
+                 "TexParameteri(3D,WRAP_T,CLAMP_TO_EDGE) TexParameteri(3D,WRAP_R,REPEAT) "
+                 "TexParameteri(3D,MIN_FILTER,LINEAR_MIPMAP_NEAREST) TexParameteri(3D,MAG_FILTER,LINEAR) "
+                 "TexParameterfv(2D,BORDER_COLOR,4096) TexParameteri(1D,GENERATE_MIPMAP,1) "
+                 "TexParameteri(1D,GENERATE_MIPMAP,0)");
+    buffer.map(GL_READ_ONLY);
+    const std::string index = "!COLOR_INDEX not allowed here!", unbound = "!Texture must be bound";
+    EXPECT_FAILURE(index, two.getPixelData(memory, 0, COLOR_INDEX, BYTE, 3));
+    EXPECT_FAILURE(index, three.getPixelData(memory, 0, COLOR_INDEX, BYTE, 3));
+    gl.integers[GL_TEXTURE_BINDING_2D] = 77;
+    EXPECT_EQ(77u, two.getBoundID());
+    EXPECT_FAILURE("!Texture must be enabled (bound & active)", two.setWrap(CLAMP, CLAMP));
+    EXPECT_FAILURE(unbound, two.getPixelData(memory, 0, COLOR_INDEX, BYTE, 3));
+    EXPECT_FAILURE(unbound, two.getPixelData(&buffer, 0, 0, COLOR_INDEX, BYTE, 3));
+    struct Opened : Texture2D {
+        using Texture::pushAndSetTransferByteAlignment;
+    };
+    const std::string alignment = "!Invalid row byte alignment (must be of 1, 2, 4, or 8).";
+    EXPECT_FAILURE(alignment, Opened::pushAndSetTransferByteAlignment(0));
+    Opened::pushAndSetTransferByteAlignment(8);
+    EXPECT_CALLS("MapBuffer(ARRAY_BUFFER,READ_ONLY) PushClientAttrib(1) PixelStorei(UNPACK_ALIGNMENT,8)");
+}
+
+} // namespace
