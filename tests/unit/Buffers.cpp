@@ -145,6 +145,12 @@ TEST(UnpackParameters, AreSetInOrder) {
         parameters.setAlignment(PixelUnpackParameters::teAlignment(4));
         EXPECT_FAILURE("!Enum value not recognized", parameters.apply());
         EXPECT_EQ(most, world.calls());
+        Texture2D texture(Texture::InternalFormat::RGBA8, 1, 1, false, nullptr);
+        world.calls();
+        EXPECT_FAILURE(
+            "!Enum value not recognized",
+            texture.subImage(0, 0, 0, 1, 1, Texture::Format::RGBA, Texture::Type::BYTE, memory, parameters));
+        EXPECT_EQ("PushClientAttrib(1) " + most + " PopClientAttrib()", world.calls());
         most += " PixelStorei(UNPACK_IMAGE_HEIGHT,12) PixelStorei(UNPACK_SKIP_IMAGES,15)";
     }
 }
