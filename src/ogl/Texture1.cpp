@@ -15,8 +15,6 @@ using namespace internal;
 
 constexpr AxisTexts subWidth = {"error subimage width of zero supplied", "width(",
                                 ") is greater than width of image ("};
-constexpr AxisTexts copyWidth = {"error copySubimage width of zero supplied", "width(",
-                                 ") is greater than width of image ("};
 
 } // namespace
 

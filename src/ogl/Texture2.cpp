@@ -19,10 +19,6 @@ constexpr AxisTexts subWidth = {"error subimage width of zero supplied", "width(
                                 ") is greater than width of image ("};
 constexpr AxisTexts subHeight = {"error subimage height of zero supplied", "height(",
                                  ") is greater than width of image ("};
-constexpr AxisTexts copyWidth = {"error copySubimage width of zero supplied", "width(",
-                                 ") is greater than width of image ("};
-constexpr AxisTexts copyHeight = {"error copySubimage height of zero supplied", "height(",
-                                  ") is greater than width of image ("};
 
 // Rectangle textures waive the rule for every target.
 bool needsPowerOfTwo() {

@@ -21,10 +21,6 @@ constexpr AxisTexts subHeight = {"error subimage height of zero supplied", "heig
                                  ") is greater than height of image ("};
 constexpr AxisTexts subDepth = {"error subimage depth  of zero supplied", "depth(",
                                 ") is greater than depth  of image ("};
-constexpr AxisTexts copyWidth = {"error copySubimage width of zero supplied", "width(",
-                                 ") is greater than width of image ("};
-constexpr AxisTexts copyHeight = {"error copySubimage height of zero supplied", "height(",
-                                  ") is greater than width of image ("};
 
 // Of the texture that is bound.
 void setStartState(unsigned int target) {

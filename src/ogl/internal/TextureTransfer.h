@@ -65,6 +65,11 @@ struct AxisTexts {
     const char* tooLarge; ///< in front of the size that is too large
     const char* ofImage;  ///< between that and the image's size
 };
+/// Of a copy; the height is compared with the "width of image" in every shape.
+inline constexpr AxisTexts copyWidth = {"error copySubimage width of zero supplied", "width(",
+                                        ") is greater than width of image ("};
+inline constexpr AxisTexts copyHeight = {"error copySubimage height of zero supplied", "height(",
+                                         ") is greater than width of image ("};
 struct Extent {
     const AxisTexts& texts;
     std::uint64_t size;      ///< of the transfer
