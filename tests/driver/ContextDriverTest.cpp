@@ -347,6 +347,24 @@ TEST_F(ContextDriverTest, displayDevicesHaveNamesOfTheirOwnAndAnOffscreenContext
     EXPECT_TRUE(names.contains(Context::displayDeviceFromWindow(window.handle()).DeviceName));
 }
 
+TEST_F(ContextDriverTest, aWindowMayGoBeforeItsContextAndIsNotRestored) {
+    const ContextOffscreen other;
+    auto window = std::make_unique<PlainWindow>(width, height);
+    const auto context = windowed(*window);
+    context->makeCurrent();
+    {
+        const ScopedContextWrapper restore;
+        other.makeCurrent();
+        window.reset();
+    }
+    EXPECT_NE(Context::currentContext(), context->renderContext()) << "its window is gone";
+    EXPECT_NE(messageOf([&] { context->makeCurrent(); }).find("Context::can't make this context current"),
+              std::string::npos);
+    other.makeCurrent();
+    EXPECT_EQ(ExtensionManager::Instance()->majorVersion() > 0, true);
+    releaseOGLContext();
+}
+
 TEST_F(ContextDriverTest, aThousandContextsLeaveNothingBehind) {
     const ContextOffscreen first;
     const std::size_t allocations = ZLT::Core::allocationCount();
