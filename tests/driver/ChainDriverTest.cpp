@@ -199,7 +199,7 @@ TEST(ExportedNames, tokenFunctionsHavePlainOnes) {
     using Name = const char* (*)(unsigned int);
     using Bool = const char* (*)(unsigned char);
 #if defined(_WIN32)
-    const HMODULE library = GetModuleHandleA("libzlt_ogl.dll");
+    const HMODULE library = GetModuleHandleA("zlt_ogl.dll");
     const auto symbol = [&](const char* name) {
         return reinterpret_cast<void*>(GetProcAddress(library, name));
     };
