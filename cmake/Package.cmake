@@ -7,6 +7,19 @@ install(TARGETS zlt_core zlt_ogl EXPORT zlt_oglTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 
+if(MINGW)
+  # The compiler's run-time libraries. Ours share them with the program, to which their exceptions pass.
+  cmake_path(GET CMAKE_CXX_COMPILER PARENT_PATH compiler_folder)
+  foreach(name libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
+    execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}
+      OUTPUT_VARIABLE file OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+    if(NOT IS_ABSOLUTE "${file}")
+      set(file ${compiler_folder}/${name}) # where a compiler that runs on Windows has them
+    endif()
+    install(FILES ${file} DESTINATION ${CMAKE_INSTALL_BINDIR})
+  endforeach()
+endif()
+
 set(public_headers
   AutoInitializer.h
   Export.h
