@@ -1,5 +1,6 @@
 # What `cmake --install` puts where: headers below include/zlt_ogl with the paths that the sources use, the
-# two libraries, a CMake configuration and a pkg-config file.
+# two libraries, a CMake configuration and a pkg-config file. And what `cpack` makes of that: a ZIP, or a
+# .deb.
 include(CMakePackageConfigHelpers)
 
 install(TARGETS zlt_core zlt_ogl EXPORT zlt_oglTargets
@@ -103,3 +104,26 @@ file(RELATIVE_PATH zlt_pc_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 string(REGEX REPLACE "/$" "" zlt_pc_prefix "${zlt_pc_prefix}")
 configure_file(${PROJECT_SOURCE_DIR}/cmake/zlt_ogl.pc.in ${PROJECT_BINARY_DIR}/zlt_ogl.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/zlt_ogl.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+if(NOT PROJECT_IS_TOP_LEVEL)
+  return() # the package is the whole project's
+endif()
+if(WIN32)
+  set(CPACK_GENERATOR ZIP)
+else()
+  set(CPACK_GENERATOR DEB)
+endif()
+set(CPACK_STRIP_FILES ON)
+set(CPACK_PACKAGE_CONTACT "The developers of zlt_ogl")
+set(CPACK_PACKAGE_DESCRIPTION "Calls OpenGL with each call checked, traced and recorded, and has classes
+for contexts, textures, buffers, framebuffers and programs. With the headers.")
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+  OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+set(CPACK_DEBIAN_PACKAGE_NAME libzlt-ogl-dev)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_PACKAGE_DEPENDS libgl-dev) # for the headers; what the libraries need is found
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+include(CPack)

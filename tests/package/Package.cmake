@@ -1,6 +1,6 @@
-# Installs the build in BUILD to a fresh prefix, then builds and runs consumer/ against it, once by find_package
-# and once by pkg-config, and compiles the program in README. COMPILER, TOOLCHAIN and EMULATOR are those of the build.
-set(prefix ${WORK}/prefix)
+# Brings the build in BUILD to a fresh prefix, as FORM says: by installing it, or by making its zip or deb
+# and unpacking that. Then builds and runs consumer/ against the prefix alone, by find_package and by
+# pkg-config, and compiles the program in README. COMPILER, TOOLCHAIN and EMULATOR are those of the build.
 file(REMOVE_RECURSE ${WORK})
 file(MAKE_DIRECTORY ${WORK})
 
@@ -8,7 +8,40 @@ function(run)
   execute_process(COMMAND ${ARGV} COMMAND_ERROR_IS_FATAL ANY COMMAND_ECHO STDOUT)
 endfunction()
 
-run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${prefix})
+if(FORM STREQUAL install)
+  set(prefix ${WORK}/prefix)
+  run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${prefix})
+else()
+  run(${CPACK} --config ${BUILD}/CPackConfig.cmake -B ${WORK})
+  file(GLOB package ${WORK}/*.${FORM})
+endif()
+if(FORM STREQUAL zip)
+  file(ARCHIVE_EXTRACT INPUT ${package} DESTINATION ${WORK})
+  string(REPLACE .zip "" prefix ${package})
+elseif(FORM STREQUAL deb)
+  # A system of its own, whose ldconfig only notes that it was called.
+  set(root ${WORK}/root)
+  set(prefix ${root}/usr)
+  file(MAKE_DIRECTORY ${root}/var/lib/dpkg/updates ${root}/var/lib/dpkg/info)
+  file(TOUCH ${root}/var/lib/dpkg/status)
+  file(WRITE ${WORK}/bin/ldconfig "#!/bin/sh\necho $DPKG_MAINTSCRIPT_NAME >>${WORK}/ldconfig\n")
+  file(CHMOD ${WORK}/bin/ldconfig PERMISSIONS OWNER_READ OWNER_EXECUTE)
+  set(ENV{PATH} ${WORK}/bin:$ENV{PATH})
+  set(dpkg ${DPKG} --root=${root} --log=${WORK}/log
+    --force-not-root --force-depends --force-script-chrootless)
+  run(${dpkg} --install ${package})
+endif()
+
+# It can be moved: nothing says where it was built.
+cmake_path(GET README PARENT_PATH source)
+file(GLOB_RECURSE texts ${prefix}/*.cmake ${prefix}/*.pc)
+foreach(text IN LISTS texts)
+  file(READ ${text} content)
+  string(FIND "${content}" ${source} at)
+  if(NOT at EQUAL -1)
+    message(FATAL_ERROR "${text} names ${source}")
+  endif()
+endforeach()
 
 set(configure -G Ninja -S ${CMAKE_CURRENT_LIST_DIR}/consumer -B ${WORK}/by-cmake -Dzlt_ogl_ROOT=${prefix}
   "-DCMAKE_CXX_FLAGS=${FLAGS}")
@@ -33,8 +66,18 @@ string(REGEX REPLACE "```cpp|```" "" text "${text}")
 file(WRITE ${WORK}/readme.cpp "${text}")
 run(${COMPILER} -std=c++20 -c ${WORK}/readme.cpp -o ${WORK}/readme.o ${options})
 
-# Where a system looks for shared libraries is its installer's business; here the prefix is a temporary one.
+# Where a system looks for shared libraries is its installer's business; this prefix is a temporary one. On
+# Windows it has all that the program needs, the compiler's run-time libraries too.
 set(ENV{LD_LIBRARY_PATH} ${prefix}/${LIBDIR})
 set(ENV{WINEPATH} "${prefix}/bin")
 run(${EMULATOR} ${WORK}/by-cmake/consumer${SUFFIX})
 run(${EMULATOR} ${WORK}/by-pkg-config${SUFFIX})
+
+if(FORM STREQUAL deb)
+  run(${dpkg} --purge libzlt-ogl-dev)
+  file(GLOB left ${root}/*)
+  file(STRINGS ${WORK}/ldconfig calls)
+  if(NOT "${left};${calls}" STREQUAL "${root}/var;postinst;postrm")
+    message(FATAL_ERROR "Left behind, or ldconfig not called: ${left} ${calls}")
+  endif()
+endif()
