@@ -10,7 +10,7 @@ namespace internal {
 
 /// A bare off-screen context with which the library talks to a driver before it has a manager for it. The
 /// extension manager and the sharing registry don't know it.
-class ZLT_OGL_API ContextBootstrap : public Context {
+class ContextBootstrap : public Context {
 public:
     /// On a hidden window at the display's origin: RGB8, single buffered.
     /// @throws LogicalException as Context::initialize does, InternalException "error != 0" for a display
