@@ -1,6 +1,8 @@
-// A client as a stranger writes it: a context, a layer in front, calls, the trace they left, and objects.
+// A client as a stranger writes it: a context, a layer in front, calls, the trace they left, objects, and
+// the library's exceptions, caught by each of their bases.
 
 #include <AutoInitializer.h>
+#include <ExceptionOGL.h>
 #include <extensionator/OpenGLInterceptor.h>
 #include <extensionator/OpenGLTracer.h>
 #include <extensionator/TextureState.h>
@@ -35,10 +37,36 @@
 #include <iostream>
 #include <sstream>
 
+namespace {
+
+template <typename Base, typename Call>
+bool caughtAs(Call call) {
+    try {
+        call();
+    } catch (const Base& error) {
+        return *error.what() != 0;
+    } catch (...) {
+    }
+    return false;
+}
+
+template <typename Error, typename Call>
+bool caughtByEachBase(const char* name, Call call) {
+    if (caughtAs<Error>(call) && caughtAs<ZLT::LogicalException>(call) &&
+        caughtAs<ZLT::ExceptionBase>(call) && caughtAs<std::exception>(call)) {
+        return true;
+    }
+    std::cout << name << " is not caught by each of its bases\n";
+    return false;
+}
+
+} // namespace
+
 int main() {
     using namespace ZLT::OGL;
     std::ostringstream trace;
     bool kept = false;
+    bool caught = false;
     try {
         ZLT::Core::Library::initialize();
         {
@@ -63,11 +91,11 @@ int main() {
                              PixelUnpackParameters());
             texture.getPixelData(read, 0, Texture::Format::RGBA, Texture::Type::UNSIGNED_BYTE, 1);
             kept = std::equal(sent, sent + 4, read);
-            try {
-                texture.getPixelData(read, 0, Texture::Format::RGBA, Texture::Type::UNSIGNED_BYTE, 3);
-            } catch (const ZLT::InternalException& refusal) {
-                std::cout << refusal.what() << '\n';
-            }
+            caught =
+                caughtByEachBase<ExceptionOGL>("ExceptionOGL", [] { CGM(Enable, GL_RGBA); }) &&
+                caughtByEachBase<ZLT::InternalException>("InternalException", [&] {
+                    texture.getPixelData(read, 0, Texture::Format::RGBA, Texture::Type::UNSIGNED_BYTE, 3);
+                });
         }
         ZLT::Core::Library::terminate(&std::cout);
     } catch (const ZLT::LogicalException& error) {
@@ -78,5 +106,5 @@ int main() {
     std::cout << trace.str();
     const bool bound = trace.str().find(": glBindTexture(GL_TEXTURE_2D, 5)\n") != std::string::npos;
     const bool activated = trace.str().find(": glActiveTexture(GL_TEXTURE1)\n") != std::string::npos;
-    return bound && activated && kept ? 0 : 1;
+    return bound && activated && kept && caught ? 0 : 1;
 }
