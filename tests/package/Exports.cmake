@@ -1,6 +1,7 @@
-# Compares what the libraries CORE and OGL in FOLDER export with what the headers in INCLUDE and the table of
-# functions WGL promise, and what they import with a list.
-set(shared_objects "(zlt_core|opengl|egl|glx|glu|x11|xrandr|stdc\\+\\+|gcc_s|m|c|asan|tsan|ubsan)")
+# Compares what the libraries CORE and OGL in FOLDER export with what the headers in INCLUDE and the table
+# WGL of functions promise, and what they import with a list.
+# With Xrandr come Xrender and Xext, unless the linker drops what isn't used.
+set(shared_objects "(zlt_core|opengl|egl|glx|glu|x(11|randr|render|ext)|stdc\\+\\+|gcc_s|m|c|(a|t|ub)san)")
 set(dlls "(zlt_core|libstdc\\+\\+-6|libgcc_s_seh-1|libwinpthread-1")
 string(APPEND dlls "|kernel32|msvcrt|api-ms-win-crt-[-a-z0-9]+|user32|gdi32|opengl32|glu32)")
 
