@@ -20,6 +20,7 @@ bool allocationsAreCounted() {
     return allocations() == before + 1;
 }
 
+#if !defined(_WIN32)
 #pragma GCC visibility push(default)
 extern "C" {
 
@@ -52,3 +53,4 @@ int posix_memalign(void** memory, std::size_t alignment, std::size_t size) {
 
 } // extern "C"
 #pragma GCC visibility pop
+#endif

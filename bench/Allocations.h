@@ -5,3 +5,10 @@ unsigned long allocations();
 
 /// Whether they are counted: one by `new` is.
 bool allocationsAreCounted();
+
+/// Whether they can be: under Windows nothing stands in front of the allocator of another DLL.
+#if defined(_WIN32)
+inline constexpr bool allocationsCount = false;
+#else
+inline constexpr bool allocationsCount = true;
+#endif

@@ -26,8 +26,12 @@ public:
                 failed_ = true;
                 continue;
             }
-            const bool manual = run.run_name.time_type == "manual_time";
-            times_[name].push_back(manual ? run.GetAdjustedRealTime() : run.GetAdjustedCPUTime());
+#if defined(_WIN32)
+            const bool real = true; // a thread's processor time goes in ticks of 10 or 15 ms
+#else
+            const bool real = run.run_name.time_type == "manual_time";
+#endif
+            times_[name].push_back(real ? run.GetAdjustedRealTime() : run.GetAdjustedCPUTime());
         }
     }
 

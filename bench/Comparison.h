@@ -23,8 +23,8 @@ struct Comparison {
 };
 
 /// Runs the benchmarks several times in random order, and prints medians. A time is the processor time of the
-/// thread, so that other programs on the machine disturb it little; benchmarks that take their own time
-/// (`UseManualTime`) count that. Rows that didn't run are left out.
+/// thread, so that other programs on the machine disturb it little, but on Windows the real time; benchmarks
+/// that take their own time (`UseManualTime`) count that. Rows that didn't run are left out.
 /// @param argc, argv  flags of Google Benchmark, such as `--benchmark_filter`
 /// @return for main(): 1 when a flag is unknown or a benchmark failed
 int run(int argc, char** argv, const std::vector<Comparison>& comparisons);

@@ -13,8 +13,10 @@
 #include "extensionator/win/WglFunctions.h"
 #include "zlt/core/memory/ZLTDeleter.h"
 
+#if !defined(_WIN32)
 #include <EGL/egl.h>
 #include <EGL/eglext.h>
+#endif
 #include <GL/gl.h>
 #include <GL/glext.h>
 #include <benchmark/benchmark.h>
@@ -26,6 +28,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <locale>
 #include <memory>
 #include <set>
@@ -301,12 +304,17 @@ void registerManagers(const ContextOffscreen& context, std::vector<Bench::Compar
         for (auto _ : state)
             benchmark::DoNotOptimize(makeManager(manager, context));
     });
-    benchmark::RegisterBenchmark("wglGetProcAddress of 1,497 names", [](benchmark::State& state) {
+    // A manager asks for no more than the driver has, and some take a hundred times as long to say no.
+    std::vector<const char*> names;
+    std::ranges::copy_if(entryNames, std::back_inserter(names),
+                         [](auto name) { return wglGetProcAddress(name); });
+    const std::string other = "wglGetProcAddress of " + std::to_string(names.size()) + " names";
+    benchmark::RegisterBenchmark(other.c_str(), [names](benchmark::State& state) {
         for (auto _ : state)
-            for (const char* name : entryNames)
+            for (const char* name : names)
                 benchmark::DoNotOptimize(wglGetProcAddress(name));
     });
-    comparisons.push_back({"a manager", "wglGetProcAddress of 1,497 names", 1.1});
+    comparisons.push_back({"a manager", other, 1.1});
 #if defined(WITH_GLEW)
     benchmark::RegisterBenchmark("glewInit", [](benchmark::State& state) {
         for (auto _ : state)
@@ -319,6 +327,7 @@ void registerManagers(const ContextOffscreen& context, std::vector<Bench::Compar
 
 // Contexts come and go.
 
+#if !defined(_WIN32)
 // EGL by hand, on the device that the library's first display device is.
 class BareEGL {
 public:
@@ -357,8 +366,9 @@ private:
     EGLConfig config_ = nullptr;
     bool works_ = false;
 };
+#endif
 
-void registerContexts(Contexts& contexts, const BareEGL& egl, std::vector<Bench::Comparison>& comparisons) {
+void registerContexts(Contexts& contexts, std::vector<Bench::Comparison>& comparisons) {
     constexpr int number = 1000; // in each repetition
     const auto add = [&contexts](const char* name, auto comeAndGo) {
         benchmark::RegisterBenchmark(name, [&contexts, comeAndGo](benchmark::State& state) {
@@ -374,7 +384,9 @@ void registerContexts(Contexts& contexts, const BareEGL& egl, std::vector<Bench:
         const ContextOffscreen context;
         return context.renderContext() != nullptr;
     });
-    add("EGL context", [&egl] { return egl.comeAndGo(); });
+#if !defined(_WIN32)
+    add("EGL context", [egl = BareEGL(contexts.first())] { return egl.comeAndGo(); });
+#endif
     comparisons.push_back({"ContextOffscreen", "EGL context"});
 }
 
@@ -389,25 +401,30 @@ int measure(int argc, char** argv, Bench::LibraryContext& library) {
         return 1;
     }
     Contexts contexts(library.context());
-    const BareEGL egl(library.context());
+#if !defined(_WIN32)
     const std::size_t handles = ZLT::Platform::liveHandles();
+#endif
 
     std::vector<Bench::Comparison> comparisons;
     registerLookups(contexts, comparisons);
     registerUniforms(contexts, location, comparisons);
     registerManagers(library.context(), comparisons);
-    registerContexts(contexts, egl, comparisons);
+    registerContexts(contexts, comparisons);
     int result = Bench::run(argc, argv, comparisons);
 
-    if (!allocationsAreCounted()) {
+    if (allocationsCount && !allocationsAreCounted()) {
         std::fprintf(stderr, "Allocations are not counted.\n");
         result = 1;
     }
-    if (!instanceAllocatesNothing())
+    if (allocationsCount && !instanceAllocatesNothing())
         result = 1;
+#if !defined(_WIN32)
     contexts.resize(1);
     std::printf("live handles: %zu before, %zu after\n", handles, ZLT::Platform::liveHandles());
-    return ZLT::Platform::liveHandles() == handles ? result : 1;
+    if (ZLT::Platform::liveHandles() != handles)
+        result = 1;
+#endif
+    return result;
 }
 
 } // namespace

@@ -1,8 +1,7 @@
 #include "HandWrittenChecker.h"
 
 #include "extensionator/ExtensionManager.h"
-
-#include <EGL/egl.h>
+#include "extensionator/Load.h"
 
 #include <stdexcept>
 #include <string>
@@ -43,6 +42,4 @@ HandWrittenInterceptor* handWrittenChecker() {
     return &checker;
 }
 
-ActiveTexture activeTextureFunction() {
-    return reinterpret_cast<ActiveTexture>(eglGetProcAddress("glActiveTexture"));
-}
+ActiveTexture activeTextureFunction() { return ZLT::OGL::find<ActiveTexture>("glActiveTexture"); }

@@ -2,6 +2,7 @@
 // with one write. The driver does nothing.
 
 #include "Comparison.h"
+#include "TemporaryFolder.h"
 #include "extensionator/OpenGLInterceptor.h"
 #include "extensionator/OpenGLRekorder.h"
 
@@ -10,15 +11,18 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
 
 namespace {
 
+#if defined(_WIN32)
+constexpr const char* nowhere = "NUL";
+#else
+constexpr const char* nowhere = "/dev/null";
+constexpr int O_BINARY = 0;
+#endif
 constexpr int size = 1024;
 std::string path;
 
@@ -29,7 +33,7 @@ const std::vector<char>& pixels() {
 
 // Each round starts the file anew, so that both write to an empty one.
 void recorded(benchmark::State& state) {
-    std::ofstream text("/dev/null");
+    std::ofstream text(nowhere);
     for (auto _ : state) {
         std::ofstream data(path, std::ios::binary | std::ios::trunc);
         ZLT::OGL::OpenGLRekorder recorder(text, data, nullptr, false);
@@ -46,7 +50,7 @@ BENCHMARK(recorded)->Name("glTexImage2D recorded")->Unit(benchmark::kMicrosecond
 
 void written(benchmark::State& state) {
     for (auto _ : state) {
-        const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
+        const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_BINARY, 0666);
         if (write(file, pixels().data(), pixels().size()) != static_cast<ssize_t>(pixels().size()))
             state.SkipWithError("the data was not written");
         close(file);
@@ -57,13 +61,7 @@ BENCHMARK(written)->Name("one write")->Unit(benchmark::kMicrosecond);
 } // namespace
 
 int main(int argc, char** argv) {
-    std::string folder = std::filesystem::temp_directory_path() / "zlt_image_XXXXXX";
-    if (!mkdtemp(folder.data())) {
-        std::perror(folder.c_str());
-        return 1;
-    }
-    path = folder + "/recording.bin";
-    const int result = Bench::run(argc, argv, {{"glTexImage2D recorded", "one write", 1.05}});
-    std::filesystem::remove_all(folder);
-    return result;
+    const Bench::TemporaryFolder folder;
+    path = folder.path() + "/recording.bin";
+    return Bench::run(argc, argv, {{"glTexImage2D recorded", "one write", 1.05}});
 }

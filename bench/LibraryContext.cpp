@@ -8,7 +8,9 @@
 namespace Bench {
 
 LibraryContext::Started::Started() {
+#if !defined(_WIN32)
     setenv("ZLT_OGL_PLATFORM", "headless", 1);
+#endif
     ZLT::Core::Library::initialize();
     ZLT::OGL::Library::initialize(ZLT::OGL::Library::InitOptions());
 }

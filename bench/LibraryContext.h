@@ -4,8 +4,8 @@
 
 namespace Bench {
 
-/// The library, started without an X server whatever DISPLAY says, and a context of it that is current in the
-/// calling thread, for as long as this lives. One at a time.
+/// The library, started on Linux without an X server whatever DISPLAY says, and a context of it that is
+/// current in the calling thread, for as long as this lives. One at a time.
 class LibraryContext {
 public:
     ZLT::OGL::ContextOffscreen& context() { return context_; }

@@ -2,11 +2,17 @@
 // where it is a text: so it is a driver of 3.0 without extensions.
 
 #define GL_GLEXT_PROTOTYPES
-#include <EGL/egl.h>
+#if defined(_WIN32)
+// Without windows.h, which declares the functions as imported ones.
+#define WINGDIAPI
+#define APIENTRY
+#define CALLBACK
+#endif
 #include <GL/gl.h>
 #include <GL/glext.h>
 #include <GL/glu.h>
 
+#include <cstdint>
 #include <cstring>
 
 namespace {
@@ -53,14 +59,16 @@ namespace {
 #include "EntryPoints.inl"
 #undef ZLT_GL_ENTRY
 
+using Function = void (*)();
+
 struct Entry {
     const char* name;
-    __eglMustCastToProperFunctionPointerType function;
+    Function function;
 };
 
 const Entry entries[] = {
 #define ZLT_GL_ENTRY(slot, group, name, result, parameters, arguments)                                       \
-    {"gl" #name, reinterpret_cast<__eglMustCastToProperFunctionPointerType>(silent##name)},
+    {"gl" #name, reinterpret_cast<Function>(silent##name)},
 #include "EntryPoints.inl"
 #undef ZLT_GL_ENTRY
 #undef ZLT_GL_CORE_ENTRY
@@ -68,9 +76,38 @@ const Entry entries[] = {
 
 } // namespace
 
-extern "C" __eglMustCastToProperFunctionPointerType eglGetProcAddress(const char* name) {
+#if defined(_WIN32)
+#define eglGetProcAddress wglGetProcAddress
+#endif
+extern "C" Function eglGetProcAddress(const char* name) {
     for (const Entry& entry : entries)
         if (std::strcmp(entry.name, name) == 0)
             return entry.function;
     return nullptr;
 }
+
+#if defined(_WIN32)
+// Contexts are numbers here. To a caller a function is the same whose arguments nobody reads.
+static std::uintptr_t made, currentContext, currentDevice;
+
+extern "C" {
+
+std::uintptr_t wglCreateContext() { return ++made; }
+int wglMakeCurrent(std::uintptr_t device, std::uintptr_t context) {
+    currentDevice = device;
+    currentContext = context;
+    return 1;
+}
+std::uintptr_t wglGetCurrentContext() { return currentContext; }
+std::uintptr_t wglGetCurrentDC() { return currentDevice; }
+
+int yes() { return 1; }
+// Besides what is called: what GDI asks, and what the library imports for its WGL chain.
+[[gnu::alias("yes")]] int wglDeleteContext(), wglShareLists(), wglChoosePixelFormat(), wglSetPixelFormat(),
+    wglGetPixelFormat(), wglDescribePixelFormat(), wglCopyContext(), wglCreateLayerContext(),
+    wglDescribeLayerPlane(), wglGetLayerPaletteEntries(), wglRealizeLayerPalette(),
+    wglSetLayerPaletteEntries(), wglSwapLayerBuffers(), wglSwapMultipleBuffers(), wglUseFontBitmapsA(),
+    wglUseFontBitmapsW(), wglUseFontOutlinesA(), wglUseFontOutlinesW();
+
+} // extern "C"
+#endif

@@ -1,0 +1,4 @@
+#include "HeadlessContext.h"
+#include "LibraryContext.h"
+
+void makeHeadlessContextCurrent() { static const Bench::LibraryContext context; }
