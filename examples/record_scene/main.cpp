@@ -73,7 +73,7 @@ void record(const std::string& name, const std::filesystem::path& folder) {
         const ContextWrapped wrapped;
         const auto scene = Scene::make(name, width, height);
         scene->draw();
-        writePng(folder / "frame.png", readFrame(width, height));
+        writePng((folder / "frame.png").string(), readFrame(width, height));
         CWGM(SwapBuffers, window.device());
     }
     CWGM(MakeCurrent, nullptr, nullptr);

@@ -44,7 +44,7 @@ void run(const std::filesystem::path& folder) {
     context->makeCurrent();
     std::cout << "Renderer: " << CGM(GetString, GL_RENDERER) << '\n';
 
-    std::ofstream trace(folder / "trace.txt");
+    std::ofstream trace(folder / "trace.txt", std::ios::binary);
     if (!trace)
         throw std::runtime_error("cannot write " + (folder / "trace.txt").string());
     OpenGLTracer tracer(trace);
@@ -53,7 +53,7 @@ void run(const std::filesystem::path& folder) {
     {
         const auto scene = Scene::make("objects", width, height);
         scene->draw();
-        writePng(folder / "frame.png", readFrame(width, height));
+        writePng((folder / "frame.png").string(), readFrame(width, height));
         makeMistake();
     }
 

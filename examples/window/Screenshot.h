@@ -2,7 +2,6 @@
 
 #include "Png.h"
 
-/// What the X server shows of a window, by its XID; empty where no X server has a window of this number
-/// that can be seen. The server hears of a frame on another connection than this one: waits for
-/// `expected`, but not for ever.
-Picture screenshot(const void* window, const Picture& expected);
+/// What the screen shows of a window, by its handle (on Linux its XID); empty where it can't be seen, as
+/// without an X server.
+Picture screenshot(const void* window);

@@ -3,9 +3,7 @@
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 
-#include <chrono>
 #include <cstdint>
-#include <thread>
 
 namespace {
 
@@ -40,17 +38,12 @@ Picture grab(Display* server, Window window) {
 
 } // namespace
 
-Picture screenshot(const void* window, const Picture& expected) {
+Picture screenshot(const void* window) {
     Display* server = XOpenDisplay(nullptr);
     if (!server)
         return {};
     const auto previous = XSetErrorHandler(ignore);
-    const auto id = reinterpret_cast<Window>(window);
-    Picture picture = grab(server, id);
-    for (int attempt = 0; attempt < 200 && !picture.pixels.empty() && picture != expected; ++attempt) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        picture = grab(server, id);
-    }
+    Picture picture = grab(server, reinterpret_cast<Window>(window));
     XCloseDisplay(server);
     XSetErrorHandler(previous);
     return picture;
