@@ -1,22 +1,16 @@
 // What only the Linux platform has: when it asks EGL and GLX, monitors of an X server, window classes, and
 // windows that another client of the server made.
 
-// In front of Xlib, whose macros have its names.
-#include <gtest/gtest.h>
+// In front of Xlib, whose macros have GoogleTest's names.
+#include "StartedDriver.h"
 
-#include "HeadlessContext.h"
-#include "LibraryOGL.h"
 #include "PlainWindow.h"
 #include "ogl/BufferFormat.h"
-#include "ogl/ContextOffscreen.h"
 #include "ogl/ContextWindowed.h"
 #include "ogl/ContextWrapped.h"
-#include "zlt/core/Core.h"
-#include "zlt/core/Exceptions.h"
 
 #include <EGL/egl.h>
-#include <GL/gl.h>
-#include <GL/glext.h>
+#include <EGL/eglext.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 #include <X11/extensions/Xrandr.h>
@@ -43,20 +37,35 @@ extern "C" __attribute__((visibility("default"))) EGLContext eglGetCurrentContex
 
 namespace {
 
-class SeamDriverTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        ZLT::Core::Library::initialize();
-        if (Context::numDisplayDevice() == 0)
-            GTEST_SKIP() << "no driver: no display device";
-        Library::initialize(Library::InitOptions());
+class SeamDriverTest : public StartedDriver {};
+
+// Made by EGL past the library, current as long as it lives.
+struct ForeignContext {
+    EGLDisplay display = std::getenv("DISPLAY")
+                             ? eglGetDisplay(EGL_DEFAULT_DISPLAY)
+                             : eglGetPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, nullptr, nullptr);
+    EGLSurface surface = EGL_NO_SURFACE;
+    EGLContext context = EGL_NO_CONTEXT;
+
+    ForeignContext() {
+        EGLConfig config = nullptr;
+        EGLint count = 0;
+        const EGLint wanted[] = {EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT,
+                                 EGL_NONE};
+        eglInitialize(display, nullptr, nullptr);
+        eglBindAPI(EGL_OPENGL_API);
+        eglChooseConfig(display, wanted, &config, 1, &count);
+        surface = eglCreatePbufferSurface(display, config, nullptr);
+        context = eglCreateContext(display, config, EGL_NO_CONTEXT, nullptr);
+        EXPECT_TRUE(makeCurrent());
     }
-    void TearDown() override {
-        if (Library::isInitialized())
-            Library::terminate();
-        ZLT::Core::Library::terminate();
-        EXPECT_EQ(ZLT::Platform::liveHandles(), 0u);
+    ~ForeignContext() {
+        eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+        eglDestroyContext(display, context);
+        eglDestroySurface(display, surface);
+        eglTerminate(display);
     }
+    bool makeCurrent() const { return eglMakeCurrent(display, surface, surface, context); }
 };
 
 template <class Call>
@@ -94,23 +103,20 @@ TEST_F(SeamDriverTest, theSystemIsAskedWhenNothingIsKnownAndForGoodOnceSomebodyE
     releaseOGLContext();
     EXPECT_GT(questionsOf([] { EXPECT_EQ(Context::currentContext(), nullptr); }), 0);
 
-    const HeadlessContext somebodyElses(8, 8);
-    const EGLDisplay display = eglGetCurrentDisplay();
-    const EGLSurface surface = eglGetCurrentSurface(EGL_DRAW);
-    const EGLContext foreign = eglGetCurrentContext();
+    const ForeignContext foreign;
     {
         const ContextWrapped wrapped;
         EXPECT_NE(wrapped.renderContext(), own.renderContext());
         own.makeCurrent();
         EXPECT_GT(questionsOf([&] { EXPECT_EQ(Context::currentContext(), own.renderContext()); }), 0);
         // So a switch behind our back is seen, on this thread and on others.
-        ASSERT_TRUE(eglMakeCurrent(display, surface, surface, foreign));
+        ASSERT_TRUE(foreign.makeCurrent());
         EXPECT_EQ(Context::currentContext(), wrapped.renderContext());
         own.makeCurrent();
         std::thread([&] {
-            ASSERT_TRUE(eglMakeCurrent(display, surface, surface, foreign));
+            ASSERT_TRUE(foreign.makeCurrent());
             EXPECT_EQ(Context::currentContext(), wrapped.renderContext());
-            EXPECT_TRUE(eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT));
+            EXPECT_TRUE(eglMakeCurrent(foreign.display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT));
             EXPECT_EQ(Context::currentContext(), nullptr);
         }).join();
         EXPECT_EQ(Context::currentContext(), own.renderContext());
