@@ -16,27 +16,20 @@
 #include <GL/gl.h>
 #include <GL/glext.h>
 
-#include <optional>
-
 namespace ZLT::OGL {
 
 inline const std::string usual =
     "GL_APPLE_client_storage GL_ARB_pixel_buffer_object GL_ARB_vertex_buffer_object";
 
-/// The library on a driver with 4 texture units, with a context current, and the objects of that GL.
-struct ObjectsOnDriver {
-    FakeWindowSystem system;
-    std::optional<StartedLibrary> library;
-    std::optional<ContextOffscreen> context;
+/// OnDriver, started, on a driver with 4 texture units; and the objects of that GL.
+struct ObjectsOnDriver : OnDriver {
     FakeObjects gl;
 
-    explicit ObjectsOnDriver(const std::string& version = "3.0", const std::string& names = usual) {
-        system.devices[0].driver = {"Vendor", version, names, {}, {}, {{GL_MAX_TEXTURE_UNITS, 4}}, {}};
-        library.emplace();
-        context.emplace().makeCurrent();
+    explicit ObjectsOnDriver(const std::string& version = "3.0", const std::string& names = usual)
+        : OnDriver({"Vendor", version, names, {}, {}, {{GL_MAX_TEXTURE_UNITS, 4}}, {}}) {
+        manager();
         calls();
     }
-    ~ObjectsOnDriver() noexcept = default;
 
     /// Of FakeObjects, in one line and shorter: "BindTexture(2D,5) TexEnvi(ENV,ENV_MODE,ADD)".
     std::string calls(bool questions = false) {
