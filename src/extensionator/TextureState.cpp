@@ -1,6 +1,6 @@
 #include "extensionator/TextureState.h"
 
-#include "ogl/internal/EntryPoint.h"
+#include "extensionator/EntryPoint.h"
 
 #include <GL/gl.h>
 #include <GL/glext.h>

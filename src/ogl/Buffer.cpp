@@ -1,6 +1,6 @@
 #include "ogl/Buffer.h"
 
-#include "ogl/internal/EntryPoint.h"
+#include "extensionator/EntryPoint.h"
 #include "ogl/internal/TearDown.h"
 #include "ogl/internal/TokenMap.h"
 #include "zlt/core/Enforce.h"

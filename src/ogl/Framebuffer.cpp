@@ -1,11 +1,11 @@
 #include "ogl/Framebuffer.h"
 
+#include "extensionator/EntryPoint.h"
 #include "extensionator/TokenName.h"
 #include "ogl/Renderbuffer.h"
 #include "ogl/Texture2.h"
 #include "ogl/Texture2DArray.h"
 #include "ogl/internal/Composed.h"
-#include "ogl/internal/EntryPoint.h"
 #include "ogl/internal/TearDown.h"
 #include "zlt/core/Enforce.h"
 

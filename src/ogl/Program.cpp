@@ -1,9 +1,9 @@
 #include "ogl/Program.h"
 
+#include "extensionator/EntryPoint.h"
 #include "ogl/FragmentShader.h"
 #include "ogl/Shader.h"
 #include "ogl/VertexShader.h"
-#include "ogl/internal/EntryPoint.h"
 #include "ogl/internal/InfoLog.h"
 #include "ogl/internal/TearDown.h"
 #include "zlt/core/Enforce.h"

@@ -2,7 +2,7 @@
 
 #include "ogl/Program.h"
 
-#include "ogl/internal/EntryPoint.h"
+#include "extensionator/EntryPoint.h"
 #include "zlt/core/Enforce.h"
 
 namespace ZLT::OGL {

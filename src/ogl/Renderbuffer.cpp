@@ -1,7 +1,7 @@
 #include "ogl/Renderbuffer.h"
 
+#include "extensionator/EntryPoint.h"
 #include "ogl/internal/Composed.h"
-#include "ogl/internal/EntryPoint.h"
 #include "ogl/internal/TearDown.h"
 #include "zlt/core/Enforce.h"
 

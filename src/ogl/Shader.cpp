@@ -1,6 +1,6 @@
 #include "ogl/Shader.h"
 
-#include "ogl/internal/EntryPoint.h"
+#include "extensionator/EntryPoint.h"
 #include "ogl/internal/InfoLog.h"
 #include "ogl/internal/TearDown.h"
 #include "zlt/core/Enforce.h"

@@ -1,7 +1,7 @@
 #include "ogl/Texture3.h"
 
+#include "extensionator/EntryPoint.h"
 #include "extensionator/TextureState.h"
-#include "ogl/internal/EntryPoint.h"
 #include "ogl/internal/TextureTransfer.h"
 #include "zlt/core/Enforce.h"
 

@@ -1,11 +1,11 @@
 #include "ogl/internal/TextureTransfer.h"
 
+#include "extensionator/EntryPoint.h"
 #include "extensionator/ExtensionManager.h"
 #include "extensionator/TokenName.h"
 #include "ogl/Buffer.h"
 #include "ogl/PixelUnpackParameters.h"
 #include "ogl/internal/Composed.h"
-#include "ogl/internal/EntryPoint.h"
 #include "zlt/core/Enforce.h"
 #include "zlt/core/Math.h"
 
