@@ -1,4 +1,5 @@
 # Runs PROGRAM on a virtual X server and looks at the trace that it leaves in TRACE.
+unset(ENV{WAYLAND_DISPLAY})
 set(ENV{ZLT_OGL_TRACE} ${TRACE})
 execute_process(COMMAND ${XVFB_RUN} -a ${PROGRAM} COMMAND_ERROR_IS_FATAL ANY)
 file(READ ${TRACE} text)

@@ -1,5 +1,6 @@
 # Runs PROGRAM as its users do: for programs, for people, with a wrong option, and where there is no driver.
 unset(ENV{DISPLAY})
+unset(ENV{WAYLAND_DISPLAY})
 execute_process(COMMAND ${PROGRAM} --json OUTPUT_VARIABLE report COMMAND_ERROR_IS_FATAL ANY)
 string(JSON devices LENGTH "${report}" devices)
 if(devices EQUAL 0)
