@@ -1,4 +1,5 @@
-// Contexts that toolkits made, by GLX and by EGL, taken over by ContextWrapped.
+// Contexts that toolkits made, by GLX and by EGL, taken over by ContextWrapped; toolkits' surfaces on
+// Wayland.
 
 // In front of Xlib, whose macros have its names.
 #include <gtest/gtest.h>
@@ -9,10 +10,12 @@
 #include "ogl/ContextOffscreen.h"
 #include "ogl/ContextWindowed.h"
 #include "ogl/ContextWrapped.h"
+#include "platform/Wayland.h"
 #include "zlt/core/Core.h"
 #include "zlt/core/Exceptions.h"
 
 #include <EGL/egl.h>
+#define GLFW_EXPOSE_NATIVE_WAYLAND
 #define GLFW_EXPOSE_NATIVE_X11
 #include <GL/freeglut.h>
 #include <GL/glx.h>
@@ -23,6 +26,7 @@
 #include <array>
 #include <cstdint>
 #include <cstdlib>
+#include <dlfcn.h>
 #include <functional>
 #include <memory>
 #include <stdexcept>
@@ -40,10 +44,14 @@ constexpr int height = 48;
 class ToolkitWindow {
 public:
     virtual ~ToolkitWindow() = default;
-    virtual ::Window xid() const = 0;
+    virtual HWND handle() const = 0;
     virtual void swap() = 0;
     virtual bool isEgl() const { return false; }
+    // Of a second window, which is shown, and on which the toolkit has no context. The size is for Wayland.
+    virtual HWND secondHandle(int /*width*/, int /*height*/) { return nullptr; }
 };
+
+HWND handleOf(::Window window) { return reinterpret_cast<HWND>(window); } // NOLINT(performance-no-int-to-ptr)
 
 void require(bool done, const char* step) {
     if (!done)
@@ -55,27 +63,71 @@ public:
     explicit Glfw(int api) : egl_(api == GLFW_EGL_CONTEXT_API) {
         require(glfwInit() == GLFW_TRUE, "glfwInit");
         glfwWindowHint(GLFW_CONTEXT_CREATION_API, api);
-        window_ = glfwCreateWindow(width, height, "adopted", nullptr, nullptr);
-        require(window_ != nullptr, "glfwCreateWindow");
+        window_ = open();
         glfwMakeContextCurrent(window_);
     }
     ~Glfw() override { glfwTerminate(); }
-    ::Window xid() const override { return glfwGetX11Window(window_); }
+    HWND handle() const override {
+        return handleOf(function<decltype(&glfwGetX11Window)>("glfwGetX11Window")(window_));
+    }
     void swap() override { glfwSwapBuffers(window_); }
     bool isEgl() const override { return egl_; }
 
-private:
+protected:
+    // A GLFW for one window system lacks the functions of the other.
+    template <class Function>
+    static Function function(const char* name) {
+        return reinterpret_cast<Function>(dlsym(RTLD_DEFAULT, name));
+    }
+    static GLFWwindow* open() {
+        GLFWwindow* window = glfwCreateWindow(width, height, "adopted", nullptr, nullptr);
+        require(window != nullptr, "glfwCreateWindow");
+        return window;
+    }
+
     GLFWwindow* window_ = nullptr;
+
+private:
     bool egl_;
+};
+
+class GlfwByWayland : public Glfw {
+public:
+    GlfwByWayland() : Glfw(GLFW_EGL_CONTEXT_API) {}
+    ~GlfwByWayland() override {
+        for (GLFWwindow* window : {window_, second_})
+            if (window)
+                DestroyWindow(surfaceOf(window, width, height));
+    }
+    HWND handle() const override { return surfaceOf(window_, width, height); }
+    HWND secondHandle(int width, int height) override {
+        if (!second_) {
+            glfwWindowHint(GLFW_CLIENT_API, GLFW_NO_API);
+            second_ = open();
+            glfwPollEvents();
+        }
+        return surfaceOf(second_, width, height);
+    }
+
+private:
+    static HWND surfaceOf(GLFWwindow* window, int width, int height) {
+        return ZLT::Platform::windowFromWayland(
+            function<decltype(&glfwGetWaylandDisplay)>("glfwGetWaylandDisplay")(),
+            function<decltype(&glfwGetWaylandWindow)>("glfwGetWaylandWindow")(window), width, height);
+    }
+
+    GLFWwindow* second_ = nullptr;
 };
 
 class Sdl : public ToolkitWindow {
 public:
-    explicit Sdl(bool egl) : egl_(egl) {
+    explicit Sdl(bool egl, const char* driver = "x11") : egl_(egl) {
+        SDL_SetHint(SDL_HINT_VIDEODRIVER, driver);
         SDL_SetHint(SDL_HINT_VIDEO_X11_FORCE_EGL, egl ? "1" : "0");
+        // Its frames leak objects of libwayland-client, where our leaks would show as well.
+        SDL_SetHint(SDL_HINT_VIDEO_WAYLAND_ALLOW_LIBDECOR, "0");
         require(SDL_Init(SDL_INIT_VIDEO) == 0, "SDL_Init");
-        window_ = SDL_CreateWindow("adopted", 0, 0, width, height, SDL_WINDOW_OPENGL);
-        require(window_ != nullptr, "SDL_CreateWindow");
+        window_ = open();
         context_ = SDL_GL_CreateContext(window_);
         require(context_ != nullptr, "SDL_GL_CreateContext");
     }
@@ -84,19 +136,56 @@ public:
         SDL_DestroyWindow(window_);
         SDL_Quit();
     }
-    ::Window xid() const override {
-        SDL_SysWMinfo information;
-        SDL_VERSION(&information.version);
-        SDL_GetWindowWMInfo(window_, &information);
-        return information.info.x11.window;
-    }
+    HWND handle() const override { return handleOf(systemOf(window_).info.x11.window); }
     void swap() override { SDL_GL_SwapWindow(window_); }
     bool isEgl() const override { return egl_; }
 
-private:
+protected:
+    static SDL_SysWMinfo systemOf(SDL_Window* window) {
+        SDL_SysWMinfo information;
+        SDL_VERSION(&information.version);
+        require(SDL_GetWindowWMInfo(window, &information) == SDL_TRUE, "SDL_GetWindowWMInfo");
+        return information;
+    }
+    static SDL_Window* open() {
+        SDL_Window* window = SDL_CreateWindow("adopted", 0, 0, width, height, SDL_WINDOW_OPENGL);
+        require(window != nullptr, "SDL_CreateWindow");
+        return window;
+    }
+
     SDL_Window* window_ = nullptr;
+
+private:
     SDL_GLContext context_ = nullptr;
     bool egl_;
+};
+
+class SdlByWayland : public Sdl {
+public:
+    SdlByWayland() : Sdl(true, "wayland") {}
+    ~SdlByWayland() override {
+        for (SDL_Window* window : {window_, second_})
+            if (window)
+                DestroyWindow(surfaceOf(window, width, height));
+        if (second_)
+            SDL_DestroyWindow(second_);
+    }
+    HWND handle() const override { return surfaceOf(window_, width, height); }
+    HWND secondHandle(int width, int height) override {
+        if (!second_) {
+            second_ = open();
+            SDL_PumpEvents();
+        }
+        return surfaceOf(second_, width, height);
+    }
+
+private:
+    static HWND surfaceOf(SDL_Window* window, int width, int height) {
+        const auto wayland = systemOf(window).info.wl;
+        return ZLT::Platform::windowFromWayland(wayland.display, wayland.surface, width, height);
+    }
+
+    SDL_Window* second_ = nullptr;
 };
 
 class Glut : public ToolkitWindow {
@@ -115,7 +204,7 @@ public:
         releaseOGLContext();
         glutExit();
     }
-    ::Window xid() const override { return glXGetCurrentDrawable(); }
+    HWND handle() const override { return handleOf(glXGetCurrentDrawable()); }
     void swap() override { glutSwapBuffers(); }
 
 private:
@@ -136,13 +225,11 @@ struct Native {
     bool operator==(const Native&) const = default;
 };
 
-HWND handle(::Window window) { return reinterpret_cast<HWND>(window); } // NOLINT(performance-no-int-to-ptr)
-
 class Adoption : public ::testing::TestWithParam<Toolkit> {
 protected:
     void SetUp() override {
-        if (!std::getenv("DISPLAY"))
-            GTEST_SKIP() << "no driver: the toolkits need an X server";
+        if (!std::getenv("DISPLAY") && !std::getenv("WAYLAND_DISPLAY"))
+            GTEST_SKIP() << "no driver: the toolkits need a display server";
         window_ = GetParam().open();
         ZLT::Core::Library::initialize();
         Library::initialize(Library::InitOptions());
@@ -159,16 +246,14 @@ protected:
     std::unique_ptr<ToolkitWindow> window_;
 };
 
-std::array<std::uint8_t, 4> pixel() {
-    std::array<std::uint8_t, 4> bytes{};
-    glReadPixels(1, 1, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, bytes.data());
-    return bytes;
-}
+class SecondWindow : public Adoption {};
 
-std::array<std::uint8_t, 4> drawnIn(float red, float green) {
+std::array<std::uint8_t, 4> drawnIn(float red, float green, int x = 1, int y = 1) {
     glClearColor(red, green, 0, 1);
     glClear(GL_COLOR_BUFFER_BIT);
-    return pixel();
+    std::array<std::uint8_t, 4> bytes{};
+    glReadPixels(x, y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, bytes.data());
+    return bytes;
 }
 
 } // namespace
@@ -180,7 +265,7 @@ TEST_P(Adoption, theToolkitsContextIsTheCurrentOneAndStaysIt) {
     ASSERT_NE(adopted, nullptr);
     EXPECT_THROW(ExtensionManager::Instance(), ZLT::InternalException) << "not wrapped yet";
     {
-        const ContextWrapped wrapped(wglGetCurrentDC(), adopted, handle(window_->xid()));
+        const ContextWrapped wrapped(wglGetCurrentDC(), adopted, window_->handle());
         EXPECT_EQ(wrapped.renderContext(), adopted);
         EXPECT_TRUE(ExtensionManager::Instance()->isSupported(OPEN_GL_2_0));
         CGM(ActiveTexture, GL_TEXTURE0);
@@ -221,7 +306,7 @@ TEST_P(Adoption, theToolkitsContextIsTheCurrentOneAndStaysIt) {
 TEST_P(Adoption, aContextOfOursSharesWithTheToolkits) {
     const Native before;
     {
-        const ContextWrapped wrapped(wglGetCurrentDC(), Context::currentContext(), handle(window_->xid()));
+        const ContextWrapped wrapped(wglGetCurrentDC(), Context::currentContext(), window_->handle());
         GLuint texture = 0;
         glGenTextures(1, &texture);
         glBindTexture(GL_TEXTURE_2D, texture);
@@ -303,11 +388,37 @@ TEST_P(Adoption, whatTheToolkitClosedIsNotTouchedAgain) {
     releaseOGLContext();
 }
 
+TEST_P(SecondWindow, hasTheSizeThatTheProgramTellsAndStaysTheToolkits) {
+    const HWND window = window_->secondHandle(width, height);
+    RECT area = {};
+    {
+        ContextWindowed own(window, BufferFormat(BufferFormat::RGB8_D24), Context::eDoubleBuffered,
+                            Context::eNoMultisample, nullptr);
+        own.makeCurrent();
+        for (const int scale : {1, 3}) {
+            EXPECT_EQ(window_->secondHandle(scale * width, scale * height), window);
+            EXPECT_TRUE(GetClientRect(window, &area));
+            EXPECT_EQ(area.right, scale * width);
+            EXPECT_EQ(area.bottom, scale * height);
+            EXPECT_EQ(drawnIn(0, 1, area.right - 1, area.bottom - 1)[1], 255) << "the last pixel";
+            own.swapBuffers();
+        }
+        releaseOGLContext();
+    }
+    EXPECT_TRUE(DestroyWindow(window));
+    EXPECT_FALSE(GetClientRect(window, &area));
+}
+
+const auto nameOf = [](const auto& info) { return std::string(info.param.name); };
+const Toolkit onWayland[] = {{"SdlByWayland", [] { return std::make_unique<SdlByWayland>(); }},
+                             {"GlfwByWayland", [] { return std::make_unique<GlfwByWayland>(); }}};
+INSTANTIATE_TEST_SUITE_P(Wayland, Adoption, ::testing::ValuesIn(onWayland), nameOf);
+INSTANTIATE_TEST_SUITE_P(Wayland, SecondWindow, ::testing::ValuesIn(onWayland), nameOf);
 INSTANTIATE_TEST_SUITE_P(
-    Toolkits, Adoption,
+    X11, Adoption,
     ::testing::Values(Toolkit{"GlfwByEgl", [] { return std::make_unique<Glfw>(GLFW_EGL_CONTEXT_API); }},
                       Toolkit{"GlfwByGlx", [] { return std::make_unique<Glfw>(GLFW_NATIVE_CONTEXT_API); }},
                       Toolkit{"SdlByEgl", [] { return std::make_unique<Sdl>(true); }},
                       Toolkit{"SdlByGlx", [] { return std::make_unique<Sdl>(false); }},
                       Toolkit{"Freeglut", [] { return std::make_unique<Glut>(); }}),
-    [](const auto& info) { return std::string(info.param.name); });
+    nameOf);
