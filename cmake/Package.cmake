@@ -70,6 +70,7 @@ set(public_headers
   ogl/TextureUnit.h
   ogl/VertexShader.h
   platform/Platform.h
+  platform/Wayland.h
   platform/WglTokens.h
   zlt/core/Core.h
   zlt/core/Enforce.h

@@ -97,10 +97,12 @@ void emitWglFunctions(const std::vector<Extension>& extensions, const std::vecto
 /// names the ones that it has in its extension string.
 
 // NOLINTBEGIN(bugprone-reserved-identifier)
+namespace ZLT {
 extern "C" {
 )";
     std::string definitions = std::string(wglNotice) + "// The pointer variables.\n\n";
     std::string cases = std::string(wglNotice) + "// For the switch over the WGL extensions.\n\n";
+    std::string globalNames;
     bool sharesCase = false;
     for (const Extension& extension : extensions) {
         if (!extension.isWgl())
@@ -119,6 +121,7 @@ extern "C" {
             definitions += list(0, function.result + "(WINAPI* " + variable + ")(", {function.parameters},
                                 ") = nullptr;") +
                            '\n';
+            globalNames += "using ZLT::" + variable + ";\n";
             calls.push_back("load(" + variable + ", \"wgl" + function.name + "\")");
         }
         // Those without functions that stand together share a line.
@@ -128,7 +131,8 @@ extern "C" {
         cases += "case " + extension.enumerator() + ":";
         cases += calls.empty() ? "\n" : " {\n" + loads(calls, "    ") + "}\n";
     }
-    declarations += "\n} // extern \"C\"\n// NOLINTEND(bugprone-reserved-identifier)\n";
+    declarations += "\n} // extern \"C\"\n} // namespace ZLT\n\n" + globalNames +
+                    "// NOLINTEND(bugprone-reserved-identifier)\n";
     writeFile(headers / "WglFunctions.h", declarations);
     writeFile(sources / "WglFunctions.inl", definitions);
     if (sharesCase)

@@ -70,7 +70,7 @@ void GLRekorderCreateWindow(HDC recorded) {
     hdc_map_[recorded] = windows.back()->device();
 }
 
-BOOL GLRekorderMakeCurrent(HDC recordedDevice, HGLRC recordedContext) {
+int GLRekorderMakeCurrent(HDC recordedDevice, HGLRC recordedContext) {
     const HGLRC own = ownContext(recordedContext);
     require(!recordedContext || own, "find the recorded context");
     require(wglMakeCurrent(ownDevice(recordedDevice), own), "make the recorded context current");
@@ -79,7 +79,7 @@ BOOL GLRekorderMakeCurrent(HDC recordedDevice, HGLRC recordedContext) {
     return TRUE;
 }
 
-BOOL GLRekorderSwapBuffers(HDC recorded) {
+int GLRekorderSwapBuffers(HDC recorded) {
     if (wglGetCurrentContext())
         lastSwapped = readFrame(width, height);
     return SwapBuffers(ownDevice(recorded));
@@ -113,15 +113,15 @@ HGLRC createContext(HDC own) {
     return context;
 }
 
-BOOL deleteContext(HGLRC recorded) {
+int deleteContext(HGLRC recorded) {
     const HGLRC own = ownContext(recorded);
     wrappers.erase(own);
-    const BOOL deleted = wglDeleteContext(own);
+    const int deleted = wglDeleteContext(own);
     contexts.erase(recorded); // the recorded number may come back for another one
     return deleted;
 }
 
-BOOL copyContext(HGLRC source, HGLRC destination, UINT mask) {
+int copyContext(HGLRC source, HGLRC destination, UINT mask) {
     const HGLRC ownSource = ownContext(source);
     return wglCopyContext(ownSource, ownContext(destination), mask);
 }
@@ -133,9 +133,9 @@ HGLRC createLayerContext(HDC recorded, int layer) {
     return context;
 }
 
-BOOL swapLayerBuffers(HDC recorded, UINT planes) { return wglSwapLayerBuffers(ownDevice(recorded), planes); }
+int swapLayerBuffers(HDC recorded, UINT planes) { return wglSwapLayerBuffers(ownDevice(recorded), planes); }
 
-BOOL shareLists(HGLRC first, HGLRC second) {
+int shareLists(HGLRC first, HGLRC second) {
     const HGLRC ownFirst = ownContext(first);
     return wglShareLists(ownFirst, ownContext(second));
 }

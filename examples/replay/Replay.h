@@ -29,9 +29,9 @@ void GLRekorderCreateWindow(HDC recorded);
 /// A recorded rendering context that appears for the first time is the oldest own one that nobody named yet:
 /// the text has no other link between a creation and its result.
 /// @throws std::runtime_error when there is none, or when it can't be made current
-BOOL GLRekorderMakeCurrent(HDC recordedDevice, HGLRC recordedContext);
+int GLRekorderMakeCurrent(HDC recordedDevice, HGLRC recordedContext);
 /// Keeps the picture, then swaps.
-BOOL GLRekorderSwapBuffers(HDC recorded);
+int GLRekorderSwapBuffers(HDC recorded);
 
 namespace replay {
 
@@ -44,10 +44,10 @@ void writeUnsupported(std::ostream& out);
 
 // WGL calls that a recording makes on contexts: kept track of, or with handles of the recording.
 HGLRC createContext(HDC own);
-BOOL deleteContext(HGLRC recorded);
-BOOL shareLists(HGLRC first, HGLRC second);
-BOOL copyContext(HGLRC source, HGLRC destination, UINT mask);
+int deleteContext(HGLRC recorded);
+int shareLists(HGLRC first, HGLRC second);
+int copyContext(HGLRC source, HGLRC destination, UINT mask);
 HGLRC createLayerContext(HDC recorded, int layer);
-BOOL swapLayerBuffers(HDC recorded, UINT planes);
+int swapLayerBuffers(HDC recorded, UINT planes);
 
 } // namespace replay

@@ -6,7 +6,9 @@
 
 namespace ZLT::OGL {
 
+// What somebody else made current behind the platform's back is what the client means.
 ContextWrapped::ContextWrapped() {
+    Platform::noticeCurrent();
     renderContext_ = wglGetCurrentContext();
     deviceContext_ = wglGetCurrentDC();
     adopt(nullptr);

@@ -176,6 +176,7 @@ void Context::createByShortOrLongRoute(const BufferFormat& format, teBuffering b
 }
 
 void Context::destroyContext() {
+    Platform::noticeCurrent(); // what is restored below is what is really current
     const HDC savedDC = wglGetCurrentDC();
     const HGLRC saved = wglGetCurrentContext();
     const bool other = saved != renderContext_;

@@ -6,8 +6,10 @@
 
 namespace ZLT::OGL {
 
-ScopedContextWrapper::ScopedContextWrapper()
-    : savedDeviceContext_(nullptr), savedRenderContext_(wglGetCurrentContext()) {
+// A pair that somebody else made current behind the platform's back would be lost at the end.
+ScopedContextWrapper::ScopedContextWrapper() : savedDeviceContext_(nullptr), savedRenderContext_(nullptr) {
+    Platform::noticeCurrent();
+    savedRenderContext_ = wglGetCurrentContext();
     savedDeviceContext_ = wglGetCurrentDC();
 }
 

@@ -3,22 +3,33 @@
 /// @file
 /// The window system operations that the library stands on, by their WGL, GDI and USER names. On Windows they
 /// are the system's own. On Linux this header declares the same types and functions, which `zlt_ogl`
-/// implements over EGL and X11:
+/// implements over EGL, GLX and a window system:
 ///
 /// - With an X server (DISPLAY) a window is an X11 window, an HWND is its XID, whoever made it, and the
 ///   display devices are the monitors.
-/// - Without one, a window is a pbuffer, and the display devices are the EGL devices, laid out side by side:
-///   a window belongs to the device on which its top left corner lies.
-/// - `ZLT_OGL_PLATFORM` set to `x11` or `headless` forces one of the two. With any other text there is no
-///   display device, and no window can be made.
+/// - In a Wayland session without X (WAYLAND_DISPLAY) the display devices are the outputs. Windows made here
+///   are surfaces that are never shown; `platform/Wayland.h` makes an HWND of a toolkit's surface.
+/// - Without either, a window is a pbuffer, and the display devices are the EGL devices, laid out in rows: a
+///   window belongs to the device on which its top left corner lies.
+/// - `ZLT_OGL_PLATFORM` set to `x11`, `wayland` or `headless` forces one of them. When the one that is forced
+///   can't be used, or with any other text, there is no display device, and no window can be made.
+///
+/// A server that DISPLAY or WAYLAND_DISPLAY names and that can't be reached counts as none; startupNotes()
+/// has a sentence for it.
+///
+/// On Linux the names are in ZLT::Platform, and come to the global namespace by using-declarations. A program
+/// that has names of this kind of its own, in a shim for a port from Windows, defines
+/// `ZLT_OGL_NO_GLOBAL_NAMES` in front of the library's headers: then neither takes the other's place. BOOL
+/// stays in ZLT::Platform always, since X11/Xmd.h has another type of this name.
 ///
 /// A context that somebody else made current, through EGL or GLX, has handles here as well:
 /// wglGetCurrentContext and wglGetCurrentDC report it, and wglMakeCurrent makes it current again. Nothing
-/// here ever destroys it.
+/// here ever destroys it. While one of the contexts made here is current, the first context that somebody
+/// else makes current in the process is seen when one asks by noticeCurrent() first.
 ///
 /// A context that is current when its thread ends is current no more. A function that fails returns what it
 /// returns on Windows and leaves an error number for GetLastError(). A handle that was never given out, or is
-/// gone, is refused.
+/// gone, is refused. All functions may be called from any thread.
 
 #if defined(_WIN32)
 
@@ -27,12 +38,19 @@
 #endif
 #include <windows.h>
 
+namespace ZLT::Platform {
+using ::BOOL;
+/// The system itself knows what is current.
+inline void noticeCurrent() {}
+} // namespace ZLT::Platform
+
 #else
 
 #include "Export.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 // The calling conventions, which Linux has one of.
 #ifndef WINAPI
@@ -41,6 +59,16 @@
 #ifndef CALLBACK
 #define CALLBACK
 #endif
+
+// Other headers define these two as macros.
+#ifndef FALSE
+#define FALSE 0
+#endif
+#ifndef TRUE
+#define TRUE 1
+#endif
+
+namespace ZLT::Platform {
 
 using BOOL = int;
 using BYTE = std::uint8_t;
@@ -65,7 +93,6 @@ using WPARAM = std::uintptr_t;
 using LPARAM = std::intptr_t;
 using LRESULT = std::intptr_t;
 
-namespace ZLT::Platform {
 struct Window;
 struct DeviceContext;
 struct RenderingContext;
@@ -75,27 +102,18 @@ struct Instance;
 struct Icon;
 struct Cursor;
 struct Brush;
-} // namespace ZLT::Platform
 
-using HWND = ZLT::Platform::Window*;
-using HDC = ZLT::Platform::DeviceContext*;
-using HGLRC = ZLT::Platform::RenderingContext*;
-using HMONITOR = ZLT::Platform::Monitor*;
-using HMENU = ZLT::Platform::Menu*;
-using HINSTANCE = ZLT::Platform::Instance*;
+using HWND = Window*;
+using HDC = DeviceContext*;
+using HGLRC = RenderingContext*;
+using HMONITOR = Monitor*;
+using HMENU = Menu*;
+using HINSTANCE = Instance*;
 using HMODULE = HINSTANCE;
-using HICON = ZLT::Platform::Icon*;
-using HCURSOR = ZLT::Platform::Cursor*;
-using HBRUSH = ZLT::Platform::Brush*;
+using HICON = Icon*;
+using HCURSOR = Cursor*;
+using HBRUSH = Brush*;
 using WNDPROC = LRESULT(CALLBACK*)(HWND, UINT, WPARAM, LPARAM);
-
-// Other headers define these two as macros.
-#ifndef FALSE
-#define FALSE 0
-#endif
-#ifndef TRUE
-#define TRUE 1
-#endif
 
 constexpr DWORD ERROR_SUCCESS = 0;
 constexpr DWORD ERROR_INVALID_HANDLE = 6;
@@ -315,8 +333,8 @@ ZLT_OGL_API int GetPixelFormat(HDC device);
 /// Once for each window. A format that was chosen for a window of another visual or EGL device is replaced by
 /// the nearest one that this window can have, which has at least its bits and the same samples.
 ZLT_OGL_API BOOL SetPixelFormat(HDC device, int format, const PIXELFORMATDESCRIPTOR* description);
-/// Shows what was drawn. EGL swaps the current window alone: another one on X11 is refused, and one that is a
-/// pbuffer has nothing to show.
+/// Shows what was drawn. EGL swaps the current window alone: another one is refused, but one that is never
+/// shown has nothing to swap.
 ZLT_OGL_API BOOL SwapBuffers(HDC device);
 
 ZLT_OGL_API BOOL wglCopyContext(HGLRC source, HGLRC destination, UINT mask);
@@ -348,10 +366,169 @@ ZLT_OGL_API BOOL wglSwapLayerBuffers(HDC device, UINT planes);
 /// Bit i of the result is set when buffer i was swapped.
 ZLT_OGL_API DWORD wglSwapMultipleBuffers(UINT count, const WGLSWAP* buffers);
 
-namespace ZLT::Platform {
 /// How many windows, pbuffers and contexts of this layer are live in the process.
 ZLT_OGL_API std::size_t liveHandles();
+/// A sentence on the calling thread's last failure, beside the number of GetLastError(); "" when there was
+/// none. It is valid until the thread's next failure.
+ZLT_OGL_API const char* lastErrorText();
+/// What kept a window system or a driver from being used when the displays were opened: a sentence each, one
+/// a line. Empty when nothing did. Opens the displays if that has not happened yet.
+///
+/// @code
+/// if (ZLT::OGL::Context::numDisplayDevice() == 0)
+///     std::cerr << ZLT::Platform::startupNotes();
+/// @endcode
+ZLT_OGL_API std::string startupNotes();
+/// Asks EGL and GLX what is current on the calling thread, even where the answer is believed to be known: the
+/// wglGetCurrentContext that follows then sees a context that somebody else made current behind this layer's
+/// back. Two system calls; meant for once a context, not once a call.
+ZLT_OGL_API void noticeCurrent();
+
 } // namespace ZLT::Platform
+
+namespace ZLT {
+using namespace Platform;
+} // namespace ZLT
+
+#if !defined(ZLT_OGL_NO_GLOBAL_NAMES)
+
+using BYTE = ZLT::Platform::BYTE;
+using CHAR = ZLT::Platform::CHAR;
+using WORD = ZLT::Platform::WORD;
+using SHORT = ZLT::Platform::SHORT;
+using USHORT = ZLT::Platform::USHORT;
+using DWORD = ZLT::Platform::DWORD;
+using LONG = ZLT::Platform::LONG;
+using INT = ZLT::Platform::INT;
+using INT32 = ZLT::Platform::INT32;
+using INT64 = ZLT::Platform::INT64;
+using UINT = ZLT::Platform::UINT;
+using FLOAT = ZLT::Platform::FLOAT;
+using COLORREF = ZLT::Platform::COLORREF;
+using LPVOID = ZLT::Platform::LPVOID;
+using HANDLE = ZLT::Platform::HANDLE;
+using LPCSTR = ZLT::Platform::LPCSTR;
+using PROC = ZLT::Platform::PROC;
+using ATOM = ZLT::Platform::ATOM;
+using WPARAM = ZLT::Platform::WPARAM;
+using LPARAM = ZLT::Platform::LPARAM;
+using LRESULT = ZLT::Platform::LRESULT;
+using HWND = ZLT::Platform::HWND;
+using HDC = ZLT::Platform::HDC;
+using HGLRC = ZLT::Platform::HGLRC;
+using HMONITOR = ZLT::Platform::HMONITOR;
+using HMENU = ZLT::Platform::HMENU;
+using HINSTANCE = ZLT::Platform::HINSTANCE;
+using HMODULE = ZLT::Platform::HMODULE;
+using HICON = ZLT::Platform::HICON;
+using HCURSOR = ZLT::Platform::HCURSOR;
+using HBRUSH = ZLT::Platform::HBRUSH;
+using WNDPROC = ZLT::Platform::WNDPROC;
+using LPLAYERPLANEDESCRIPTOR = ZLT::Platform::LPLAYERPLANEDESCRIPTOR;
+using LPGLYPHMETRICSFLOAT = ZLT::Platform::LPGLYPHMETRICSFLOAT;
+using PIXELFORMATDESCRIPTOR = ZLT::Platform::PIXELFORMATDESCRIPTOR;
+using POINTL = ZLT::Platform::POINTL;
+using RECT = ZLT::Platform::RECT;
+using DISPLAY_DEVICEA = ZLT::Platform::DISPLAY_DEVICEA;
+using DEVMODEA = ZLT::Platform::DEVMODEA;
+using MONITORINFO = ZLT::Platform::MONITORINFO;
+using MONITORINFOEXA = ZLT::Platform::MONITORINFOEXA;
+using WNDCLASSEXA = ZLT::Platform::WNDCLASSEXA;
+using WGLSWAP = ZLT::Platform::WGLSWAP;
+
+using ZLT::Platform::CS_CLASSDC;
+using ZLT::Platform::DISPLAY_DEVICE_ATTACHED_TO_DESKTOP;
+using ZLT::Platform::DISPLAY_DEVICE_MIRRORING_DRIVER;
+using ZLT::Platform::DISPLAY_DEVICE_PRIMARY_DEVICE;
+using ZLT::Platform::DM_BITSPERPEL;
+using ZLT::Platform::DM_PELSHEIGHT;
+using ZLT::Platform::DM_PELSWIDTH;
+using ZLT::Platform::DM_POSITION;
+using ZLT::Platform::ENUM_CURRENT_SETTINGS;
+using ZLT::Platform::ERROR_BUSY;
+using ZLT::Platform::ERROR_CANNOT_FIND_WND_CLASS;
+using ZLT::Platform::ERROR_CLASS_ALREADY_EXISTS;
+using ZLT::Platform::ERROR_CLASS_DOES_NOT_EXIST;
+using ZLT::Platform::ERROR_CLASS_HAS_WINDOWS;
+using ZLT::Platform::ERROR_GEN_FAILURE;
+using ZLT::Platform::ERROR_INVALID_HANDLE;
+using ZLT::Platform::ERROR_INVALID_MONITOR_HANDLE;
+using ZLT::Platform::ERROR_INVALID_OPERATION;
+using ZLT::Platform::ERROR_INVALID_PARAMETER;
+using ZLT::Platform::ERROR_INVALID_PIXEL_FORMAT;
+using ZLT::Platform::ERROR_INVALID_WINDOW_HANDLE;
+using ZLT::Platform::ERROR_MOD_NOT_FOUND;
+using ZLT::Platform::ERROR_NOT_ENOUGH_MEMORY;
+using ZLT::Platform::ERROR_NOT_SUPPORTED;
+using ZLT::Platform::ERROR_PROC_NOT_FOUND;
+using ZLT::Platform::ERROR_RESOURCE_NAME_NOT_FOUND;
+using ZLT::Platform::ERROR_SUCCESS;
+using ZLT::Platform::IDC_ARROW;
+using ZLT::Platform::MONITOR_DEFAULTTONEAREST;
+using ZLT::Platform::MONITOR_DEFAULTTONULL;
+using ZLT::Platform::MONITOR_DEFAULTTOPRIMARY;
+using ZLT::Platform::MONITORINFOF_PRIMARY;
+using ZLT::Platform::PFD_DOUBLEBUFFER;
+using ZLT::Platform::PFD_DRAW_TO_WINDOW;
+using ZLT::Platform::PFD_GENERIC_FORMAT;
+using ZLT::Platform::PFD_SUPPORT_OPENGL;
+using ZLT::Platform::PFD_TYPE_RGBA;
+using ZLT::Platform::SW_HIDE;
+using ZLT::Platform::SW_SHOWNORMAL;
+using ZLT::Platform::WGL_SWAP_MAIN_PLANE;
+using ZLT::Platform::WS_CLIPCHILDREN;
+using ZLT::Platform::WS_CLIPSIBLINGS;
+using ZLT::Platform::WS_EX_APPWINDOW;
+using ZLT::Platform::WS_EX_WINDOWEDGE;
+using ZLT::Platform::WS_OVERLAPPEDWINDOW;
+using ZLT::Platform::WS_POPUP;
+using ZLT::Platform::WS_VISIBLE;
+
+using ZLT::Platform::AdjustWindowRectEx;
+using ZLT::Platform::ChoosePixelFormat;
+using ZLT::Platform::CreateWindowExA;
+using ZLT::Platform::DefWindowProcW;
+using ZLT::Platform::DescribePixelFormat;
+using ZLT::Platform::DestroyWindow;
+using ZLT::Platform::EnumDisplayDevicesA;
+using ZLT::Platform::EnumDisplaySettingsA;
+using ZLT::Platform::GetClientRect;
+using ZLT::Platform::GetDC;
+using ZLT::Platform::GetLastError;
+using ZLT::Platform::GetModuleHandleA;
+using ZLT::Platform::GetMonitorInfoA;
+using ZLT::Platform::GetPixelFormat;
+using ZLT::Platform::LoadCursorA;
+using ZLT::Platform::MonitorFromWindow;
+using ZLT::Platform::MoveWindow;
+using ZLT::Platform::RegisterClassExA;
+using ZLT::Platform::ReleaseDC;
+using ZLT::Platform::SetLastError;
+using ZLT::Platform::SetPixelFormat;
+using ZLT::Platform::ShowWindow;
+using ZLT::Platform::SwapBuffers;
+using ZLT::Platform::UnregisterClassA;
+using ZLT::Platform::wglCopyContext;
+using ZLT::Platform::wglCreateContext;
+using ZLT::Platform::wglCreateLayerContext;
+using ZLT::Platform::wglDeleteContext;
+using ZLT::Platform::wglDescribeLayerPlane;
+using ZLT::Platform::wglGetCurrentContext;
+using ZLT::Platform::wglGetCurrentDC;
+using ZLT::Platform::wglGetLayerPaletteEntries;
+using ZLT::Platform::wglGetProcAddress;
+using ZLT::Platform::wglMakeCurrent;
+using ZLT::Platform::wglRealizeLayerPalette;
+using ZLT::Platform::wglSetLayerPaletteEntries;
+using ZLT::Platform::wglShareLists;
+using ZLT::Platform::wglSwapLayerBuffers;
+using ZLT::Platform::wglSwapMultipleBuffers;
+using ZLT::Platform::wglUseFontBitmapsA;
+using ZLT::Platform::wglUseFontBitmapsW;
+using ZLT::Platform::wglUseFontOutlinesA;
+using ZLT::Platform::wglUseFontOutlinesW;
+
+#endif
 
 #endif
 

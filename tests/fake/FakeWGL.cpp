@@ -19,6 +19,7 @@
 
 namespace {
 
+using ZLT::Platform::BOOL;
 using Lock = std::lock_guard<std::recursive_mutex>;
 
 template <class Handle>
@@ -291,10 +292,12 @@ std::size_t FakeWindowSystem::contexts() const { return state_->contexts.size();
 #if defined(_WIN32)
 extern "C" {
 #else
+namespace ZLT::Platform {
 static thread_local DWORD lastError = 0;
 DWORD GetLastError() { return lastError; }
 void SetLastError(DWORD error) { lastError = error; }
 HMODULE GetModuleHandleA(LPCSTR) { return handle<HMODULE>(1); }
+void noticeCurrent() {}
 #endif
 
 SCRIPTED(BOOL, wglCopyContext, (HGLRC source, HGLRC destination, UINT mask), (source, destination, mask))
@@ -555,4 +558,6 @@ BOOL WINAPI SetPixelFormat(HDC device, int format, const PIXELFORMATDESCRIPTOR* 
 
 #if defined(_WIN32)
 } // extern "C"
+#else
+} // namespace ZLT::Platform
 #endif

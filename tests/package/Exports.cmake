@@ -1,7 +1,7 @@
 # Compares what the libraries CORE and OGL in FOLDER export with what the headers in INCLUDE and the table
 # WGL of functions promise, and what they import with a list.
-# With Xrandr come Xrender and Xext, unless the linker drops what isn't used.
-set(shared_objects "(zlt_core|opengl|egl|glx|glu|x(11|randr|render|ext)|stdc\\+\\+|gcc_s|m|c|(a|t|ub)san)")
+set(shared_objects "(zlt_core|opengl|egl|glx|glu|x11(-xcb)?|xcb(-randr)?|wayland-(client|egl)")
+string(APPEND shared_objects "|stdc\\+\\+|gcc_s|m|c|(a|t|ub)san)")
 set(dlls "(zlt_core|libstdc\\+\\+-6|libgcc_s_seh-1|libwinpthread-1")
 string(APPEND dlls "|kernel32|msvcrt|api-ms-win-crt-[-a-z0-9]+|user32|gdi32|opengl32|glu32)")
 
@@ -87,6 +87,15 @@ string(REGEX MATCHALL "\n_wcgm[^\n]+" wgl "${exports_OGL}")
 list(LENGTH wgl count)
 if(NOT count EQUAL 95)
   message(SEND_ERROR "${OGL} exports ${count} WGL pointers, not 95")
+endif()
+
+# Nothing else: a global name of the window system would take a program's place, or give way to it.
+if(NOT FOLDER MATCHES "bin$")
+  string(REGEX MATCHALL "\n[^\n]+" names "${exports_OGL}")
+  list(FILTER names EXCLUDE REGEX "^\n(_Z[^0-9]|_wcgm|(TokenName|boolToString|__bss_start|_edata|_end|_init|_fini)$)")
+  if(names)
+    message(SEND_ERROR "${OGL} exports ${names}")
+  endif()
 endif()
 
 if(exports_OGL MATCHES "\n(_ZNK?3ZLT3OGL8internal[^\n]*)")

@@ -16,6 +16,7 @@ using FakeGL::Value;
 
 namespace {
 
+using ZLT::Platform::BOOL;
 template <class T>
 T at(std::uintptr_t address) {
     return reinterpret_cast<T>(address); // NOLINT(performance-no-int-to-ptr)

@@ -6,7 +6,9 @@
 #include "extensionator/Load.h"
 
 // NOLINTBEGIN(bugprone-reserved-identifier)
+namespace ZLT {
 #include "extensionator/WglFunctions.inl"
+} // namespace ZLT
 // NOLINTEND(bugprone-reserved-identifier)
 
 namespace ZLT::OGL {

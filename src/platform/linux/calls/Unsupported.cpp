@@ -1,8 +1,8 @@
 // What EGL has no counterpart for: each fails as it does on a driver without it.
 
-#include "platform/linux/Handles.h"
+#include "platform/linux/records/Errors.h"
 
-using ZLT::Platform::fail;
+namespace ZLT::Platform {
 
 BOOL wglCopyContext(HGLRC, HGLRC, UINT) { return fail(ERROR_NOT_SUPPORTED); }
 BOOL wglUseFontBitmapsA(HDC, DWORD, DWORD, DWORD) { return fail(ERROR_NOT_SUPPORTED); }
@@ -17,3 +17,5 @@ BOOL wglDescribeLayerPlane(HDC, int, int, UINT, LPLAYERPLANEDESCRIPTOR) { return
 int wglSetLayerPaletteEntries(HDC, int, int, int, const COLORREF*) { return fail(ERROR_NOT_SUPPORTED); }
 int wglGetLayerPaletteEntries(HDC, int, int, int, COLORREF*) { return fail(ERROR_NOT_SUPPORTED); }
 BOOL wglRealizeLayerPalette(HDC, int, BOOL) { return fail(ERROR_NOT_SUPPORTED); }
+
+} // namespace ZLT::Platform
