@@ -112,18 +112,17 @@ Current askCurrent() {
 
 bool isCurrentNatively(const ContextRecord& context) { return isNative(context, currentNative()); }
 
-void forgetForeign(void* display, void* native) {
+void forgetContextsAt(void* display, void* native) {
     Records& all = records();
     const std::lock_guard guard(all.lock);
     std::erase_if(all.contexts, [&](const auto& entry) {
         ContextRecord& context = *entry.second;
-        const bool gone = context.isForeign() && context.native == native && context.display == display;
-        if (gone) {
-            // Drawables and wrappers may still know the record.
-            context.native = nullptr;
-            ++forgotten;
-        }
-        return gone;
+        if (context.native != native || context.display != display)
+            return false;
+        // Drawables and wrappers may still know the record, and a handle of our own is its maker's to delete.
+        context.native = nullptr;
+        ++forgotten;
+        return context.isForeign();
     });
 }
 

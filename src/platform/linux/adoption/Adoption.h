@@ -24,8 +24,8 @@ bool isCurrentNatively(const ContextRecord& context);
 /// From now on, what is current on the calling thread when it ends is released.
 void releaseAtThreadEnd();
 
-/// A context was made at this native address: if it was that of somebody else's, that one is gone.
-void forgetForeign(void* display, void* native);
+/// A context was made at this native address: what had it before is gone.
+void forgetContextsAt(void* display, void* native);
 
 /// Makes the native context of `context` again, on the display of `host` and sharing with it. False, with the
 /// error, and nothing is changed, when that display has no such format or refuses.

@@ -31,7 +31,7 @@ bool becomeGuest(ContextRecord& context, const ContextRecord& host) {
         config ? host.api->createContext(host.display, config, host.native, context.attributes) : nullptr;
     if (!native)
         return false;
-    forgetForeign(host.display, native);
+    forgetContextsAt(host.display, native);
     destroyNative(context);
     guard.lock();
     context.api = host.api;

@@ -42,6 +42,8 @@ public:
                                    bool largest) const = 0;
     /// Whether a context can be current without a surface, for framebuffer objects alone.
     virtual bool drawsWithoutSurface(void* display) const = 0;
+    /// Whether it is still there: its display may have been terminated, and opened again.
+    virtual bool knows(const Surface& surface) const = 0;
     virtual void destroySurface(const Surface& surface) const = 0;
     virtual bool swap(void* display, std::uintptr_t surface) const = 0;
     /// Of the drawable that is current on the thread.

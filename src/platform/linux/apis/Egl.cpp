@@ -172,6 +172,11 @@ public:
         return hasExtension(display, "EGL_KHR_surfaceless_context");
     }
 
+    bool knows(const Surface& surface) const override {
+        EGLint id = 0;
+        return eglQuerySurface(surface.display, surfaceOf(surface.handle), EGL_CONFIG_ID, &id) != EGL_FALSE;
+    }
+
     void destroySurface(const Surface& surface) const override {
         eglDestroySurface(surface.display, surfaceOf(surface.handle));
     }

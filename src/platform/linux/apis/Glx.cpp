@@ -154,6 +154,8 @@ public:
 
     bool drawsWithoutSurface(void*) const override { return false; }
 
+    bool knows(const Surface&) const override { return true; }
+
     void destroySurface(const Surface& surface) const override {
         const XErrors errors(displayOf(surface.display)); // its window may be gone
         if (surface.window)

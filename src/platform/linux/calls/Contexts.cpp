@@ -64,7 +64,7 @@ NativeContext createNative(Connection& connection, int pixelFormat, void* share,
     }
     made.native = egl().createContext(connection.display, made.config, share, attributes);
     if (made.native)
-        forgetForeign(connection.display, made.native);
+        forgetContextsAt(connection.display, made.native);
     return made;
 }
 

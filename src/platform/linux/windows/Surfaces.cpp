@@ -25,19 +25,37 @@ void* nativeDisplayOf(const Records& all, const void* display) {
     return nullptr;
 }
 
+// The one that is there for the configuration, or null. The caller holds the lock.
+const Surface* known(const Drawable& drawable, const void* display, const void* config) {
+    const auto found = std::ranges::find_if(drawable.surfaces, [&](const Surface& surface) {
+        return surface.display == display && surface.config == config && !isLost(drawable, surface);
+    });
+    return found == drawable.surfaces.end() ? nullptr : &*found;
+}
+
+// Takes out surfaces that EGL destroyed with their display. The caller holds the lock.
+void forget(Drawable& drawable, const Surface& gone) {
+    std::erase_if(drawable.surfaces, [&](const Surface& surface) {
+        const bool same = surface.display == gone.display && surface.handle == gone.handle;
+        if (same && surface.beneath)
+            drawable.beneathOld.push_back(surface.beneath);
+        return same;
+    });
+}
+
 } // namespace
 
 std::optional<std::uintptr_t> surfaceFor(Drawable& drawable, const Api& api, void* display, void* config) {
     Records& all = records();
     std::unique_lock guard(all.lock);
-    const auto known = [&]() -> std::optional<std::uintptr_t> {
-        for (const Surface& surface : drawable.surfaces)
-            if (surface.display == display && surface.config == config && !isLost(drawable, surface))
-                return surface.handle;
-        return std::nullopt;
-    };
-    if (const auto surface = known())
-        return surface;
+    if (const Surface* there = known(drawable, display, config)) {
+        const Surface surface = *there;
+        guard.unlock();
+        if (api.knows(surface))
+            return surface.handle;
+        guard.lock();
+        forget(drawable, surface);
+    }
     const SurfacePlace place = {&api,           display,        config, nativeDisplayOf(all, display),
                                 drawable.width, drawable.height};
     const std::shared_ptr<NativeWindow> native = drawable.native;
@@ -54,10 +72,14 @@ std::optional<std::uintptr_t> surfaceFor(Drawable& drawable, const Api& api, voi
         return api.drawsWithoutSurface(display) ? std::optional<std::uintptr_t>(0) : std::nullopt;
 
     guard.lock();
+    // What had this handle before is gone.
+    for (const auto& [handle, other] : all.drawables)
+        forget(*other, made);
     // Another thread may have been faster, with this or with destroying the drawable.
-    const auto other = known();
+    const Surface* there = known(drawable, display, config);
+    const auto faster = there ? std::optional(there->handle) : std::nullopt;
     const bool gone = !all.drawables.contains(drawable.handle);
-    if (!other && !gone) {
+    if (!faster && !gone) {
         drawable.surfaces.push_back(made);
         return made.handle;
     }
@@ -65,7 +87,7 @@ std::optional<std::uintptr_t> surfaceFor(Drawable& drawable, const Api& api, voi
     destroySurfaces({made});
     if (gone)
         fail(ERROR_INVALID_HANDLE);
-    return gone ? std::nullopt : other;
+    return gone ? std::nullopt : faster;
 }
 
 std::vector<Surface> takeSurfaces(Drawable& drawable) {
