@@ -7,6 +7,18 @@
 #include <iostream>
 #include <string>
 
+namespace {
+
+std::string startupNotes() {
+#if defined(_WIN32)
+    return "";
+#else
+    return ZLT::Platform::startupNotes();
+#endif
+}
+
+} // namespace
+
 int main(int argc, char** argv) {
     const std::string option = argc > 1 ? argv[1] : "";
     if (argc > 2 || (argc == 2 && option != "--json")) {
@@ -14,14 +26,11 @@ int main(int argc, char** argv) {
         return 2;
     }
     if (ZLT::OGL::Context::numDisplayDevice() == 0) {
-        std::cerr << "oglinfo: no display device with an OpenGL driver was found.\n";
-#if !defined(_WIN32)
-        std::cerr
-            << "On Linux it needs EGL with a driver (Debian: libegl1 and libegl-mesa0). DISPLAY names the X\n"
-               "server to use, and ZLT_OGL_PLATFORM, if set, must be x11 or headless.\n";
-#endif
+        std::cerr << "oglinfo: no display device with an OpenGL driver was found.\n" << startupNotes();
         return 1;
     }
+    // On the error stream: a server that isn't there made another window system be used.
+    std::cerr << startupNotes();
     return runExample([&] {
         const std::vector<DeviceReport> devices = reportDevices();
         if (option == "--json")

@@ -30,6 +30,6 @@ endif()
 
 set(ENV{ZLT_OGL_PLATFORM} none)
 execute_process(COMMAND ${PROGRAM} --json RESULT_VARIABLE result OUTPUT_VARIABLE text ERROR_VARIABLE error)
-if(NOT result EQUAL 1 OR NOT error MATCHES "no display device with an OpenGL driver" OR text)
+if(NOT result EQUAL 1 OR NOT error MATCHES "no display device.*ZLT_OGL_PLATFORM is \"none\", but must be" OR text)
   message(FATAL_ERROR "without a driver: ${result}, ${error}, ${text}")
 endif()

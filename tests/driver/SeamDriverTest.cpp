@@ -158,12 +158,12 @@ TEST_F(SeamDriverTest, eachMonitorOfAnXServerIsADisplayDevice) {
         GTEST_SKIP() << "no X server";
     Library::terminate();
     // The screen in two halves, the right one primary.
-    const auto halve = [&](const char* name, int x, bool primary) {
+    const auto halve = [&](const char* name, int x, int width, bool primary) {
         XRRMonitorInfo monitor = {};
         monitor.name = XInternAtom(server, name, False);
         monitor.primary = primary;
         monitor.x = x;
-        monitor.width = 640;
+        monitor.width = width;
         monitor.height = 1024;
         monitor.mwidth = monitor.mheight = 300;
         if (!primary)
@@ -175,8 +175,8 @@ TEST_F(SeamDriverTest, eachMonitorOfAnXServerIsADisplayDevice) {
         XRRSetMonitor(server, server.root(), &monitor);
         XRRFreeScreenResources(resources);
     };
-    halve("left", 0, false);
-    halve("right", 640, true);
+    halve("left", 0, 640, false);
+    halve("right", 640, 640, true);
     XSync(server, False);
     Library::initialize(Library::InitOptions());
     ASSERT_EQ(Context::numDisplayDevice(), 2u);
@@ -201,6 +201,15 @@ TEST_F(SeamDriverTest, eachMonitorOfAnXServerIsADisplayDevice) {
         EXPECT_STREQ(Context::displayDeviceFromWindow(window.handle()).DeviceName, "right") << "most of it";
         MoveWindow(window.handle(), 5000, 10, 64, 48, FALSE);
         EXPECT_STREQ(Context::displayDeviceFromWindow(window.handle()).DeviceName, "right") << "the nearest";
+        for (const char* name : {"left", "right"})
+            XRRDeleteMonitor(server, server.root(), XInternAtom(server, name, False));
+        // Between the two: 100 pixels from the left one, 50 from the right one, whatever its corner says.
+        halve("left", 0, 100, false);
+        halve("right", 700, 580, true);
+        XSync(server, False);
+        MoveWindow(window.handle(), 200, 10, 450, 48, FALSE);
+        EXPECT_STREQ(Context::displayDeviceFromWindow(window.handle()).DeviceName, "right")
+            << "its rectangle";
     }
     Library::terminate();
     for (const char* name : {"left", "right"})
@@ -278,33 +287,4 @@ TEST_F(SeamDriverTest, aWindowOfAnotherClientIsDrawnToAndItsEndIsNoticed) {
     after.makeCurrent();
     EXPECT_EQ(glGetError(), unsigned(GL_NO_ERROR));
     releaseOGLContext();
-}
-
-TEST(PlatformChoice, isForcedByTheEnvironmentAndAnythingElseHasNoDevice) {
-    const char* forced = std::getenv("ZLT_OGL_PLATFORM");
-    if (!forced)
-        GTEST_SKIP() << "nothing is forced";
-    if (std::string(forced) == "headless") {
-        ASSERT_GT(Context::numDisplayDevice(), 0u);
-        EXPECT_STREQ(Context::primaryDisplayDevice().DeviceName, "EGL0");
-        return;
-    }
-    // No driver at all: each step says so, and nothing is left.
-    EXPECT_EQ(Context::numDisplayDevice(), 0u);
-    ZLT::Core::Library::initialize();
-    try {
-        Library::initialize(Library::InitOptions());
-        ADD_FAILURE() << "started without a driver";
-    } catch (const ZLT::InternalException& failure) {
-        EXPECT_STREQ(failure.what(), "Unable to create window");
-    }
-    EXPECT_FALSE(Library::isInitialized());
-    try {
-        const ContextOffscreen context;
-        ADD_FAILURE() << "a context without a driver";
-    } catch (const ZLT::InternalException& failure) {
-        EXPECT_STREQ(failure.what(), "error != 0");
-    }
-    EXPECT_EQ(ZLT::Platform::liveHandles(), 0u);
-    ZLT::Core::Library::terminate();
 }

@@ -1,0 +1,298 @@
+// Somebody else in the process, on the real driver: contexts and displays of EGL that come and go behind the
+// library's back, servers and drivers that are not there, and what a start asks of the X server.
+
+#include "PlainWindow.h"
+#include "StartedDriver.h"
+#include "ogl/BufferFormat.h"
+#include "ogl/ContextWindowed.h"
+#include "ogl/ContextWrapped.h"
+#include "platform/WglTokens.h"
+
+#include <EGL/egl.h>
+#include <EGL/eglext.h>
+#include <dlfcn.h>
+#include <xcb/xcb.h>
+#include <xcb/xcbext.h>
+
+#include <array>
+#include <atomic>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+using namespace ZLT::OGL;
+
+namespace {
+
+// The function that stands behind one of the same name here.
+template <class Function>
+Function* next(Function*, const char* name) {
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+std::atomic<int> roundTrips = 0;
+int fakeDevices = 0; // as many EGL devices, when not 0
+
+EGLBoolean queryDevices(EGLint capacity, EGLDeviceEXT* devices, EGLint* count) {
+    *count = devices ? std::min(capacity, fakeDevices) : fakeDevices;
+    for (EGLint i = 0; devices && i < *count; ++i)
+        devices[i] = reinterpret_cast<EGLDeviceEXT>(std::uintptr_t(i) + 1);
+    return EGL_TRUE;
+}
+const char* queryDeviceString(EGLDeviceEXT, EGLint) { return ""; }
+
+} // namespace
+
+// These stand in front of the libraries' own: the driver's requests are counted as well.
+#pragma GCC visibility push(default)
+extern "C" {
+void* xcb_wait_for_reply(xcb_connection_t* server, unsigned request, xcb_generic_error_t** error) {
+    ++roundTrips;
+    static auto* const real = next(xcb_wait_for_reply, "xcb_wait_for_reply");
+    return real(server, request, error);
+}
+void* xcb_wait_for_reply64(xcb_connection_t* server, std::uint64_t request, xcb_generic_error_t** error) {
+    ++roundTrips;
+    static auto* const real = next(xcb_wait_for_reply64, "xcb_wait_for_reply64");
+    return real(server, request, error);
+}
+xcb_generic_error_t* xcb_request_check(xcb_connection_t* server, xcb_void_cookie_t request) {
+    ++roundTrips;
+    static auto* const real = next(xcb_request_check, "xcb_request_check");
+    return real(server, request);
+}
+
+__eglMustCastToProperFunctionPointerType eglGetProcAddress(const char* name) {
+    using Address = __eglMustCastToProperFunctionPointerType;
+    if (fakeDevices && std::strcmp(name, "eglQueryDevicesEXT") == 0)
+        return reinterpret_cast<Address>(queryDevices);
+    if (fakeDevices && std::strcmp(name, "eglQueryDeviceStringEXT") == 0)
+        return reinterpret_cast<Address>(queryDeviceString);
+    return next(eglGetProcAddress, "eglGetProcAddress")(name);
+}
+EGLDisplay eglGetPlatformDisplay(EGLenum platform, void* native, const EGLAttrib* attributes) {
+    auto* const real = next(eglGetPlatformDisplay, "eglGetPlatformDisplay");
+    return fakeDevices ? real(EGL_PLATFORM_SURFACELESS_MESA, nullptr, nullptr)
+                       : real(platform, native, attributes);
+}
+}
+#pragma GCC visibility pop
+
+namespace {
+
+// The EGL display of the first device, which without a window system is the library's as well.
+EGLDisplay deviceDisplay() {
+    const auto query =
+        reinterpret_cast<PFNEGLQUERYDEVICESEXTPROC>(eglGetProcAddress("eglQueryDevicesEXT"));
+    EGLDeviceEXT device = nullptr;
+    EGLint count = 0;
+    query(1, &device, &count);
+    return eglGetPlatformDisplay(EGL_PLATFORM_DEVICE_EXT, device, nullptr);
+}
+
+// Made by EGL past the library, and current.
+struct ForeignContext {
+    EGLDisplay display = deviceDisplay();
+    EGLSurface surface = EGL_NO_SURFACE;
+    EGLContext context = EGL_NO_CONTEXT;
+
+    ForeignContext() {
+        EGLConfig config = nullptr;
+        EGLint count = 0;
+        const EGLint wanted[] = {EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT,
+                                 EGL_NONE};
+        eglInitialize(display, nullptr, nullptr);
+        eglBindAPI(EGL_OPENGL_API);
+        eglChooseConfig(display, wanted, &config, 1, &count);
+        surface = eglCreatePbufferSurface(display, config, nullptr);
+        context = eglCreateContext(display, config, EGL_NO_CONTEXT, nullptr);
+        EXPECT_TRUE(eglMakeCurrent(display, surface, surface, context));
+    }
+    ~ForeignContext() {
+        eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+        eglDestroyContext(display, context);
+        eglDestroySurface(display, surface);
+    }
+};
+
+std::array<int, 3> drawn() {
+    clear(0, 1, 0);
+    return pixelAt(1, 1);
+}
+
+std::size_t openDescriptors() {
+    const std::filesystem::directory_iterator all("/proc/self/fd");
+    return static_cast<std::size_t>(std::distance(begin(all), end(all)));
+}
+
+class NeighbourDriverTest : public StartedDriver {};
+
+} // namespace
+
+// The first in the process: later on the system is asked always.
+TEST_F(NeighbourDriverTest, theFirstForeignContextIsSeenWhileOneOfOursIsBelievedCurrent) {
+    const ContextOffscreen own;
+    own.makeCurrent();
+    const ForeignContext foreign;
+    {
+        const ContextWrapped wrapped;
+        EXPECT_NE(wrapped.renderContext(), own.renderContext());
+        EXPECT_EQ(eglGetCurrentContext(), foreign.context);
+    }
+    releaseOGLContext();
+}
+
+TEST_F(NeighbourDriverTest, contextsComeAndGoAroundTheFirstForeignContext) {
+    const ContextOffscreen own;
+    own.makeCurrent();
+    auto gone = std::make_unique<ContextOffscreen>();
+    const ForeignContext foreign;
+    gone.reset();
+    EXPECT_EQ(eglGetCurrentContext(), foreign.context);
+    { const ContextOffscreen other(&own); }
+    EXPECT_EQ(eglGetCurrentContext(), foreign.context);
+    releaseOGLContext();
+}
+
+TEST_F(NeighbourDriverTest, aDisplayThatSomebodyTerminatedIsOpenedAgain) {
+    if (std::getenv("DISPLAY") || std::getenv("WAYLAND_DISPLAY"))
+        GTEST_SKIP() << "no EGL device is shared";
+    const PlainWindow window(64, 48);
+    const auto windowed = [&] {
+        return std::make_unique<ContextWindowed>(window.handle(), BufferFormat(BufferFormat::RGBA8_D24S8),
+                                                 Context::eDoubleBuffered, Context::eNoMultisample, nullptr);
+    };
+    for (const bool openedAgain : {false, true}) {
+        const auto old = windowed();
+        const ContextOffscreen current;
+        current.makeCurrent();
+        eglTerminate(deviceDisplay());
+        if (openedAgain)
+            eglInitialize(deviceDisplay(), nullptr, nullptr);
+        EXPECT_NE(messageOf([&] { old->makeCurrent(); }).find("Context::can't make this context current"),
+                  std::string::npos);
+        EXPECT_NE(std::string(ZLT::Platform::lastErrorText()).find("terminated"), std::string::npos)
+            << ZLT::Platform::lastErrorText();
+        const auto again = windowed();
+        again->makeCurrent();
+        EXPECT_EQ(drawn(), (std::array{0, 255, 0}));
+        const ContextOffscreen sharing(again.get());
+        sharing.makeCurrent();
+        EXPECT_EQ(drawn(), (std::array{0, 255, 0}));
+        releaseOGLContext();
+    }
+}
+
+TEST_F(NeighbourDriverTest, aVersionThatTheDriverLacksIsSaidToBeThat) {
+    const ContextOffscreen context;
+    context.makeCurrent();
+    const auto create = reinterpret_cast<HGLRC (*)(HDC, HGLRC, const int*)>(
+        wglGetProcAddress("wglCreateContextAttribsARB"));
+    if (!create)
+        GTEST_SKIP() << "the driver has no creation by version";
+    const int wanted[] = {WGL_CONTEXT_MAJOR_VERSION_ARB, 9, WGL_CONTEXT_MINOR_VERSION_ARB, 9, 0};
+    for (const HGLRC share : {HGLRC(nullptr), context.renderContext()}) {
+        SetLastError(0);
+        EXPECT_EQ(create(context.deviceContext(), share, wanted), nullptr);
+        EXPECT_EQ(GetLastError(), DWORD(ERROR_INVALID_VERSION_ARB));
+    }
+    releaseOGLContext();
+}
+
+TEST_F(NeighbourDriverTest, aCurrentContextWhoseWindowIsGoneIsAskedForFormatsAndFunctions) {
+    auto window = std::make_unique<PlainWindow>(64, 48);
+    const PlainWindow other(64, 48);
+    const ContextWindowed context(window->handle(), BufferFormat(BufferFormat::RGBA8_D24S8),
+                                  Context::eDoubleBuffered, Context::eNoMultisample, nullptr);
+    context.makeCurrent();
+    window.reset();
+    const std::string failure = messageOf([&] {
+        const ContextWindowed smooth(other.handle(), BufferFormat(BufferFormat::RGBA8_D24S8),
+                                     Context::eDoubleBuffered, Context::teMultisample(4), nullptr);
+    });
+    EXPECT_TRUE(failure.empty() || failure == "Can't find suitable pixel format.") << failure;
+    // Names the extension where the display has it.
+    const bool has = ExtensionManager::Instance()->initialize(WGL_EXT_SWAP_CONTROL);
+    EXPECT_EQ(has, wglGetProcAddress("wglSwapIntervalEXT") != nullptr);
+    releaseOGLContext();
+}
+
+TEST_F(NeighbourDriverTest, aHundredStartsAndAThousandWindowsLeaveNoDescriptorOpen) {
+    // What the driver opens for good it has opened with the first.
+    { const ContextOffscreen context; }
+    const std::size_t before = openDescriptors();
+    for (int i = 0; i < 100; ++i) {
+        Library::terminate();
+        Library::initialize(Library::InitOptions());
+    }
+    for (int i = 0; i < 1000; ++i) {
+        const PlainWindow window(8, 8);
+        const ContextWindowed context(window.handle(), BufferFormat(BufferFormat::RGB8),
+                                      Context::eDoubleBuffered, Context::eNoMultisample, nullptr);
+        context.makeCurrent();
+        releaseOGLContext();
+    }
+    EXPECT_EQ(openDescriptors(), before);
+}
+
+// The aims are a third of what it was: 171 and 27.
+TEST_F(NeighbourDriverTest, aStartAndAContextAskTheServerLittle) {
+    if (!std::getenv("DISPLAY"))
+        GTEST_SKIP() << "no X server is asked";
+    const int withDisplays = roundTrips;
+    Library::terminate();
+    roundTrips = 0;
+    Library::initialize(Library::InitOptions());
+    const int start = roundTrips;
+    roundTrips = 0;
+    const auto context = std::make_unique<ContextOffscreen>();
+    const int made = roundTrips;
+    roundTrips = 0;
+    std::cout << "round trips: first start " << withDisplays << ", another " << start
+              << ", an off-screen context " << made << '\n';
+    EXPECT_LE(withDisplays, 57);
+    EXPECT_LE(made, 9);
+}
+
+// Each in a process of its own: the displays are opened once.
+
+TEST(NeighbourStart, fortyDevicesHaveAPlaceEach) {
+    fakeDevices = 40;
+    ASSERT_EQ(Context::numDisplayDevice(), 40u);
+    for (std::size_t i = 0; i < 40; ++i) {
+        DISPLAY_DEVICEA device = {};
+        Context::displayDevice(i, device);
+        DEVMODEA mode = {};
+        mode.dmSize = sizeof(mode);
+        ASSERT_TRUE(EnumDisplaySettingsA(device.DeviceName, ENUM_CURRENT_SETTINGS, &mode));
+        // As the library cuts the position of its hidden windows.
+        const HWND window = CreateWindowExA(
+            0, "STATIC", nullptr, 0, static_cast<short>(mode.dmPosition.x),
+            static_cast<short>(mode.dmPosition.y), 8, 8, nullptr, nullptr, nullptr, nullptr);
+        EXPECT_STREQ(Context::displayDeviceFromWindow(window).DeviceName, device.DeviceName);
+        EXPECT_TRUE(DestroyWindow(window));
+    }
+}
+
+// The environment names what is missing, and ZLT_EXPECTED_NOTE what is to be said of it.
+TEST(NeighbourStart, saysWhatIsMissing) {
+    const char* expected = std::getenv("ZLT_EXPECTED_NOTE");
+    if (!expected)
+        GTEST_SKIP() << "nothing is missing";
+    const std::string notes = ZLT::Platform::startupNotes();
+    EXPECT_NE(notes.find(expected), std::string::npos) << notes;
+    if (std::getenv("ZLT_EXPECTED_DEVICE")) {
+        EXPECT_STREQ(Context::primaryDisplayDevice().DeviceName, std::getenv("ZLT_EXPECTED_DEVICE"));
+        return;
+    }
+    EXPECT_EQ(Context::numDisplayDevice(), 0u);
+    ZLT::Core::Library::initialize();
+    EXPECT_EQ(messageOf([] { Library::initialize(Library::InitOptions()); }), "Unable to create window");
+    EXPECT_FALSE(Library::isInitialized());
+    EXPECT_EQ(messageOf([] { const ContextOffscreen context; }), "error != 0");
+    EXPECT_EQ(ZLT::Platform::liveHandles(), 0u);
+    ZLT::Core::Library::terminate();
+}
