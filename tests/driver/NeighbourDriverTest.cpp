@@ -85,8 +85,7 @@ namespace {
 
 // The EGL display of the first device, which without a window system is the library's as well.
 EGLDisplay deviceDisplay() {
-    const auto query =
-        reinterpret_cast<PFNEGLQUERYDEVICESEXTPROC>(eglGetProcAddress("eglQueryDevicesEXT"));
+    const auto query = reinterpret_cast<PFNEGLQUERYDEVICESEXTPROC>(eglGetProcAddress("eglQueryDevicesEXT"));
     EGLDeviceEXT device = nullptr;
     EGLint count = 0;
     query(1, &device, &count);
@@ -154,6 +153,17 @@ TEST_F(NeighbourDriverTest, contextsComeAndGoAroundTheFirstForeignContext) {
     EXPECT_EQ(eglGetCurrentContext(), foreign.context);
     { const ContextOffscreen other(&own); }
     EXPECT_EQ(eglGetCurrentContext(), foreign.context);
+    // Somebody who puts back what it found makes one of ours current by EGL itself.
+    own.makeCurrent();
+    const HDC device = wglGetCurrentDC();
+    const EGLContext context = eglGetCurrentContext();
+    const EGLSurface surface = eglGetCurrentSurface(EGL_DRAW);
+    const EGLDisplay display = eglGetCurrentDisplay();
+    eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+    EXPECT_EQ(Context::currentContext(), nullptr);
+    eglMakeCurrent(display, surface, surface, context);
+    EXPECT_EQ(Context::currentContext(), own.renderContext());
+    EXPECT_EQ(wglGetCurrentDC(), device);
     releaseOGLContext();
 }
 
@@ -189,8 +199,8 @@ TEST_F(NeighbourDriverTest, aDisplayThatSomebodyTerminatedIsOpenedAgain) {
 TEST_F(NeighbourDriverTest, aVersionThatTheDriverLacksIsSaidToBeThat) {
     const ContextOffscreen context;
     context.makeCurrent();
-    const auto create = reinterpret_cast<HGLRC (*)(HDC, HGLRC, const int*)>(
-        wglGetProcAddress("wglCreateContextAttribsARB"));
+    const auto create =
+        reinterpret_cast<HGLRC (*)(HDC, HGLRC, const int*)>(wglGetProcAddress("wglCreateContextAttribsARB"));
     if (!create)
         GTEST_SKIP() << "the driver has no creation by version";
     const int wanted[] = {WGL_CONTEXT_MAJOR_VERSION_ARB, 9, WGL_CONTEXT_MINOR_VERSION_ARB, 9, 0};
@@ -269,9 +279,9 @@ TEST(NeighbourStart, fortyDevicesHaveAPlaceEach) {
         mode.dmSize = sizeof(mode);
         ASSERT_TRUE(EnumDisplaySettingsA(device.DeviceName, ENUM_CURRENT_SETTINGS, &mode));
         // As the library cuts the position of its hidden windows.
-        const HWND window = CreateWindowExA(
-            0, "STATIC", nullptr, 0, static_cast<short>(mode.dmPosition.x),
-            static_cast<short>(mode.dmPosition.y), 8, 8, nullptr, nullptr, nullptr, nullptr);
+        const HWND window =
+            CreateWindowExA(0, "STATIC", nullptr, 0, static_cast<short>(mode.dmPosition.x),
+                            static_cast<short>(mode.dmPosition.y), 8, 8, nullptr, nullptr, nullptr, nullptr);
         EXPECT_STREQ(Context::displayDeviceFromWindow(window).DeviceName, device.DeviceName);
         EXPECT_TRUE(DestroyWindow(window));
     }

@@ -69,6 +69,25 @@ HDC deviceOf(Records& all, const Native& native, HGLRC owner) {
     return found->handle;
 }
 
+// Somebody else may have put back what it found current here: then the pair is known, all of it. Empty when
+// it is not. The caller holds the lock.
+Pins ownPairOf(const Records& all, const Native& native) {
+    Pins pair;
+    for (const auto& [handle, context] : all.contexts)
+        if (!context->isForeign() && isNative(*context, native))
+            pair.context = context;
+    if (!pair.context)
+        return {};
+    for (const auto& [handle, drawable] : all.drawables)
+        for (const Surface& surface : drawable->surfaces) {
+            if (surface.display == native.display && surface.handle == native.draw)
+                pair.draw = drawable;
+            if (surface.display == native.display && surface.handle == native.read)
+                pair.read = drawable;
+        }
+    return pair.draw && pair.read ? pair : Pins();
+}
+
 // A display of GLX is watched before its first record is made.
 void watch(Records& all, const Native& native) {
     if (native.api != &glx())
@@ -102,11 +121,17 @@ Current askCurrent() {
     lastNative = native;
     lastForgotten = forgotten;
     last = {};
-    if (native.context) {
-        last.context = contextOf(all, native);
-        last.device = last.read = deviceOf(all, native, last.context);
-        foreignContextsSeen = true;
+    if (!native.context)
+        return last;
+    if (const Pins pair = ownPairOf(all, native); pair.context) {
+        ++pair.draw->current;
+        ++pair.read->current;
+        setHere(pair);
+        return here;
     }
+    last.context = contextOf(all, native);
+    last.device = last.read = deviceOf(all, native, last.context);
+    foreignContextsSeen = true;
     return last;
 }
 

@@ -42,8 +42,13 @@ bool becomeGuest(ContextRecord& context, const ContextRecord& host) {
 }
 
 void destroyNative(const ContextRecord& context) {
-    if (!context.isLost() && isOpen(context.api, context.display))
-        context.api->destroyContext(context.display, context.native);
+    Records& all = records();
+    std::unique_lock guard(all.lock);
+    const ContextRecord now = context;
+    const bool lost = now.isLost();
+    guard.unlock();
+    if (!lost && isOpen(now.api, now.display))
+        now.api->destroyContext(now.display, now.native);
 }
 
 } // namespace ZLT::Platform

@@ -229,13 +229,14 @@ HGLRC WINAPI createContextAttribsARB(HDC device, HGLRC shareWith, const int* att
     std::unique_lock guard(all.lock);
     const std::shared_ptr<ContextRecord> host = shareWith ? find(all.contexts, shareWith) : nullptr;
     const std::shared_ptr<Drawable> drawable = find(all.drawables, device);
+    const bool hasFormat = drawable && drawable->pixelFormat != 0;
     guard.unlock();
     if (shareWith && !host)
         return fail(ERROR_INVALID_HANDLE);
     const std::shared_ptr<ContextRecord> made = create(device, std::move(native));
     // EGL says of a version that it doesn't match.
     if (!made)
-        return GetLastError() == ERROR_INVALID_PIXEL_FORMAT && drawable->pixelFormat
+        return GetLastError() == ERROR_INVALID_PIXEL_FORMAT && hasFormat
                    ? HGLRC(fail(static_cast<DWORD>(ERROR_INVALID_VERSION_ARB)))
                    : nullptr;
     if (host && !share(host, made)) {
