@@ -113,6 +113,8 @@ void checkOld() {
 }
 
 BOOL makeOwnCurrent(const Pins& pair) {
+    if (windowSystem().isLost())
+        return 0;
     const auto& [draw, read, context] = pair;
     for (const auto& drawable : {draw, read})
         refresh(*drawable);

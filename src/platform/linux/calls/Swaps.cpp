@@ -23,6 +23,8 @@ BOOL swapOwn(const std::shared_ptr<Drawable>& drawable) {
     const Pins* current = pinned();
     if (!current || current->draw != drawable)
         return fail(ERROR_INVALID_OPERATION, "Only the current window can be swapped.");
+    if (windowSystem().isLost())
+        return 0;
     const ContextRecord& context = *current->context;
     const auto surface = surfaceFor(*drawable, *context.api, context.display, context.config);
     return surface && context.api->swap(context.display, *surface);

@@ -71,6 +71,9 @@ public:
 
     /// The windows of others that are known to be gone since the last time, without waiting for the server.
     virtual std::vector<HWND> takeDestroyed() { return {}; }
+    /// Whether the connection to the server is known to be lost, without waiting for the server; leaves the
+    /// error then. Mesa's software renderer loops for ever when it shows a picture on a connection that is.
+    virtual bool isLost() { return false; }
     /// Sends what was drawn by requests.
     virtual void flush() {}
 };

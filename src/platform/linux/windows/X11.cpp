@@ -179,6 +179,8 @@ public:
     }
 
     Surface surfaceFor(const NativeWindow& window, const SurfacePlace& place) override {
+        if (isLost())
+            return {};
         return {.api = place.api,
                 .display = place.display,
                 .config = place.config,
@@ -195,6 +197,13 @@ public:
                 destroyed.push_back(reinterpret_cast<HWND>(std::uintptr_t(notice->window)));
             }
         return destroyed;
+    }
+
+    bool isLost() override {
+        if (!xcb_connection_has_error(server_))
+            return false;
+        fail(ERROR_GEN_FAILURE, lost);
+        return true;
     }
 
     void flush() override { xcb_flush(server_); }
