@@ -1,6 +1,7 @@
 # Brings the build in BUILD to a fresh prefix, as FORM says: by installing it, or by making its zip or deb
 # and unpacking that. Then builds and runs consumer/ against the prefix alone, by find_package and by
-# pkg-config, and compiles the program in README. COMPILER, TOOLCHAIN and EMULATOR are those of the build.
+# pkg-config, and compiles the program in README. On Linux also a program that names zlt_ogl alone (names/) and
+# one with shims for a port from Windows (shims/). COMPILER, TOOLCHAIN and EMULATOR are those of the build.
 file(REMOVE_RECURSE ${WORK})
 file(MAKE_DIRECTORY ${WORK})
 
@@ -56,6 +57,7 @@ set(ENV{PKG_CONFIG_PATH} ${prefix}/${LIBDIR}/pkgconfig)
 execute_process(COMMAND ${PKG_CONFIG} --cflags --libs zlt_ogl
   OUTPUT_VARIABLE options OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
 separate_arguments(options UNIX_COMMAND "${options} ${FLAGS}")
+separate_arguments(flags UNIX_COMMAND "${FLAGS}")
 set(sources ${CMAKE_CURRENT_LIST_DIR}/consumer/main.cpp ${CMAKE_CURRENT_LIST_DIR}/consumer/intercepted.cpp)
 run(${COMPILER} -std=c++20 ${sources} -o ${WORK}/by-pkg-config${SUFFIX} ${options})
 
@@ -66,12 +68,32 @@ string(REGEX REPLACE "```cpp|```" "" text "${text}")
 file(WRITE ${WORK}/readme.cpp "${text}")
 run(${COMPILER} -std=c++20 -c ${WORK}/readme.cpp -o ${WORK}/readme.o ${options})
 
+if(NOT SUFFIX)
+  # Found by the program's path, the one library finds the other beside itself.
+  run(${COMPILER} -std=c++20 ${CMAKE_CURRENT_LIST_DIR}/names/main.cpp -o ${WORK}/names -I${prefix}/${INCLUDEDIR}/zlt_ogl
+    -L${prefix}/${LIBDIR} -lzlt_ogl -Wl,--enable-new-dtags,-rpath,${prefix}/${LIBDIR} ${flags})
+  run(${CMAKE_COMMAND} -E env --unset=LD_LIBRARY_PATH ${WORK}/names)
+
+  # Behind gl_intercept.h, GL's names are macros.
+  file(GLOB_RECURSE headers RELATIVE ${prefix}/${INCLUDEDIR}/zlt_ogl ${prefix}/${INCLUDEDIR}/zlt_ogl/*.h)
+  list(REMOVE_ITEM headers extensionator/gl_intercept.h)
+  list(TRANSFORM headers REPLACE "(.+)" "#include <\\1>\n")
+  string(JOIN "" text ${headers} "#include <extensionator/gl_intercept.h>\n")
+  file(WRITE ${WORK}/AllHeaders.h "${text}")
+  # Exported, as those of a program with plug-ins are: the libraries could reach the shims.
+  run(${COMPILER} -std=c++20 -DZLT_OGL_NO_GLOBAL_NAMES -I${WORK} ${CMAKE_CURRENT_LIST_DIR}/shims/main.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/shims/Shims.cpp -o ${WORK}/shims -rdynamic ${options})
+endif()
+
 # Where a system looks for shared libraries is its installer's business; this prefix is a temporary one. On
 # Windows it has all that the program needs, the compiler's run-time libraries too.
 set(ENV{LD_LIBRARY_PATH} ${prefix}/${LIBDIR})
 set(ENV{WINEPATH} "${prefix}/bin")
 run(${EMULATOR} ${WORK}/by-cmake/consumer${SUFFIX})
 run(${EMULATOR} ${WORK}/by-pkg-config${SUFFIX})
+if(NOT SUFFIX)
+  run(${WORK}/shims)
+endif()
 
 if(FORM STREQUAL deb)
   run(${dpkg} --purge libzlt-ogl-dev)
