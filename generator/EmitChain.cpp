@@ -118,7 +118,7 @@ void emitErrorChecker(const std::vector<Topic>& topics, const std::filesystem::p
     const std::vector<std::string> byHand = {"Begin", "End", "GetError"};
     for (const Topic& topic : topics) {
         std::string text = generatedNotice;
-        text += "#include \"extensionator/ErrorCheck.h\"\n\n"
+        text += "#include \"extensionator/OpenGLErrorChecker.inl\"\n\n"
                 "#include \"extensionator/ExtensionManager.h\"\n\n"
                 "namespace ZLT::OGL {\n";
         for (const EntryPoint* entry : topic.entries) {

@@ -28,6 +28,11 @@ void Library::destroyNullExtensionManager() {
     ZLTDeleter<ExtensionManager>()(std::exchange(ExtensionManager::cachedNullExtMgrInstance, nullptr));
 }
 
+void Library::setInitialized(bool on) {
+    isInitialized_ = on;
+    ExtensionManager::answersWithoutContext_ = on;
+}
+
 void Library::initialize(const InitOptions& options) {
     ZLT_ASSERT(!isInitialized_);
     ZLT_ASSERT(Core::Library::isInitialized());
@@ -48,7 +53,7 @@ void Library::initialize(const InitOptions& options) {
     Context::initializeWglCreateContextAttribsPtr();
     TextureUnit::Create(maxUnits);
     initOptions_ = options;
-    isInitialized_ = true;
+    setInitialized(true);
 }
 
 void Library::initialize_DEPRECATED_2_5(Context* context, const ExtensionManager::InitOptions&) {
@@ -66,7 +71,7 @@ void Library::initialize_DEPRECATED_2_5(Context* context, const ExtensionManager
         }
     }
     Context::initializeWglCreateContextAttribsPtr();
-    isInitialized_ = true;
+    setInitialized(true);
 }
 
 bool Library::isInitialized() { return isInitialized_; }
@@ -81,7 +86,7 @@ void Library::terminate() {
         TextureUnit::Destroy();
     Context::unInitializeWglCreateContextAttribsPtr();
     TextureUnit::terminate();
-    isInitialized_ = false;
+    setInitialized(false);
     for (ExtensionManager* manager : ExtensionManager::perDeviceEM_)
         ZLTDeleter<ExtensionManager>()(manager);
     ExtensionManager::perDeviceEM_.clear();
@@ -96,7 +101,7 @@ void Library::terminate_DEPRECATED_2_5() {
     Context::unInitializeWglCreateContextAttribsPtr();
     destroyNullExtensionManager();
     TextureUnit::terminate();
-    isInitialized_ = false;
+    setInitialized(false);
 }
 
 } // namespace ZLT::OGL

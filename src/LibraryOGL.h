@@ -52,6 +52,7 @@ public:
 private:
     static void createNullExtensionManager();
     static void destroyNullExtensionManager();
+    static void setInitialized(bool on);
 
     static bool isInitialized_;
     static InitOptions initOptions_;

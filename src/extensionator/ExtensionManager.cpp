@@ -1,6 +1,5 @@
 #include "extensionator/ExtensionManager.h"
 
-#include "LibraryOGL.h"
 #include "ogl/ScopedContextWrapper.h"
 #include "ogl/internal/ContextBootstrap.h"
 #include "zlt/core/Enforce.h"
@@ -37,13 +36,14 @@ PerContextMap perContextMap_;
 
 std::vector<ExtensionManager*> ExtensionManager::perDeviceEM_;
 ExtensionManager* ExtensionManager::cachedNullExtMgrInstance = nullptr;
+bool ExtensionManager::answersWithoutContext_ = false;
 const ExtensionManager::InitOptions ExtensionManager::oInitOptions_;
 
 ExtensionManager::~ExtensionManager() = default;
 
 ExtensionManager* ExtensionManager::Instance() {
     const HGLRC context = wglGetCurrentContext();
-    if (!context && Library::isInitialized())
+    if (!context && answersWithoutContext_)
         return nullExtensionManager();
     PerContextMap::const_accessor entry;
     if (!perContextMap_.find(entry, context)) [[unlikely]]

@@ -169,6 +169,8 @@ private:
 
     static std::vector<ExtensionManager*> perDeviceEM_; // owns them, in order of creation
     static ExtensionManager* cachedNullExtMgrInstance;  // while the library is started
+    // Library tells, which stands above: a start that failed leaves the instance, but not this.
+    static bool answersWithoutContext_;
     static const InitOptions oInitOptions_;
 
     std::set<teExtension, std::less<>, ZLTAllocator<teExtension>> extensions_;

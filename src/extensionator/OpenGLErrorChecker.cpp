@@ -1,7 +1,7 @@
 #include "extensionator/OpenGLErrorChecker.h"
 
 #include "ExceptionOGL.h"
-#include "extensionator/ErrorCheck.h"
+#include "extensionator/OpenGLErrorChecker.inl"
 
 #include <GL/glu.h>
 

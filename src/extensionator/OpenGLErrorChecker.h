@@ -29,7 +29,7 @@ public:
 #include "extensionator/LayerEntries.inl"
 
 private:
-    // Throws on a pending GL error, unless inside begin and end (ErrorCheck.h).
+    // Throws on a pending GL error, unless inside begin and end (OpenGLErrorChecker.inl).
     void check(const char* file, unsigned int line) const;
 
     // Not a switch for checking: nothing but cgmBegin and cgmEnd writes it.
