@@ -93,6 +93,8 @@ using WPARAM = std::uintptr_t;
 using LPARAM = std::intptr_t;
 using LRESULT = std::intptr_t;
 
+/// What the handles point at, which nobody sees.
+namespace Handles {
 struct Window;
 struct DeviceContext;
 struct RenderingContext;
@@ -102,17 +104,18 @@ struct Instance;
 struct Icon;
 struct Cursor;
 struct Brush;
+} // namespace Handles
 
-using HWND = Window*;
-using HDC = DeviceContext*;
-using HGLRC = RenderingContext*;
-using HMONITOR = Monitor*;
-using HMENU = Menu*;
-using HINSTANCE = Instance*;
+using HWND = Handles::Window*;
+using HDC = Handles::DeviceContext*;
+using HGLRC = Handles::RenderingContext*;
+using HMONITOR = Handles::Monitor*;
+using HMENU = Handles::Menu*;
+using HINSTANCE = Handles::Instance*;
 using HMODULE = HINSTANCE;
-using HICON = Icon*;
-using HCURSOR = Cursor*;
-using HBRUSH = Brush*;
+using HICON = Handles::Icon*;
+using HCURSOR = Handles::Cursor*;
+using HBRUSH = Handles::Brush*;
 using WNDPROC = LRESULT(CALLBACK*)(HWND, UINT, WPARAM, LPARAM);
 
 constexpr DWORD ERROR_SUCCESS = 0;
