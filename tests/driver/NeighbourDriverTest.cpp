@@ -303,6 +303,7 @@ TEST(NeighbourStart, saysWhatIsMissing) {
     EXPECT_EQ(messageOf([] { Library::initialize(Library::InitOptions()); }), "Unable to create window");
     EXPECT_FALSE(Library::isInitialized());
     EXPECT_EQ(messageOf([] { const ContextOffscreen context; }), "error != 0");
+    EXPECT_NE(std::string(ZLT::Platform::lastErrorText()).find("startupNotes"), std::string::npos);
     EXPECT_EQ(ZLT::Platform::liveHandles(), 0u);
     ZLT::Core::Library::terminate();
 }

@@ -15,7 +15,7 @@ inline Records& opened() {
 }
 
 /// Hears of the windows that somebody else destroyed meanwhile: they are no longer known then, and their
-/// numbers may be given out again. Doesn't wait for the server, and not for the lock when there are none.
+/// numbers may be given out again. Doesn't wait for the server, but hears of its end.
 void forgetDestroyedWindows();
 /// The window of a handle, where it is asked for now; one that somebody else made is entered with the first
 /// call. Null, with the error, when there is none.

@@ -82,7 +82,7 @@ BOOL EnumDisplayDevicesA(LPCSTR device, DWORD index, DISPLAY_DEVICEA* record, DW
     // A walk begins at 0, and is one look at the desktop.
     const std::vector<Device> devices = index == 0 ? askDevices() : lastDevices();
     if (index >= devices.size())
-        return fail(ERROR_INVALID_PARAMETER);
+        return index == 0 ? 0 : fail(ERROR_INVALID_PARAMETER);
     const Device& found = devices[index];
     const DWORD size = record->cb;
     *record = {};
@@ -102,7 +102,10 @@ BOOL EnumDisplayDevicesA(LPCSTR device, DWORD index, DISPLAY_DEVICEA* record, DW
 BOOL EnumDisplaySettingsA(LPCSTR device, DWORD mode, DEVMODEA* settings) {
     if (mode != ENUM_CURRENT_SETTINGS || !settings)
         return fail(ERROR_INVALID_PARAMETER);
-    for (const Device& found : askDevices()) {
+    const std::vector<Device> devices = askDevices();
+    if (devices.empty())
+        return 0;
+    for (const Device& found : devices) {
         if (device ? nameOf(found) != device : !found.primary)
             continue;
         const WORD size = settings->dmSize;
@@ -121,7 +124,7 @@ BOOL EnumDisplaySettingsA(LPCSTR device, DWORD mode, DEVMODEA* settings) {
 HMONITOR MonitorFromWindow(HWND window, DWORD otherwise) {
     const std::vector<Device> devices = askDevices();
     if (devices.empty())
-        return fail(ERROR_INVALID_PARAMETER);
+        return nullptr;
     const auto primary = std::ranges::find(devices, true, &Device::primary);
     const std::optional<RECT> area = areaOf(window);
     if (!area) // as on Windows, where no window is on the primary monitor

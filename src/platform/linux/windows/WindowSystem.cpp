@@ -30,10 +30,10 @@ std::string variable(const char* name) {
 // When none can be used: no display device, and no window can be made.
 class NoWindows : public WindowSystem {
 public:
-    std::vector<Device> devices() override { return {}; }
+    std::vector<Device> devices() override { return none(), std::vector<Device>(); }
     std::shared_ptr<NativeWindow> create(const WindowShape&, const char*, bool, Connection*&,
                                          HWND&) override {
-        return fail(ERROR_GEN_FAILURE, "No window system and no driver could be used: see startupNotes().");
+        return none();
     }
     std::optional<WindowShape> geometry(const NativeWindow&, const WindowShape&) override { return {}; }
     bool move(NativeWindow&, const WindowShape&) override { return false; }
@@ -43,6 +43,11 @@ public:
     bool isSeen(const NativeWindow&) const override { return false; }
     bool drawsTo(const NativeWindow*, const Format&) const override { return false; }
     Surface surfaceFor(const NativeWindow&, const SurfacePlace&) override { return {}; }
+
+private:
+    static Failure none() {
+        return fail(ERROR_GEN_FAILURE, "No window system and no driver could be used: see startupNotes().");
+    }
 };
 
 std::string allowedNames() {

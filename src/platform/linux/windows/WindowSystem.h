@@ -28,9 +28,9 @@ struct SurfacePlace {
     int height;
 };
 
-/// What windows and display devices are. One of them is chosen when the process needs it first: see
-/// chooseWindowSystem(). Called without the lock of the records, from any thread. What fails has left its
-/// error for GetLastError().
+/// What windows and display devices are. One is chosen, once, when the process needs it first:
+/// windowSystem(). Called without the lock of the records unless it says otherwise, from any thread. What
+/// fails has left its error for GetLastError().
 class WindowSystem {
 public:
     WindowSystem() = default;
@@ -38,7 +38,7 @@ public:
     WindowSystem& operator=(const WindowSystem&) = delete;
     virtual ~WindowSystem() = default;
 
-    /// The display devices as they are now.
+    /// The display devices as they are now; none, with the error, when there is none any more.
     virtual std::vector<Device> devices() = 0;
 
     /// A window of our own, hidden or not; null when it can't be made.
