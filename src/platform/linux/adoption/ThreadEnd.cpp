@@ -16,7 +16,10 @@ void* exitFunction() {
 }
 
 _Unwind_Reason_Code stopAtExit(_Unwind_Context* frame, void* found) {
-    if (_Unwind_FindEnclosingFunction(reinterpret_cast<void*>(_Unwind_GetIP(frame) - 1)) != exitFunction())
+    // The address returned to lies after the call, and may be the next function's.
+    auto* const caller =
+        reinterpret_cast<void*>(_Unwind_GetIP(frame) - 1); // NOLINT(performance-no-int-to-ptr)
+    if (_Unwind_FindEnclosingFunction(caller) != exitFunction())
         return _URC_NO_REASON;
     *static_cast<bool*>(found) = true;
     return _URC_END_OF_STACK;

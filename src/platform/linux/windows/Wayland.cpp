@@ -165,58 +165,61 @@ private:
         change(output);
     }
 
-    static constexpr wl_registry_listener registryListener = {
-        [](void* data, wl_registry* registry, std::uint32_t global, const char* interface,
-           std::uint32_t version) { static_cast<Outputs*>(data)->add(registry, global, interface, version); },
-        [](void* data, wl_registry*, std::uint32_t global) { static_cast<Outputs*>(data)->remove(global); }};
-
-    // Without xdg-output: place and size in the pixels of the output.
-    static constexpr wl_output_listener outputListener = {
-        [](void* data, wl_output*, std::int32_t x, std::int32_t y, std::int32_t, std::int32_t, std::int32_t,
-           const char*, const char*, std::int32_t) {
-            change(data, [&](Output& output) {
-                output.x = x;
-                output.y = y;
-            });
-        },
-        [](void* data, wl_output*, std::uint32_t flags, std::int32_t width, std::int32_t height,
-           std::int32_t) {
-            change(data, [&](Output& output) {
-                if ((flags & WL_OUTPUT_MODE_CURRENT) && output.width == 0) {
-                    output.width = width;
-                    output.height = height;
-                }
-            });
-        },
-        nullptr,
-        nullptr,
-        nullptr,
-        nullptr};
-
-    static constexpr zxdg_output_v1_listener describedListener = {
-        [](void* data, zxdg_output_v1*, std::int32_t x, std::int32_t y) {
-            change(data, [&](Output& output) {
-                output.x = x;
-                output.y = y;
-            });
-        },
-        [](void* data, zxdg_output_v1*, std::int32_t width, std::int32_t height) {
-            change(data, [&](Output& output) {
-                output.width = width;
-                output.height = height;
-            });
-        },
-        [](void*, zxdg_output_v1*) {},
-        [](void* data, zxdg_output_v1*, const char* name) {
-            change(data, [&](Output& output) { output.name = name; });
-        },
-        [](void*, zxdg_output_v1*, const char*) {}};
+    static const wl_registry_listener registryListener;
+    static const wl_output_listener outputListener;
+    static const zxdg_output_v1_listener describedListener;
 
     std::mutex lock_;
     std::list<Output> outputs_;
     zxdg_output_manager_v1* manager_ = nullptr;
     Registry registry_;
 };
+
+const wl_registry_listener Outputs::registryListener = {
+    [](void* data, wl_registry* registry, std::uint32_t global, const char* interface,
+       std::uint32_t version) { static_cast<Outputs*>(data)->add(registry, global, interface, version); },
+    [](void* data, wl_registry*, std::uint32_t global) { static_cast<Outputs*>(data)->remove(global); }};
+
+// Without xdg-output: place and size in the pixels of the output.
+const wl_output_listener Outputs::outputListener = {
+    [](void* data, wl_output*, std::int32_t x, std::int32_t y, std::int32_t, std::int32_t, std::int32_t,
+       const char*, const char*, std::int32_t) {
+        change(data, [&](Output& output) {
+            output.x = x;
+            output.y = y;
+        });
+    },
+    [](void* data, wl_output*, std::uint32_t flags, std::int32_t width, std::int32_t height, std::int32_t) {
+        change(data, [&](Output& output) {
+            if ((flags & WL_OUTPUT_MODE_CURRENT) && output.width == 0) {
+                output.width = width;
+                output.height = height;
+            }
+        });
+    },
+    nullptr,
+    nullptr,
+    nullptr,
+    nullptr};
+
+const zxdg_output_v1_listener Outputs::describedListener = {
+    [](void* data, zxdg_output_v1*, std::int32_t x, std::int32_t y) {
+        change(data, [&](Output& output) {
+            output.x = x;
+            output.y = y;
+        });
+    },
+    [](void* data, zxdg_output_v1*, std::int32_t width, std::int32_t height) {
+        change(data, [&](Output& output) {
+            output.width = width;
+            output.height = height;
+        });
+    },
+    [](void*, zxdg_output_v1*) {},
+    [](void* data, zxdg_output_v1*, const char* name) {
+        change(data, [&](Output& output) { output.name = name; });
+    },
+    [](void*, zxdg_output_v1*, const char*) {}};
 
 class Wayland : public WindowSystem {
 public:

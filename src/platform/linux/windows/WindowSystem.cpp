@@ -67,8 +67,10 @@ std::unique_ptr<WindowSystem> choose(std::string& notes) {
         std::string note;
         if (auto opened = row.open(note))
             return opened;
-        notes +=
-            note + (forced.empty() ? "" : " ZLT_OGL_PLATFORM=" + forced + " allows nothing else.") + "\n";
+        notes += note;
+        if (!forced.empty())
+            notes.append(" ZLT_OGL_PLATFORM=").append(forced).append(" allows nothing else.");
+        notes += '\n';
     }
     if (!known)
         notes += "ZLT_OGL_PLATFORM is \"" + forced + "\", but must be " + allowedNames() + ".\n";

@@ -257,6 +257,7 @@ private:
                 known[atom].assign(xcb_get_atom_name_name(reply.get()),
                                    static_cast<std::size_t>(xcb_get_atom_name_name_length(reply.get())));
         std::vector<std::string> names;
+        names.reserve(monitors.size());
         for (const auto& monitor : monitors)
             names.push_back(known[monitor.name]);
         guard.lock();
