@@ -89,7 +89,8 @@ if(NOT count EQUAL 95)
   message(SEND_ERROR "${OGL} exports ${count} WGL pointers, not 95")
 endif()
 
-# Nothing else, but for what the address sanitizer adds: a global name of the window system would take a program's place, or give way to it.
+# Nothing else, but for what the address sanitizer adds: a global name of the window system would take the place
+# of a program's own, or give way to it.
 if(NOT FOLDER MATCHES "bin$")
   string(REGEX MATCHALL "\n[^\n]+" names "${exports_OGL}")
   list(FILTER names EXCLUDE REGEX "^\n(_Z[^0-9]|_wcgm|__odr_asan|(TokenName|boolToString|__bss_start|_edata|_end|_init|_fini)$)")
