@@ -62,6 +62,9 @@ NativeContext createNative(Connection& connection, int pixelFormat, void* share,
         made.config = connection.format(pixelFormat).config;
         made.generation = connection.generation;
     }
+    // Without a configuration EGL would make a context that fits no drawable in particular.
+    if (!made.config)
+        return fail(ERROR_INVALID_PIXEL_FORMAT), NativeContext();
     made.native = egl().createContext(connection.display, made.config, share, attributes);
     if (made.native)
         forgetContextsAt(connection.display, made.native);

@@ -85,6 +85,7 @@ struct Surface {
     void* config = nullptr;
     unsigned generation = 0; // of the drawable's connection
     bool window = false;     // not a pbuffer
+    bool none = false;       // there can't be one, and the context draws without
     std::uintptr_t handle = 0;
     std::shared_ptr<void> beneath{}; // on what it was made, and which it needs: a wl_egl_window
 };

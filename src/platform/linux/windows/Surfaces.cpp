@@ -69,7 +69,7 @@ std::optional<std::uintptr_t> surfaceFor(Drawable& drawable, const Api& api, voi
         made.handle = api.pbuffer(display, config, place.width, place.height, false);
     made.generation = generation;
     if (!made.handle)
-        return api.drawsWithoutSurface(display) ? std::optional<std::uintptr_t>(0) : std::nullopt;
+        return made.none ? std::optional<std::uintptr_t>(0) : std::nullopt;
 
     guard.lock();
     // What had this handle before is gone.

@@ -289,6 +289,8 @@ public:
         if (native) {
             surface.beneath = ofWayland(window).window;
         } else {
+            // A context that shares with a toolkit's, on a display that nobody has told of.
+            surface.none = !place.nativeDisplay && place.api->drawsWithoutSurface(place.display);
             if (!place.nativeDisplay)
                 return fail(ERROR_INVALID_OPERATION, "The Wayland display of the context is not known: "
                                                      "windowFromWayland() makes it known."),
