@@ -1,6 +1,7 @@
 // Somebody else in the process, on the real driver: contexts and displays of EGL that come and go behind the
 // library's back, servers and drivers that are not there, and what a start asks of the X server.
 
+#include "ForeignContext.h"
 #include "PlainWindow.h"
 #include "StartedDriver.h"
 #include "ogl/BufferFormat.h"
@@ -92,31 +93,6 @@ EGLDisplay deviceDisplay() {
     return eglGetPlatformDisplay(EGL_PLATFORM_DEVICE_EXT, device, nullptr);
 }
 
-// Made by EGL past the library, and current.
-struct ForeignContext {
-    EGLDisplay display = deviceDisplay();
-    EGLSurface surface = EGL_NO_SURFACE;
-    EGLContext context = EGL_NO_CONTEXT;
-
-    ForeignContext() {
-        EGLConfig config = nullptr;
-        EGLint count = 0;
-        const EGLint wanted[] = {EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT,
-                                 EGL_NONE};
-        eglInitialize(display, nullptr, nullptr);
-        eglBindAPI(EGL_OPENGL_API);
-        eglChooseConfig(display, wanted, &config, 1, &count);
-        surface = eglCreatePbufferSurface(display, config, nullptr);
-        context = eglCreateContext(display, config, EGL_NO_CONTEXT, nullptr);
-        EXPECT_TRUE(eglMakeCurrent(display, surface, surface, context));
-    }
-    ~ForeignContext() {
-        eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
-        eglDestroyContext(display, context);
-        eglDestroySurface(display, surface);
-    }
-};
-
 std::array<int, 3> drawn() {
     clear(0, 1, 0);
     return pixelAt(1, 1);
@@ -135,7 +111,7 @@ class NeighbourDriverTest : public StartedDriver {};
 TEST_F(NeighbourDriverTest, theFirstForeignContextIsSeenWhileOneOfOursIsBelievedCurrent) {
     const ContextOffscreen own;
     own.makeCurrent();
-    const ForeignContext foreign;
+    const ForeignContext foreign(deviceDisplay());
     {
         const ContextWrapped wrapped;
         EXPECT_NE(wrapped.renderContext(), own.renderContext());
@@ -148,7 +124,7 @@ TEST_F(NeighbourDriverTest, contextsComeAndGoAroundTheFirstForeignContext) {
     const ContextOffscreen own;
     own.makeCurrent();
     auto gone = std::make_unique<ContextOffscreen>();
-    const ForeignContext foreign;
+    const ForeignContext foreign(deviceDisplay());
     gone.reset();
     EXPECT_EQ(eglGetCurrentContext(), foreign.context);
     { const ContextOffscreen other(&own); }

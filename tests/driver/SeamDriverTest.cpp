@@ -4,6 +4,7 @@
 // In front of Xlib, whose macros have GoogleTest's names.
 #include "StartedDriver.h"
 
+#include "ForeignContext.h"
 #include "PlainWindow.h"
 #include "ogl/BufferFormat.h"
 #include "ogl/ContextWindowed.h"
@@ -39,34 +40,10 @@ namespace {
 
 class SeamDriverTest : public StartedDriver {};
 
-// Made by EGL past the library, current as long as it lives.
-struct ForeignContext {
-    EGLDisplay display = std::getenv("DISPLAY")
-                             ? eglGetDisplay(EGL_DEFAULT_DISPLAY)
-                             : eglGetPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, nullptr, nullptr);
-    EGLSurface surface = EGL_NO_SURFACE;
-    EGLContext context = EGL_NO_CONTEXT;
-
-    ForeignContext() {
-        EGLConfig config = nullptr;
-        EGLint count = 0;
-        const EGLint wanted[] = {EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT,
-                                 EGL_NONE};
-        eglInitialize(display, nullptr, nullptr);
-        eglBindAPI(EGL_OPENGL_API);
-        eglChooseConfig(display, wanted, &config, 1, &count);
-        surface = eglCreatePbufferSurface(display, config, nullptr);
-        context = eglCreateContext(display, config, EGL_NO_CONTEXT, nullptr);
-        EXPECT_TRUE(makeCurrent());
-    }
-    ~ForeignContext() {
-        eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
-        eglDestroyContext(display, context);
-        eglDestroySurface(display, surface);
-        eglTerminate(display);
-    }
-    bool makeCurrent() const { return eglMakeCurrent(display, surface, surface, context); }
-};
+EGLDisplay otherDisplay() {
+    return std::getenv("DISPLAY") ? eglGetDisplay(EGL_DEFAULT_DISPLAY)
+                                  : eglGetPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, nullptr, nullptr);
+}
 
 template <class Call>
 int questionsOf(Call call) {
@@ -103,7 +80,7 @@ TEST_F(SeamDriverTest, theSystemIsAskedWhenNothingIsKnownAndForGoodOnceSomebodyE
     releaseOGLContext();
     EXPECT_GT(questionsOf([] { EXPECT_EQ(Context::currentContext(), nullptr); }), 0);
 
-    const ForeignContext foreign;
+    const ForeignContext foreign(otherDisplay());
     {
         const ContextWrapped wrapped;
         EXPECT_NE(wrapped.renderContext(), own.renderContext());
