@@ -21,6 +21,7 @@
 #include <cstring>
 #include <filesystem>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -35,7 +36,8 @@ Function* next(Function*, const char* name) {
 }
 
 std::atomic<int> roundTrips = 0;
-int fakeDevices = 0; // as many EGL devices, when not 0
+int fakeDevices = 0;  // as many EGL devices, when not 0
+bool refuses = false; // EGL makes no surface
 
 EGLBoolean queryDevices(EGLint capacity, EGLDeviceEXT* devices, EGLint* count) {
     *count = devices ? std::min(capacity, fakeDevices) : fakeDevices;
@@ -78,6 +80,15 @@ EGLDisplay eglGetPlatformDisplay(EGLenum platform, void* native, const EGLAttrib
     auto* const real = next(eglGetPlatformDisplay, "eglGetPlatformDisplay");
     return fakeDevices ? real(EGL_PLATFORM_SURFACELESS_MESA, nullptr, nullptr)
                        : real(platform, native, attributes);
+}
+EGLSurface eglCreatePbufferSurface(EGLDisplay display, EGLConfig config, const EGLint* attributes) {
+    auto* const real = next(eglCreatePbufferSurface, "eglCreatePbufferSurface");
+    return refuses ? EGL_NO_SURFACE : real(display, config, attributes);
+}
+EGLSurface eglCreateWindowSurface(EGLDisplay display, EGLConfig config, EGLNativeWindowType window,
+                                  const EGLint* attributes) {
+    auto* const real = next(eglCreateWindowSurface, "eglCreateWindowSurface");
+    return refuses ? EGL_NO_SURFACE : real(display, config, window, attributes);
 }
 }
 #pragma GCC visibility pop
@@ -186,6 +197,15 @@ TEST_F(NeighbourDriverTest, aVersionThatTheDriverLacksIsSaidToBeThat) {
         EXPECT_EQ(GetLastError(), DWORD(ERROR_INVALID_VERSION_ARB));
     }
     releaseOGLContext();
+}
+
+// A driver that draws without a surface would let it pass, and nothing would be seen.
+TEST_F(NeighbourDriverTest, aWindowForWhichThereIsNoSurfaceIsRefused) {
+    PlainWindow window(64, 48);
+    refuses = true;
+    EXPECT_THROW(window.setPixelFormat(), std::runtime_error);
+    refuses = false;
+    window.setPixelFormat();
 }
 
 TEST_F(NeighbourDriverTest, aCurrentContextWhoseWindowIsGoneIsAskedForFormatsAndFunctions) {
