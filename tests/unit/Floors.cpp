@@ -7,7 +7,6 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <regex>
 #include <set>
 #include <string>
 #include <vector>
@@ -51,7 +50,19 @@ int floorOf(const std::string& file) {
 
 // A header and its source are one module, and so are the parts of a class.
 std::string moduleOf(const std::string& file) {
-    return std::regex_replace(file, std::regex("(_WIN_OS|_sharing)?\\.[a-z]+$"), "");
+    std::string module = file.substr(0, file.rfind('.'));
+    for (const std::string part : {"_WIN_OS", "_sharing"})
+        if (module.ends_with(part))
+            module.resize(module.size() - part.size());
+    return module;
+}
+
+// The path between the quotes of an include; "" for another line.
+std::string includedBy(std::string line) {
+    std::erase_if(line, [](char letter) { return letter == ' ' || letter == '\t'; });
+    const std::string start = "#include\"";
+    return line.starts_with(start) ? line.substr(start.size(), line.find('"', start.size()) - start.size())
+                                   : "";
 }
 
 // The files of src/, and what of src/ each includes; what is generated is not among them.
@@ -60,13 +71,11 @@ Graph readIncludes() {
     for (const auto& entry : fs::recursive_directory_iterator(ZLT_SOURCES))
         if (entry.is_regular_file() && entry.path().filename() != "CMakeLists.txt")
             includes[fs::relative(entry.path(), ZLT_SOURCES).generic_string()];
-    const std::regex include("^\\s*#\\s*include\\s*\"([^\"]+)\".*");
     for (auto& [file, needed] : includes) {
         std::ifstream text(fs::path(ZLT_SOURCES) / file);
-        std::smatch match;
         for (std::string line; std::getline(text, line);)
-            if (std::regex_match(line, match, include) && includes.contains(match[1]))
-                needed.insert(match[1]);
+            if (const std::string path = includedBy(line); includes.contains(path))
+                needed.insert(path);
     }
     return includes;
 }
