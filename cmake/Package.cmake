@@ -28,11 +28,17 @@ set(public_headers
   InternalWindow.h
   LibraryOGL.h
   extensionator/ExtensionManager.h
+  extensionator/OpenGLCall.h
   extensionator/OpenGLErrorChecker.h
+  extensionator/OpenGLErrorReporter.h
+  extensionator/OpenGLErrorSinks.h
+  extensionator/OpenGLForwarder.h
   extensionator/OpenGLInterceptor.h
   extensionator/OpenGLInterceptorDecorator.h
   extensionator/OpenGLRekorder.h
   extensionator/OpenGLTracer.h
+  extensionator/OpenGLWatcher.h
+  extensionator/ScopedInterceptor.h
   extensionator/TextureState.h
   extensionator/TokenName.h
   extensionator/win/wglErrorChecker.h

@@ -50,6 +50,8 @@ std::string insertions(const std::vector<std::string>& parts);
 std::string layerHead(const EntryPoint& entry, const std::string& layer);
 /// The last lines of it: the call of the next layer, and the closing brace.
 std::string forwarding(const EntryPoint& entry);
+/// Whether the entry's floats are written as the stream writes them, without their bits.
+bool showsPlainFloats(const EntryPoint& entry);
 
 /// InterceptorEntries.inl, LayerEntries.inl: the declarations in the classes.
 void emitDeclarations(const std::vector<EntryPoint>& entries, const std::filesystem::path& directory);
@@ -71,6 +73,19 @@ void emitErrorChecker(const std::vector<Topic>& topics, const std::filesystem::p
 void emitTracer(const std::vector<Topic>& topics, const std::filesystem::path& directory);
 /// OpenGLRekorder_*.cpp: all but the operations that have a form of their own.
 void emitRekorder(const std::vector<Topic>& topics, const std::filesystem::path& directory);
+/// EntryTable.inl: name, group and forms of the arguments of every entry. EntryPointers.inl: one macro call
+/// for each.
+void emitEntryTable(const std::vector<EntryPoint>& entries, const std::filesystem::path& directory);
+/// OpenGLEntry.h: the number of every entry by its name.
+void emitEntryNumbers(const std::vector<EntryPoint>& entries, const std::filesystem::path& directory);
+/// EntriesByType.inl: pointers to the entries, those of the same types together.
+void emitEntriesByType(const std::vector<Topic>& topics, const std::filesystem::path& directory);
+/// OpenGLForwarder_*.cpp.
+void emitForwarder(const std::vector<Topic>& topics, const std::filesystem::path& directory);
+/// OpenGLWatchLayer_*.cpp.
+void emitWatchLayer(const std::vector<Topic>& topics, const std::filesystem::path& directory);
+/// OpenGLErrorReporter_*.cpp: all but the three that are special.
+void emitErrorReporter(const std::vector<Topic>& topics, const std::filesystem::path& directory);
 /// gl_tokens.h.
 void emitTokenHeader(const std::vector<Token>& tokens, const std::filesystem::path& directory);
 /// TokenRows.inl.

@@ -10,10 +10,6 @@ namespace {
 // The name of the inserter in ValueForms.h.
 std::string inserted(const EntryPoint& entry, const Parameter& parameter, const std::string& with) {
     const std::string after = with + ")";
-    // These four show a float by the stream's own inserter. On purpose: readers of traces know them so.
-    static const std::vector<std::string> plainFloats = {"FragmentMaterialfEXT", "FragmentMaterialfSGIX",
-                                                         "ImageTransformParameterfHP",
-                                                         "PixelTransformParameterfEXT"};
     const std::string& name = parameter.name;
     switch (parameter.type.form) {
     case ValueForm::enumerant:
@@ -29,7 +25,7 @@ std::string inserted(const EntryPoint& entry, const Parameter& parameter, const 
     case ValueForm::character:
         return "Character(" + name + after;
     case ValueForm::floating:
-        return (std::ranges::count(plainFloats, entry.name) ? "Number(" : "Float(") + name + after;
+        return (showsPlainFloats(entry) ? "Number(" : "Float(") + name + after;
     case ValueForm::text:
         return "Text(" + name + after;
     case ValueForm::pointer:
@@ -39,6 +35,14 @@ std::string inserted(const EntryPoint& entry, const Parameter& parameter, const 
 }
 
 } // namespace
+
+bool showsPlainFloats(const EntryPoint& entry) {
+    // Readers of traces know these four so.
+    static const std::vector<std::string> names = {"FragmentMaterialfEXT", "FragmentMaterialfSGIX",
+                                                   "ImageTransformParameterfHP",
+                                                   "PixelTransformParameterfEXT"};
+    return std::ranges::count(names, entry.name) != 0;
+}
 
 std::string insertions(const std::vector<std::string>& parts) {
     std::string text = "    out";

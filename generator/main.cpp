@@ -30,6 +30,7 @@ void generate(const std::filesystem::path& tables, const std::filesystem::path& 
     emitDeclarations(entries, headers);
     emitInterceptMacros(entries, headers);
     emitFunctionTable(entries, headers);
+    emitEntryNumbers(entries, headers);
     emitExtensionHeaders(extensions, headers);
 
     const std::filesystem::path sources = output / "src" / "extensionator";
@@ -38,6 +39,11 @@ void generate(const std::filesystem::path& tables, const std::filesystem::path& 
     emitErrorChecker(topics, sources);
     emitTracer(topics, sources);
     emitRekorder(topics, sources);
+    emitEntryTable(entries, sources);
+    emitEntriesByType(topics, sources);
+    emitForwarder(topics, sources);
+    emitWatchLayer(topics, sources);
+    emitErrorReporter(topics, sources);
     emitTokens(tokens, sources);
     emitTokenHeader(tokens, headers);
     emitEntryRows(entries, output / "tests");

@@ -7,7 +7,7 @@ namespace ZLT::OGL {
 /// Base of the layers that stand in front of the checker. A layer overrides all 1,833 entries: each does the
 /// layer's own work, calls the same entry of `interceptor()` with the same file, line and arguments, and
 /// returns what that returned. `#include "extensionator/LayerEntries.inl"` declares the overrides in a class
-/// body.
+/// body. OpenGLForwarder and OpenGLWatcher are bases for layers that override less.
 class ZLT_OGL_API OpenGLInterceptorDecorator : public OpenGLInterceptor {
 public:
     /// @param next  the next layer towards the checker, not owned; addInterceptor() replaces it
@@ -21,6 +21,8 @@ public:
     void setInterceptor(OpenGLInterceptor* next);
 
 private:
+    friend struct NextLayer;
+
     OpenGLInterceptor* interceptor_;
 };
 

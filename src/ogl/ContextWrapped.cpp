@@ -1,6 +1,7 @@
 #include "ogl/ContextWrapped.h"
 
 #include "extensionator/ExtensionManager.h"
+#include "extensionator/ReporterThread.h"
 #include "zlt/core/Enforce.h"
 #include "zlt/core/Exceptions.h"
 
@@ -30,6 +31,7 @@ void ContextWrapped::adopt(HWND window) {
     else
         Context::displayDevice(primaryDisplayIndex(), displayDevice_);
     ExtensionManager::RegisterContext(*this);
+    Detail::noticeContextChange();
     _registerContextWrapped(this);
 }
 

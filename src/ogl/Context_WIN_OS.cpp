@@ -1,5 +1,6 @@
 #include "extensionator/ExtensionManager.h"
 #include "extensionator/Load.h"
+#include "extensionator/ReporterThread.h"
 #include "ogl/BufferFormat.h"
 #include "ogl/Context.h"
 #include "ogl/ScopedContextWrapper.h"
@@ -68,6 +69,7 @@ Context::Context() : deviceContext_(nullptr), renderContext_(nullptr), pixelForm
 Context::~Context() noexcept(false) = default;
 
 void Context::makeCurrent() const {
+    Detail::noticeContextChange();
     if (!wglMakeCurrent(deviceContext_, renderContext_))
         ZLT_RAISE(composed("Context::can't make this context current", GetLastError()).c_str());
 }

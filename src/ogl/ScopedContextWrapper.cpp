@@ -1,5 +1,6 @@
 #include "ogl/ScopedContextWrapper.h"
 
+#include "extensionator/ReporterThread.h"
 #include "zlt/core/Enforce.h"
 
 #include <sstream>
@@ -18,6 +19,7 @@ ScopedContextWrapper::~ScopedContextWrapper() {
     try {
         if (wglGetCurrentContext() == savedRenderContext_ && wglGetCurrentDC() == savedDeviceContext_)
             return;
+        Detail::noticeContextChange();
         if (wglMakeCurrent(savedDeviceContext_, savedRenderContext_))
             return;
         std::ostringstream message;

@@ -1,5 +1,7 @@
 #include "extensionator/win/wglErrorChecker.h"
 
+#include "extensionator/ReporterThread.h"
+
 namespace ZLT::OGL {
 
 wglErrorChecker::wglErrorChecker() = default;
@@ -30,6 +32,7 @@ PROC wglErrorChecker::wcgmGetProcAddress(const char*, unsigned int, LPCSTR name)
 }
 
 BOOL wglErrorChecker::wcgmMakeCurrent(const char*, unsigned int, HDC device, HGLRC context) {
+    Detail::noticeContextChange();
     return wglMakeCurrent(device, context);
 }
 

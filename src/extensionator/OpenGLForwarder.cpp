@@ -1,0 +1,8 @@
+#include "extensionator/OpenGLForwarder.h"
+
+namespace ZLT::OGL {
+
+OpenGLForwarder::OpenGLForwarder(OpenGLInterceptor* next) : OpenGLInterceptorDecorator(next) {}
+OpenGLForwarder::~OpenGLForwarder() = default;
+
+} // namespace ZLT::OGL
