@@ -15,8 +15,9 @@ namespace ZLT::OGL {
 /// Any method may throw as ExtensionManager::Instance() does, or InternalException "The current context
 /// has no glBindBuffer" (or another function) where the driver lacks a function, or no context is current.
 ///
-/// Failures are exceptions, from destructors too. A destructor that runs because another exception unwinds
-/// the stack drops its own.
+/// Failures are exceptions, from the destructors of buffers, framebuffers and renderbuffers too: these call
+/// what the driver may lack. A destructor that runs because another exception unwinds the stack drops its
+/// own. Textures are deleted by GL 1.1, and their destructors let nothing out.
 class ZLT_OGL_API Object {
 public:
     virtual ~Object() noexcept(false);

@@ -179,7 +179,7 @@ Texture::Texture(Target target, TargetBinding binding, InternalFormat format, st
         ZLT_RAISE("Texture:: contructor failed to allocate new GPU texture resource");
 }
 
-Texture::~Texture() noexcept(false) { glDeleteTextures(1, &n_ObjectID); }
+Texture::~Texture() noexcept { glDeleteTextures(1, &n_ObjectID); }
 
 std::uint64_t Texture::width(unsigned int level) const { return width_ >> (level & 63); }
 std::uint64_t Texture::height(unsigned int level) const { return height_ >> (level & 63); }

@@ -163,7 +163,7 @@ public:
     };
 
     /// Deletes the GL texture.
-    ~Texture() noexcept(false) override;
+    ~Texture() noexcept override;
 
     /// @name Size
     /// In texels. Each level halves the level below, rounded down: behind the last one the size is 0, not

@@ -33,7 +33,7 @@ Texture1::Texture1(Target target, TargetBinding binding, InternalFormat format, 
     glTexParameteri(this->target(), GL_TEXTURE_WRAP_S, edgeClamp());
 }
 
-Texture1::~Texture1() noexcept(false) = default;
+Texture1::~Texture1() noexcept = default;
 
 void Texture1::setWrap(WrapMode s) {
     verifyCurrentTextureObject();

@@ -18,7 +18,7 @@ class Buffer;
 /// "Enforce buffer != NULL". The pixel store state is as before then.
 class ZLT_OGL_API Texture1 : public Texture {
 public:
-    ~Texture1() noexcept(false) override;
+    ~Texture1() noexcept override;
 
     /// Sets the wrap mode of the texture that is bound.
     void setWrap(WrapMode s);

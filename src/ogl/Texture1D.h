@@ -13,7 +13,7 @@ public:
     /// @param width  of level 0, in texels
     /// @throws InternalException as Texture1
     Texture1D(InternalFormat format, std::uint64_t width, bool mipmaps);
-    ~Texture1D() noexcept(false) override;
+    ~Texture1D() noexcept override;
 };
 
 } // namespace ZLT::OGL

@@ -15,7 +15,7 @@ public:
     /// @param mipmaps levels down to one texel, with half the layers at each, which GL counts as incomplete
     /// @throws InternalException as Texture2
     Texture1DArray(InternalFormat format, std::uint64_t width, std::uint64_t layers, bool mipmaps);
-    ~Texture1DArray() noexcept(false) override;
+    ~Texture1DArray() noexcept override;
 
     /// 1: the layers are the height.
     std::uint64_t depth(unsigned int level) const override;

@@ -55,7 +55,7 @@ Texture2::Texture2(Target target, TargetBinding binding, InternalFormat format, 
         hintClientStorage(GL_STORAGE_PRIVATE_APPLE, 0);
 }
 
-Texture2::~Texture2() noexcept(false) = default;
+Texture2::~Texture2() noexcept = default;
 
 void Texture2::setWrap(WrapMode s, WrapMode t) {
     // The other shapes don't test this.

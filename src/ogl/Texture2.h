@@ -19,7 +19,7 @@ class Buffer;
 /// "Enforce buffer != NULL". The pixel store state is as before then.
 class ZLT_OGL_API Texture2 : public Texture {
 public:
-    ~Texture2() noexcept(false) override;
+    ~Texture2() noexcept override;
 
     /// What was given at construction.
     void* clientStorage() const { return clientStorage_; }

@@ -12,7 +12,7 @@ Texture2D::Texture2D(InternalFormat format, std::uint64_t width, std::uint64_t h
     : Texture2(Target::TEXTURE_2D, TargetBinding::TEXTURE_BINDING_2D, format, width, height, mipmaps,
                clientStorage) {}
 
-Texture2D::~Texture2D() noexcept(false) = default;
+Texture2D::~Texture2D() noexcept = default;
 
 bool Texture2D::isSupported() { return IsTargetSupported(GL_TEXTURE_2D); }
 

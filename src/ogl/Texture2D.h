@@ -15,7 +15,7 @@ public:
     /// @throws InternalException as Texture2
     Texture2D(InternalFormat format, std::uint64_t width, std::uint64_t height, bool mipmaps,
               void* clientStorage);
-    ~Texture2D() noexcept(false) override;
+    ~Texture2D() noexcept override;
 
     /// Whether the current context has such textures.
     static bool isSupported();

@@ -15,7 +15,7 @@ public:
     /// @throws InternalException as Texture3
     Texture2DArray(InternalFormat format, std::uint64_t width, std::uint64_t height, std::uint64_t layers,
                    bool mipmaps);
-    ~Texture2DArray() noexcept(false) override;
+    ~Texture2DArray() noexcept override;
 
     /// The layers, at each level.
     std::uint64_t depth(unsigned int level) const override;

@@ -69,7 +69,7 @@ Texture3::Texture3(Target target, TargetBinding binding, InternalFormat format, 
     setStartState(this->target());
 }
 
-Texture3::~Texture3() noexcept(false) = default;
+Texture3::~Texture3() noexcept = default;
 
 void Texture3::setWrap(WrapMode s, WrapMode t, WrapMode r) {
     verifyCurrentTextureObject();

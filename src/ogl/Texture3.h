@@ -19,7 +19,7 @@ class Buffer;
 /// "Enforce buffer != NULL". The pixel store state is as before then.
 class ZLT_OGL_API Texture3 : public Texture {
 public:
-    ~Texture3() noexcept(false) override;
+    ~Texture3() noexcept override;
 
     /// Sets the wrap modes of the texture that is bound.
     void setWrap(WrapMode s, WrapMode t, WrapMode r);

@@ -18,7 +18,7 @@ Texture3D::Texture3D(InternalFormat format, int level, std::uint64_t width, std:
     : Texture3(Target::TEXTURE_3D, TargetBinding::TEXTURE_BINDING_3D, format, level, width, height, depth,
                pixelFormat, type, data, parameters) {}
 
-Texture3D::~Texture3D() noexcept(false) = default;
+Texture3D::~Texture3D() noexcept = default;
 
 bool Texture3D::isSupported() { return IsTargetSupported(GL_TEXTURE_3D); }
 

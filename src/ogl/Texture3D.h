@@ -23,7 +23,7 @@ public:
     Texture3D(InternalFormat format, int level, std::uint64_t width, std::uint64_t height,
               std::uint64_t depth, Format pixelFormat, Type type, const void* data,
               const PixelUnpackParameters& parameters);
-    ~Texture3D() noexcept(false) override;
+    ~Texture3D() noexcept override;
 
     /// Whether the current context has such textures.
     static bool isSupported();

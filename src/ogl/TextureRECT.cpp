@@ -12,7 +12,7 @@ TextureRECT::TextureRECT(InternalFormat format, std::uint64_t width, std::uint64
     : Texture2(Target::TEXTURE_RECTANGLE_ARB, TargetBinding::TEXTURE_BINDING_RECTANGLE_ARB, format, width,
                height, false, clientStorage) {}
 
-TextureRECT::~TextureRECT() noexcept(false) = default;
+TextureRECT::~TextureRECT() noexcept = default;
 
 bool TextureRECT::isSupported() { return IsTargetSupported(GL_TEXTURE_RECTANGLE_ARB); }
 

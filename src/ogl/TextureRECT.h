@@ -14,7 +14,7 @@ public:
     /// @param clientStorage  null, or the pixels, as BGRA bytes; see Texture2
     /// @throws InternalException as Texture2
     TextureRECT(InternalFormat format, std::uint64_t width, std::uint64_t height, void* clientStorage);
-    ~TextureRECT() noexcept(false) override;
+    ~TextureRECT() noexcept override;
 
     /// Whether the current context has such textures.
     static bool isSupported();

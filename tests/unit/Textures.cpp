@@ -1,6 +1,7 @@
 #include "ObjectsOnDriver.h"
 
 #include <algorithm>
+#include <type_traits>
 
 using namespace ZLT::OGL;
 using std::to_string;
@@ -211,6 +212,21 @@ TEST(Enumerations, TranslateBothWays) {
     EXPECT_TRANSLATION(Buffer, Usage, "Buffer type", 9, {0, 35040, 2, 35042, 3, 35044, 8, 35050}, {35043});
     EXPECT_TRANSLATION(TextureUnit, Environment, "Environment", 6, {0, 260, 2, 34160, 3, 8449, 5, 7681});
 }
+
+// A class whose base lets nothing out of its destructor may have them as members: that it compiles is the
+// test.
+struct Base {
+    virtual ~Base() = default;
+};
+struct Textured : Base {
+    Texture1D one;
+    Texture1DArray ones;
+    Texture2D two;
+    Texture2DArray twos;
+    Texture3D three;
+    TextureRECT rectangle;
+};
+static_assert(std::is_nothrow_destructible_v<Textured>);
 
 // A texture of each shape and a buffer; of these `two` is bound.
 struct Transfers : Textures {
