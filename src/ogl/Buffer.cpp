@@ -63,7 +63,7 @@ Buffer::Buffer(std::int64_t nSize, Type type, Usage usage, const void* data)
 }
 
 Buffer::~Buffer() noexcept(false) {
-    internal::tearDown([&] { ZLT_GL(glDeleteBuffers)(1, &n_ObjectID); });
+    internal::tearDown(exceptions_, [&] { ZLT_GL(glDeleteBuffers)(1, &n_ObjectID); });
 }
 
 void Buffer::bind() { ZLT_GL(glBindBuffer)(target(), objectID()); }

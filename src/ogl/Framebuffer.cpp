@@ -21,7 +21,7 @@ Framebuffer::Framebuffer() : Object(GL_FRAMEBUFFER, GL_FRAMEBUFFER_BINDING) {
 }
 
 Framebuffer::~Framebuffer() noexcept(false) {
-    internal::tearDown([&] { ZLT_GL(glDeleteFramebuffersEXT)(1, &n_ObjectID); });
+    internal::tearDown(exceptions_, [&] { ZLT_GL(glDeleteFramebuffersEXT)(1, &n_ObjectID); });
 }
 
 bool Framebuffer::isSupported() {

@@ -2,6 +2,8 @@
 
 #include "Export.h"
 
+#include <exception>
+
 namespace ZLT::OGL {
 
 /// Base of shaders and programs: a GL handle. Copies copy the handle and share nothing: the destructor of
@@ -11,19 +13,25 @@ namespace ZLT::OGL {
 /// throw as ExtensionManager::Instance() does, or InternalException "The current context has no
 /// glUseProgram" (or another function) where the driver lacks a function, or no context is current.
 /// Failures are exceptions, from destructors too; a destructor that runs because another exception unwinds
-/// the stack drops its own.
+/// the object drops its own.
 class ZLT_OGL_API GLSLObject {
 public:
     // The handle is unset: the classes derived from it make one.
     GLSLObject() {} // NOLINT(modernize-use-equals-default,cppcoreguidelines-pro-type-member-init)
-    GLSLObject(const GLSLObject& other) = default;
-    GLSLObject& operator=(const GLSLObject& other) = default;
+    GLSLObject(const GLSLObject& other) : _hObject(other._hObject) {}
+    GLSLObject& operator=(const GLSLObject& other) { // NOLINT(bugprone-unhandled-self-assignment)
+        _hObject = other._hObject;
+        return *this;
+    }
     virtual ~GLSLObject() noexcept(false);
 
     unsigned int objectID() const { return _hObject; }
 
 protected:
     unsigned int _hObject; ///< Made and deleted by the classes derived from this one.
+
+    /// How many exceptions were under way when it was made, for a destructor that may fail.
+    const int exceptions_ = std::uncaught_exceptions();
 };
 
 } // namespace ZLT::OGL

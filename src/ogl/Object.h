@@ -2,6 +2,8 @@
 
 #include "Export.h"
 
+#include <exception>
+
 namespace ZLT::OGL {
 
 /// Base of the GL objects that have a bind point: textures, buffers, framebuffers and renderbuffers. It
@@ -16,7 +18,7 @@ namespace ZLT::OGL {
 /// has no glBindBuffer" (or another function) where the driver lacks a function, or no context is current.
 ///
 /// Failures are exceptions, from the destructors of buffers, framebuffers and renderbuffers too: these call
-/// what the driver may lack. A destructor that runs because another exception unwinds the stack drops its
+/// what the driver may lack. A destructor that runs because another exception unwinds the object drops its
 /// own. Textures are deleted by GL 1.1, and their destructors let nothing out.
 class ZLT_OGL_API Object {
 public:
@@ -43,6 +45,9 @@ protected:
     void changeTarget(unsigned int target, unsigned int binding);
 
     unsigned int n_ObjectID = 0; ///< Subclasses generate it and delete it.
+
+    /// How many exceptions were under way when it was made, for a destructor that may fail.
+    const int exceptions_ = std::uncaught_exceptions();
 
 private:
     // An object has one owner of its name.

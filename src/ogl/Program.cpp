@@ -33,7 +33,7 @@ Program::Program() {
 }
 
 Program::~Program() noexcept(false) {
-    internal::tearDown([&] {
+    internal::tearDown(exceptions_, [&] {
         ZLT_ASSERT(_hObject != 0);
         ZLT_GL(glDeleteProgram)(_hObject);
     });

@@ -57,7 +57,7 @@ Renderbuffer::Renderbuffer(unsigned int format, int width, int height)
 }
 
 Renderbuffer::~Renderbuffer() noexcept(false) {
-    internal::tearDown([&] { ZLT_GL(glDeleteRenderbuffersEXT)(1, &n_ObjectID); });
+    internal::tearDown(exceptions_, [&] { ZLT_GL(glDeleteRenderbuffersEXT)(1, &n_ObjectID); });
 }
 
 bool Renderbuffer::isSupported() {

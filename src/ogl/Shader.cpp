@@ -37,7 +37,7 @@ Shader::Shader(ShaderType type) {
 }
 
 Shader::~Shader() noexcept(false) {
-    internal::tearDown([&] {
+    internal::tearDown(exceptions_, [&] {
         ZLT_ASSERT(_hObject != 0);
         ZLT_GL(glDeleteShader)(_hObject);
     });

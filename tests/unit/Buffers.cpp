@@ -118,6 +118,8 @@ TEST_F(Buffers, ThatCannotBeDeletedSaySoUnlessAnotherFailureIsUnderWay) {
     };
     EXPECT_FAILURE("!The current context has no glDeleteBuffers", fail(false));
     EXPECT_FAILURE("!another", fail(true));
+    EXPECT_EQ("!The current context has no glDeleteBuffers", failureWhileUnwinding([&] { fail(false); }));
+    EXPECT_EQ("!another", failureWhileUnwinding([&] { fail(true); }));
 }
 
 TEST(UnpackParameters, AreSetInOrder) {

@@ -154,6 +154,7 @@ TEST_F(Programs, EachCopyDeletesItsHandleWhichMustNotBe0) {
         ~Emptied() noexcept(false) override { _hObject = 0; }
     };
     EXPECT_EQ("!_hObject != 0", failureOf([] { const Emptied made; }));
+    EXPECT_EQ("!_hObject != 0", failureWhileUnwinding([] { const Emptied made; }));
     FakeGL::setResult("glCreateShader", 0u);
     FakeGL::setResult("glCreateProgram", 0u);
     EXPECT_EQ("!_hObject != 0", failureOf([] { const VertexShader made; }));

@@ -29,6 +29,23 @@ std::string failureOf(const Body& body) {
     return "";
 }
 
+/// The same for a body that runs in a destructor, while another exception unwinds the stack.
+template <class Body>
+std::string failureWhileUnwinding(const Body& body) {
+    struct AtEnd {
+        const Body& body;
+        std::string& failure;
+        ~AtEnd() { failure = failureOf(body); }
+    };
+    std::string failure;
+    try {
+        const AtEnd end{body, failure};
+        throw 0;
+    } catch (int) {
+        return failure;
+    }
+}
+
 /// The core and the library, as long as it lives. No context may be left at the end, and no layer.
 struct StartedLibrary {
     StartedLibrary() {
