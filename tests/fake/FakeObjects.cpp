@@ -94,8 +94,11 @@ void FakeObjects::answer(const Call& call) {
         if (const auto found = parameters.find(token(1)); found != parameters.end())
             *call.arguments[2].as<int*>() = found->second;
     } else if (function == "glGetShaderInfoLog" || function == "glGetProgramInfoLog") {
-        const std::string log = infoLog.substr(0, static_cast<std::size_t>(call.arguments[1].as<int>() - 1));
-        std::memcpy(call.arguments[3].as<char*>(), log.c_str(), log.size() + 1);
+        const int size = call.arguments[1].as<int>(); // with the 0 at the end; GL refuses a negative one
+        if (size > 0) {
+            const std::string log = infoLog.substr(0, static_cast<std::size_t>(size - 1));
+            std::memcpy(call.arguments[3].as<char*>(), log.c_str(), log.size() + 1);
+        }
     } else if (function == "glGetAttachedShaders") {
         const auto count = std::min(attached.size(), static_cast<std::size_t>(call.arguments[1].as<int>()));
         *call.arguments[2].as<int*>() = static_cast<int>(count);
