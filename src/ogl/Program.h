@@ -3,9 +3,25 @@
 #include "Export.h"
 #include "ogl/GLSLObject.h"
 
+#include <concepts>
+#include <type_traits>
+
 namespace ZLT::OGL {
 
 class Shader;
+
+namespace internal {
+
+template <class... Values>
+inline constexpr bool isScalarArray = false;
+template <std::convertible_to<int> Count, class T>
+inline constexpr bool isScalarArray<Count, T*> =
+    std::convertible_to<T*, const int*> || std::convertible_to<T*, const float*>;
+/// A pointer among the values of a uniform, which would become a boolean.
+template <class... Values>
+concept PointerAsBoolean = (std::is_pointer_v<Values> || ...) && !isScalarArray<Values...>;
+
+} // namespace internal
 
 /// A GLSL program of OpenGL 2.0, and its uniforms.
 ///
@@ -129,6 +145,13 @@ public:
     void setUniform(const char* name, bool x, bool y, bool z, bool w);
     void setUniform_Unsafe(int location, bool x, bool y, bool z, bool w);
     void setUniform_Unsafe(const char* name, bool x, bool y, bool z, bool w);
+    /// A pointer is not taken for a boolean: arrays are of int or float, with their length in front.
+    template <class Uniform, class... Values>
+    requires internal::PointerAsBoolean<Values...>
+    void setUniform(Uniform uniform, Values... values) = delete;
+    template <class Uniform, class... Values>
+    requires internal::PointerAsBoolean<Values...>
+    void setUniform_Unsafe(Uniform uniform, Values... values) = delete;
     /// @}
 
     /// @name Uniforms: bytes

@@ -97,6 +97,27 @@ TEST_F(Programs, EveryUniformFormAsksSkipsAndRefusesByItsRule) {
     EXPECT_EQ(136 * 4, runs);
 }
 
+template <class Uniform, class... Values>
+concept Sets = requires(Program& program, Uniform uniform, Values... values) {
+    program.setUniform(uniform, values...);
+};
+template <class Uniform, class... Values>
+concept SetsUnsafe = requires(Program& program, Uniform uniform, Values... values) {
+    program.setUniform_Unsafe(uniform, values...);
+};
+// How many of the four forms take the values.
+template <class... Values>
+constexpr int forms = Sets<int, Values...> + Sets<const char*, Values...> + SetsUnsafe<int, Values...> +
+                      SetsUnsafe<const char*, Values...>;
+// A pointer is an array with its length in front, and never a boolean.
+static_assert(forms<int, const int*> == 4 && forms<unsigned char, float*> == 4 &&
+              forms<std::size_t, int*> == 4);
+static_assert(forms<bool, bool> == 4 && forms<bool> == 4 && forms<int, int, int, int> == 4);
+static_assert(forms<int, double*> + forms<int, const unsigned*> + forms<int, short*> + forms<int, void*> ==
+              0);
+static_assert(forms<int*> + forms<const char*> + forms<const int*, int> + forms<int, float*, int> == 0);
+static_assert(forms<int, int, const int*> + forms<bool, bool, bool, void (*)()> + forms<int, int**> == 0);
+
 TEST_F(Programs, CompileAndLinkReadNoMoreThanTheyNeed) {
     const std::string slow = "It will run in software", other = "Run in Software";
     const struct {
