@@ -1,10 +1,23 @@
 #include "ogl/ContextWindowed.h"
 
 #include "extensionator/ExtensionManager.h"
+#include "extensionator/Load.h"
 #include "extensionator/win/WglFunctions.h"
 #include "zlt/core/Enforce.h"
 
 namespace ZLT::OGL {
+
+namespace {
+
+// The pointer is the whole process's. When the driver of a device that was found later names the extension
+// and lacks the function, it is null; the current context's driver has the function all the same.
+auto swapIntervalOfCurrentContext() {
+    if (_wcgmSwapIntervalEXT)
+        return _wcgmSwapIntervalEXT;
+    return find<decltype(_wcgmSwapIntervalEXT)>("wglSwapIntervalEXT");
+}
+
+} // namespace
 
 ContextWindowed::ContextWindowed(HWND window, const BufferFormat& format, teBuffering buffering,
                                  teMultisample multisample, const Context* share) {
@@ -23,9 +36,10 @@ ContextWindowed::~ContextWindowed() noexcept(false) {
 void ContextWindowed::swapBuffers() { SwapBuffers(deviceContext()); }
 
 void ContextWindowed::enableSyncToVerticalRetrace(bool on) {
-    if (!supportsVerticalRetraceControl())
+    const auto setInterval = supportsVerticalRetraceControl() ? swapIntervalOfCurrentContext() : nullptr;
+    if (!setInterval)
         ZLT_RAISE("ContextWindowed::enableSyncToVerticalRetrace unsupported feature");
-    _wcgmSwapIntervalEXT(on ? 1 : 0);
+    setInterval(on ? 1 : 0);
 }
 
 } // namespace ZLT::OGL

@@ -468,6 +468,25 @@ TEST(Contexts, AWindowedOneShowsItsBitsSwapsAndWaitsForTheRetrace) {
                   failureOf([&] { context.enableSyncToVerticalRetrace(enable); }));
 }
 
+TEST(Contexts, AWindowedOneWaitsForTheRetraceWhateverALaterDeviceLacks) {
+    World world;
+    ContextWindowed context(world.window, Format(Format::RGBA8), twoSided, Context::eNoMultisample, nullptr);
+    FakeDevice later{"later", DISPLAY_DEVICE_ATTACHED_TO_DESKTOP, 2000, 0};
+    later.driver.functions["wglSwapIntervalEXT"] = nullptr;
+    world.system.devices.push_back(later);
+    DISPLAY_DEVICEA device = {};
+    Context::displayDevice(2, device);
+    const ContextOffscreen onLater(device);
+    context.makeCurrent();
+    world.system.takeCalls();
+    context.enableSyncToVerticalRetrace(true);
+    EXPECT_THAT(world.system.takeCalls(),
+                ElementsAre("wglGetProcAddress(wglSwapIntervalEXT)", "wglSwapIntervalEXT(1)"));
+    onLater.makeCurrent();
+    EXPECT_EQ("!ContextWindowed::enableSyncToVerticalRetrace unsupported feature",
+              failureOf([&] { context.enableSyncToVerticalRetrace(true); }));
+}
+
 TEST(Contexts, AnOffscreenOneThatIsCurrentLeavesNothingCurrent) {
     World world;
     {
