@@ -18,8 +18,15 @@ namespace ZLT::OGL {
 bool Library::isInitialized_ = false;
 Library::InitOptions Library::initOptions_;
 
+// What a start that failed has left behind, but for the managers of the devices, which are found again, and
+// the texture units, which are the client's to take down.
+void Library::clearFailedStart() {
+    destroyNullExtensionManager();
+    if (Context::isWglCreateContextAttribsSupportKnown_)
+        Context::unInitializeWglCreateContextAttribsPtr();
+}
+
 void Library::createNullExtensionManager() {
-    destroyNullExtensionManager(); // a start that failed has left one
     ExtensionManager::cachedNullExtMgrInstance =
         new (MemoryType(0), ZLT_SOURCE_FILE, __LINE__) ExtensionManager(nullptr);
 }
@@ -39,6 +46,7 @@ void Library::initialize(const InitOptions& options) {
     // A client that starts the library with its own context current keeps it.
     const ScopedContextWrapper restore;
     TextureUnit::initialize();
+    clearFailedStart();
     createNullExtensionManager();
     unsigned int maxUnits = 0;
     for (std::size_t index = 0; index < Context::numDisplayDevice(); ++index) {
@@ -60,6 +68,7 @@ void Library::initialize_DEPRECATED_2_5(Context* context, const ExtensionManager
     ZLT_ASSERT(!isInitialized_);
     ZLT_ASSERT(Core::Library::isInitialized());
     TextureUnit::initialize();
+    clearFailedStart();
     createNullExtensionManager();
     if (context) {
         context->makeCurrent();

@@ -50,6 +50,7 @@ public:
     /// @}
 
 private:
+    static void clearFailedStart();
     static void createNullExtensionManager();
     static void destroyNullExtensionManager();
     static void setInitialized(bool on);

@@ -98,6 +98,7 @@ public:
     /// @throws InternalException "!pavUnits_" when it was called before, by a start that failed behind it too
     static void initialize();
     /// Destroys the units. The library calls it; after a start that failed, a client does, before the next.
+    /// Never while the library is started: it could neither stop nor start again.
     /// @throws InternalException "pavUnits_" without initialize()
     static void terminate();
 

@@ -89,6 +89,30 @@ TEST(Library, AStartThatFailsCanBeMadeAgain) {
     }
 }
 
+TEST(Library, AStartThatFailsAtItsTextureUnitsCanBeMadeAgain) {
+    for (const bool older : {false, true}) {
+        FakeWindowSystem system;
+        const std::size_t allocated = Core::allocationCount();
+        Core::Library::initialize();
+        // They are the last step, and fail when the room for them has gone.
+        FakeGL::setHook([](const FakeGL::Call& call) {
+            if (call.function == "glGetIntegerv")
+                TextureUnit::terminate();
+        });
+        EXPECT_EQ("!isInitialized()", failureOf(start));
+        FakeGL::setHook({});
+        EXPECT_EQ("", failureOf([&] {
+                      if (older)
+                          OGL::Library::initialize_DEPRECATED_2_5(nullptr, ExtensionManager::InitOptions());
+                      else
+                          start();
+                      OGL::Library::terminate();
+                  }));
+        Core::Library::terminate();
+        EXPECT_EQ(allocated, Core::allocationCount());
+    }
+}
+
 TEST(Library, ALayerKeepsItFromStopping) {
     FakeWindowSystem system;
     const std::size_t allocated = Core::allocationCount();
