@@ -58,7 +58,13 @@ TEST_F(Textures, AllocateTheirLevelsAndRestoreTheBinding) {
                 {[] { TextureRECT(rgba8, 6, 4, nullptr); }, "RECTANGLE_ARB", 2, {"6,4"}},
                 {[] { Texture1DArray(rgba8, 2, 6, true); }, "1D_ARRAY", 2, {"2,6", "1,3", "1,1"}},
                 {[] { Texture3D(rgba8, 2, 1, 5, true); }, "3D", 3, {"2,1,5", "1,1,2", "1,1,1"}},
-                {[] { Texture2DArray(rgba8, 2, 4, 6, false); }, "2D_ARRAY", 3, {"2,4,6"}}};
+                {[] { Texture2DArray(rgba8, 2, 4, 6, false); }, "2D_ARRAY", 3, {"2,4,6"}},
+                // Beyond 31 bits.
+                {[] { Texture1D(rgba8, 0x80000000, true); }, "1D", 1, {"-2147483648"}},
+                {[] { Texture2D(rgba8, 0x80000000, 4, true, nullptr); },
+                 "2D",
+                 2,
+                 {"-2147483648,4", "-1073741824,2", "-536870912,1"}}};
     for (const auto& row : rows) {
         std::string levels;
         for (std::size_t level = 0; level < row.sizes.size(); ++level)

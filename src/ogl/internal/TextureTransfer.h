@@ -45,11 +45,13 @@ void allocateLevels(std::array<GLsizei, axes> sizes, bool mipmaps, const Image& 
         image(level, sizes);
         for (GLsizei& size : sizes)
             size >>= 1;
-        // A size beyond 31 bits is negative here and stays so; GL has refused it.
+        // A size beyond 31 bits is negative and stays so, for GL to refuse; halved it is never 0, and ends
+        // the levels all the same.
         if (!mipmaps || std::all_of(sizes.begin(), sizes.end(), [](GLsizei size) { return size <= 0; }))
             return;
         for (GLsizei& size : sizes)
-            size = std::max(size, 1);
+            if (size == 0)
+                size = 1;
     }
 }
 
