@@ -1,6 +1,7 @@
 #include "ogl/Texture1.h"
 
 #include "extensionator/TextureState.h"
+#include "ogl/internal/TextureStorage.h"
 #include "ogl/internal/TextureTransfer.h"
 #include "zlt/core/Enforce.h"
 
@@ -56,9 +57,8 @@ void Texture1::getPixelData(Buffer* buffer, int offset, int level, unsigned int 
     // Not undone, unlike in the two shapes that take an alignment.
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
     checkTransferBuffer(buffer);
-    const unsigned int previous = bindForPacking(*buffer);
+    const BufferBinding bound = BufferBinding::forPacking(*buffer);
     glGetTexImage(target(), level, glFormat, glType, atOffset(offset));
-    restoreBuffer(*buffer, previous);
 }
 
 void Texture1::subImage(int level, int x, std::uint64_t width, Format format, Type type, const void* data,
@@ -67,9 +67,8 @@ void Texture1::subImage(int level, int x, std::uint64_t width, Format format, Ty
     checkRegion(level, {{subWidth, width, this->width(0)}});
     const unsigned int glFormat = Format2GL(format);
     const unsigned int glType = Type2GL(type);
-    pushPixelStore(parameters);
+    const SavedPixelStore saved(parameters);
     glTexSubImage1D(target(), level, x, static_cast<GLsizei>(width), glFormat, glType, data);
-    glPopClientAttrib();
 }
 
 void Texture1::subImage(int level, int x, std::uint64_t width, Format format, Type type, Buffer* buffer,
@@ -77,13 +76,12 @@ void Texture1::subImage(int level, int x, std::uint64_t width, Format format, Ty
     verifyCurrentTextureObject();
     checkRegion(level, {{subWidth, width, this->width(0)}});
     checkUnpackBuffer(buffer, offset);
-    pushPixelStore(parameters);
-    const unsigned int previous = bindForUnpacking(*buffer);
+    SavedPixelStore saved(parameters);
+    const BufferBinding bound = BufferBinding::forUnpacking(*buffer);
     // On purpose the enumerators' own numbers, which GL refuses.
     glTexSubImage1D(target(), level, x, static_cast<GLsizei>(width), static_cast<GLenum>(format),
                     static_cast<GLenum>(type), atOffset(offset));
-    glPopClientAttrib();
-    restoreBuffer(*buffer, previous);
+    saved.restore(); // before the buffer that was bound, unlike in the other shapes
 }
 
 void Texture1::copyTexSubImage(int level, int xoffset, int, int x, std::uint64_t width) {

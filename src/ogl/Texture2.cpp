@@ -2,6 +2,7 @@
 
 #include "extensionator/ExtensionManager.h"
 #include "extensionator/TextureState.h"
+#include "ogl/internal/TextureStorage.h"
 #include "ogl/internal/TextureTransfer.h"
 #include "zlt/core/Enforce.h"
 
@@ -81,8 +82,8 @@ void Texture2::getPixelData(void* data, int level, Format format, Type type,
     const unsigned int glFormat = Format2GL(format);
     const unsigned int glType = Type2GL(type);
     pushAndSetReadbackByteAlignment(rowAlignment);
+    const SavedPixelStore saved;
     glGetTexImage(target(), level, glFormat, glType, data);
-    popPixelTransferModes();
 }
 
 void Texture2::getPixelData(Buffer* buffer, std::uint64_t offset, int level, Format format, Type type,
@@ -95,10 +96,9 @@ void Texture2::getPixelData(Buffer* buffer, std::uint64_t offset, int level, For
     const unsigned int glFormat = Format2GL(format);
     const unsigned int glType = Type2GL(type);
     pushAndSetReadbackByteAlignment(rowAlignment);
-    const unsigned int previous = bindForPacking(*buffer);
+    const SavedPixelStore saved;
+    const BufferBinding bound = BufferBinding::forPacking(*buffer);
     glGetTexImage(target(), level, glFormat, glType, atOffset(offset));
-    restoreBuffer(*buffer, previous);
-    popPixelTransferModes();
 }
 
 void Texture2::subImage(int level, int x, int y, std::uint64_t width, std::uint64_t height, Format format,
@@ -107,10 +107,9 @@ void Texture2::subImage(int level, int x, int y, std::uint64_t width, std::uint6
     checkRegion(level, {{subWidth, width, this->width(0)}, {subHeight, height, this->height(0)}});
     const unsigned int glFormat = Format2GL(format);
     const unsigned int glType = Type2GL(type);
-    pushPixelStore(parameters);
+    const SavedPixelStore saved(parameters);
     glTexSubImage2D(target(), level, x, y, static_cast<GLsizei>(width), static_cast<GLsizei>(height),
                     glFormat, glType, data);
-    glPopClientAttrib();
 }
 
 void Texture2::subImage(int level, int x, int y, std::uint64_t width, std::uint64_t height, Format format,
@@ -121,12 +120,10 @@ void Texture2::subImage(int level, int x, int y, std::uint64_t width, std::uint6
     checkUnpackBuffer(buffer, offset);
     const unsigned int glFormat = Format2GL(format);
     const unsigned int glType = Type2GL(type);
-    pushPixelStore(parameters);
-    const unsigned int previous = bindForUnpacking(*buffer);
+    const SavedPixelStore saved(parameters);
+    const BufferBinding bound = BufferBinding::forUnpacking(*buffer);
     glTexSubImage2D(target(), level, x, y, static_cast<GLsizei>(width), static_cast<GLsizei>(height),
                     glFormat, glType, atOffset(offset));
-    restoreBuffer(*buffer, previous);
-    glPopClientAttrib();
 }
 
 void Texture2::copyTexSubImage(int level, int xoffset, int yoffset, int x, int y, std::uint64_t width,

@@ -2,6 +2,7 @@
 
 #include "extensionator/EntryPoint.h"
 #include "extensionator/TextureState.h"
+#include "ogl/internal/TextureStorage.h"
 #include "ogl/internal/TextureTransfer.h"
 #include "zlt/core/Enforce.h"
 
@@ -94,8 +95,8 @@ void Texture3::getPixelData(void* data, int level, Format format, Type type,
     const unsigned int glFormat = Format2GL(format);
     const unsigned int glType = Type2GL(type);
     pushAndSetReadbackByteAlignment(rowAlignment);
+    const SavedPixelStore saved;
     glGetTexImage(target(), level, glFormat, glType, data);
-    popPixelTransferModes();
 }
 
 void Texture3::getPixelData(Buffer* buffer, int offset, int level, Format format, Type type,
@@ -106,10 +107,9 @@ void Texture3::getPixelData(Buffer* buffer, int offset, int level, Format format
     const unsigned int glFormat = Format2GL(format);
     const unsigned int glType = Type2GL(type);
     pushAndSetReadbackByteAlignment(rowAlignment);
-    const unsigned int previous = bindForPacking(*buffer);
+    const SavedPixelStore saved;
+    const BufferBinding bound = BufferBinding::forPacking(*buffer);
     glGetTexImage(target(), level, glFormat, glType, atOffset(offset));
-    restoreBuffer(*buffer, previous);
-    popPixelTransferModes();
 }
 
 void Texture3::subImage(int level, int x, int y, int z, std::uint64_t width, std::uint64_t height,
@@ -122,10 +122,9 @@ void Texture3::subImage(int level, int x, int y, int z, std::uint64_t width, std
     const unsigned int glFormat = Format2GL(format);
     const unsigned int glType = Type2GL(type);
     const auto texSubImage = ZLT_GL(glTexSubImage3D);
-    pushPixelStore(parameters);
+    const SavedPixelStore saved(parameters);
     texSubImage(target(), level, x, y, z, static_cast<GLsizei>(width), static_cast<GLsizei>(height),
                 static_cast<GLsizei>(depth), glFormat, glType, data);
-    glPopClientAttrib();
 }
 
 void Texture3::subImage(int level, int x, int y, int z, std::uint64_t width, std::uint64_t height,
@@ -137,14 +136,12 @@ void Texture3::subImage(int level, int x, int y, int z, std::uint64_t width, std
                         {subDepth, depth, this->depth(0)}});
     checkUnpackBuffer(buffer, offset);
     const auto texSubImage = ZLT_GL(glTexSubImage3D);
-    pushPixelStore(parameters);
-    const unsigned int previous = bindForUnpacking(*buffer);
+    const SavedPixelStore saved(parameters);
+    const BufferBinding bound = BufferBinding::forUnpacking(*buffer);
     // On purpose the enumerators' own numbers, which GL refuses.
     texSubImage(target(), level, x, y, z, static_cast<GLsizei>(width), static_cast<GLsizei>(height),
                 static_cast<GLsizei>(depth), static_cast<GLenum>(format), static_cast<GLenum>(type),
                 atOffset(offset));
-    restoreBuffer(*buffer, previous);
-    glPopClientAttrib();
 }
 
 void Texture3::copyTexSubImage(int level, int xoffset, int yoffset, int zoffset, int x, int y,

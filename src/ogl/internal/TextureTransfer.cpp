@@ -1,23 +1,13 @@
 #include "ogl/internal/TextureTransfer.h"
 
 #include "extensionator/EntryPoint.h"
-#include "extensionator/ExtensionManager.h"
 #include "extensionator/TokenName.h"
 #include "ogl/Buffer.h"
 #include "ogl/PixelUnpackParameters.h"
 #include "ogl/internal/Composed.h"
 #include "zlt/core/Enforce.h"
-#include "zlt/core/Math.h"
-
-#include <GL/glext.h>
 
 namespace ZLT::OGL::internal {
-
-bool isPowerOfTwoSize(std::uint64_t size) { return isPowerOfTwo(static_cast<unsigned int>(size)); }
-
-GLint edgeClamp() {
-    return ExtensionManager::Instance()->supportsClampToEdge() ? GL_CLAMP_TO_EDGE : GL_CLAMP;
-}
 
 void checkRegion(int level, std::initializer_list<Extent> extents) {
     for (const Extent& extent : extents)
@@ -50,16 +40,6 @@ std::uint64_t bytesOf(Texture::Type type) {
     }
 }
 
-void pushPixelStore(const PixelUnpackParameters& parameters) {
-    glPushClientAttrib(GL_CLIENT_PIXEL_STORE_BIT);
-    try {
-        parameters.apply();
-    } catch (...) {
-        glPopClientAttrib();
-        throw;
-    }
-}
-
 void checkTransferBuffer(const Buffer* buffer) {
     ZLT_ENFORCE(buffer != NULL); // NOLINT(modernize-use-nullptr): all such texts are alike
     if (buffer->isMapped())
@@ -74,30 +54,31 @@ void checkUnpackBuffer(const Buffer* buffer, std::uint64_t offset) {
     checkTransferBuffer(buffer);
 }
 
-namespace {
-
-unsigned int bindAndGivePrevious(Buffer& buffer) {
-    const unsigned int previous = buffer.getBoundID();
-    buffer.bind();
-    return previous;
+SavedPixelStore::SavedPixelStore(const PixelUnpackParameters& parameters) {
+    glPushClientAttrib(GL_CLIENT_PIXEL_STORE_BIT);
+    try {
+        parameters.apply();
+    } catch (...) {
+        glPopClientAttrib();
+        throw;
+    }
 }
 
-} // namespace
+BufferBinding::BufferBinding(const Buffer& buffer)
+    : target_(buffer.target()), previous_(buffer.getBoundID()), bind_(ZLT_GL(glBindBuffer)) {
+    bind_(target_, buffer.objectID());
+}
 
-unsigned int bindForUnpacking(Buffer& buffer) {
+BufferBinding BufferBinding::forUnpacking(Buffer& buffer) {
     if (!buffer.isUnpackBuffer())
         buffer.convertToUnpackBuffer();
-    return bindAndGivePrevious(buffer);
+    return BufferBinding(buffer);
 }
 
-unsigned int bindForPacking(Buffer& buffer) {
+BufferBinding BufferBinding::forPacking(Buffer& buffer) {
     if (!buffer.isPackBuffer())
         buffer.convertToPackBuffer();
-    return bindAndGivePrevious(buffer);
-}
-
-void restoreBuffer(const Buffer& buffer, unsigned int previous) {
-    ZLT_GL(glBindBuffer)(buffer.target(), previous);
+    return BufferBinding(buffer);
 }
 
 } // namespace ZLT::OGL::internal

@@ -4,15 +4,14 @@
 #include "platform/Platform.h"
 
 #include <GL/gl.h>
+#include <GL/glext.h>
 
-#include <algorithm>
-#include <array>
-#include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <initializer_list>
 
 /// @file
-/// What the shapes of textures share: allocation, checks, and the state around a transfer of pixels.
+/// What the shapes of textures share when pixels are transferred: checks, and the state around the transfer.
 
 namespace ZLT::OGL {
 
@@ -20,45 +19,6 @@ class Buffer;
 class PixelUnpackParameters;
 
 namespace internal {
-
-/// Binds a texture, and what was bound before at the end of the scope.
-class TextureBinding {
-public:
-    /// @param previous  the name to bind at the end
-    TextureBinding(unsigned int target, unsigned int name, unsigned int previous)
-        : target_(target), previous_(previous) {
-        glBindTexture(target, name);
-    }
-    ~TextureBinding() { glBindTexture(target_, previous_); }
-    TextureBinding(const TextureBinding&) = delete;
-    TextureBinding& operator=(const TextureBinding&) = delete;
-
-private:
-    unsigned int target_;
-    unsigned int previous_;
-};
-
-/// Calls `image(level, sizes)` for level 0, and with `mipmaps` for each level behind it, down to one texel.
-template <std::size_t axes, class Image>
-void allocateLevels(std::array<GLsizei, axes> sizes, bool mipmaps, const Image& image) {
-    for (GLint level = 0;; ++level) {
-        image(level, sizes);
-        for (GLsizei& size : sizes)
-            size >>= 1;
-        // A size beyond 31 bits is negative and stays so, for GL to refuse; halved it is never 0, and ends
-        // the levels all the same.
-        if (!mipmaps || std::all_of(sizes.begin(), sizes.end(), [](GLsizei size) { return size <= 0; }))
-            return;
-        for (GLsizei& size : sizes)
-            if (size == 0)
-                size = 1;
-    }
-}
-
-/// Whether the low 32 bits of a size are a power of two, which old hardware needs.
-bool isPowerOfTwoSize(std::uint64_t size);
-/// `GL_CLAMP_TO_EDGE` where the driver has it, `GL_CLAMP` elsewhere.
-GLint edgeClamp();
 
 /// How the checks speak of an axis. The words differ from shape to shape, and so do the blanks: tools match
 /// on them.
@@ -83,18 +43,55 @@ void checkRegion(int level, std::initializer_list<Extent> extents);
 /// The bytes of a channel in client memory, for pixelDataSize().
 std::uint64_t bytesOf(Texture::Type type);
 
-/// Saves the pixel store state on GL's stack and sets the parameters. When they are bad nothing stays on it.
-void pushPixelStore(const PixelUnpackParameters& parameters);
-
 /// Not null, not mapped.
 void checkTransferBuffer(const Buffer* buffer);
 /// The offset inside the buffer, then as above.
 void checkUnpackBuffer(const Buffer* buffer, std::uint64_t offset);
-/// Gives the buffer the role and binds it.
-/// @return the name that was bound in that role, for restoreBuffer()
-unsigned int bindForUnpacking(Buffer& buffer);
-unsigned int bindForPacking(Buffer& buffer);
-void restoreBuffer(const Buffer& buffer, unsigned int previous);
+
+/// The pixel store state on GL's stack, until the end of the scope. A failure that ends the scope leaves it
+/// there: clients that catch it pop it.
+class SavedPixelStore {
+public:
+    /// Of what Texture::pushAndSetReadbackByteAlignment() has saved.
+    SavedPixelStore() = default;
+    /// Saves it and sets the parameters. When they are bad nothing stays on the stack.
+    explicit SavedPixelStore(const PixelUnpackParameters& parameters);
+    ~SavedPixelStore() {
+        if (!restored_ && std::uncaught_exceptions() == exceptions_)
+            restore();
+    }
+    SavedPixelStore(const SavedPixelStore&) = delete;
+    SavedPixelStore& operator=(const SavedPixelStore&) = delete;
+
+    /// Before the end of the scope.
+    void restore() {
+        glPopClientAttrib();
+        restored_ = true;
+    }
+
+private:
+    bool restored_ = false;
+    int exceptions_ = std::uncaught_exceptions();
+};
+
+/// Gives a buffer a role and binds it, and what was bound in that role at the end of the scope.
+class BufferBinding {
+public:
+    /// @throws InternalException as Buffer::convertToUnpackBuffer()
+    static BufferBinding forUnpacking(Buffer& buffer);
+    /// @throws InternalException as Buffer::convertToPackBuffer()
+    static BufferBinding forPacking(Buffer& buffer);
+    ~BufferBinding() { bind_(target_, previous_); }
+    BufferBinding(const BufferBinding&) = delete;
+    BufferBinding& operator=(const BufferBinding&) = delete;
+
+private:
+    explicit BufferBinding(const Buffer& buffer);
+
+    unsigned int target_;
+    unsigned int previous_;
+    PFNGLBINDBUFFERPROC bind_;
+};
 
 /// An offset into the bound buffer, where GL takes a pointer.
 inline void* atOffset(std::uint64_t offset) {

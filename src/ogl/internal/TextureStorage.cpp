@@ -1,0 +1,16 @@
+#include "ogl/internal/TextureStorage.h"
+
+#include "extensionator/ExtensionManager.h"
+#include "zlt/core/Math.h"
+
+#include <GL/glext.h>
+
+namespace ZLT::OGL::internal {
+
+bool isPowerOfTwoSize(std::uint64_t size) { return isPowerOfTwo(static_cast<unsigned int>(size)); }
+
+GLint edgeClamp() {
+    return ExtensionManager::Instance()->supportsClampToEdge() ? GL_CLAMP_TO_EDGE : GL_CLAMP;
+}
+
+} // namespace ZLT::OGL::internal
