@@ -37,7 +37,7 @@ String extensionString(unsigned int majorVersion) {
     if (majorVersion < 3)
         return "";
     glGetError(); // the null string was an error, and it was ours
-    const auto getStringi = find<PFNGLGETSTRINGIPROC>("glGetStringi");
+    const auto getStringi = functionAddress<PFNGLGETSTRINGIPROC>("glGetStringi");
     if (!getStringi)
         return "";
     GLint count = 0;

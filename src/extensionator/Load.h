@@ -11,7 +11,7 @@ namespace ZLT::OGL {
 
 /// The function of this name, or null.
 template <class Function>
-Function find(const char* name) {
+Function functionAddress(const char* name) {
     const PROC address = wglGetProcAddress(name);
     // Some Windows drivers answer 1, 2, 3 or -1 for a name that they don't know.
     const auto value = reinterpret_cast<std::intptr_t>(address);
@@ -23,7 +23,7 @@ Function find(const char* name) {
 /// Stores the function of this name, or null; whether there is one.
 template <class Function>
 bool load(Function& slot, const char* name) {
-    slot = find<Function>(name);
+    slot = functionAddress<Function>(name);
     return slot != nullptr;
 }
 

@@ -14,7 +14,7 @@ namespace {
 auto swapIntervalOfCurrentContext() {
     if (_wcgmSwapIntervalEXT)
         return _wcgmSwapIntervalEXT;
-    return find<decltype(_wcgmSwapIntervalEXT)>("wglSwapIntervalEXT");
+    return functionAddress<decltype(_wcgmSwapIntervalEXT)>("wglSwapIntervalEXT");
 }
 
 } // namespace

@@ -216,7 +216,7 @@ int Context::choosePixelFormat(HDC hdc, const BufferFormat& format, bool doubleB
 
 int Context::choosePixelFormat(HDC hdc, const BufferFormat& format, teBuffering buffering,
                                teMultisample multisample, teWindowed windowed) {
-    const auto choose = find<ChoosePixelFormatARB>("wglChoosePixelFormatARB");
+    const auto choose = functionAddress<ChoosePixelFormatARB>("wglChoosePixelFormatARB");
     if (!choose)
         ZLT_RAISE("wglChoosePixelFormatARB extension not supported");
     if (!hdc)
@@ -344,10 +344,10 @@ Context::CreateContextAttribs Context::getWglCreateContextAttribsPtr() {
             ZLT_RAISE("Context::haveWglCreateContextAttribs Can't create rendering context");
         const ScopedContextWrapper restore;
         wglMakeCurrent(dc, probe);
-        if (const auto names = find<GetExtensionsStringARB>("wglGetExtensionsStringARB")) {
+        if (const auto names = functionAddress<GetExtensionsStringARB>("wglGetExtensionsStringARB")) {
             const char* text = names(dc);
             if (text && std::strstr(text, "WGL_ARB_create_context"))
-                found = find<CreateContextAttribs>("wglCreateContextAttribsARB");
+                found = functionAddress<CreateContextAttribs>("wglCreateContextAttribsARB");
         }
         wglMakeCurrent(nullptr, nullptr);
         wglDeleteContext(std::exchange(probe, nullptr));
