@@ -75,6 +75,7 @@ set(public_headers
   ogl/TextureRECT.h
   ogl/TextureUnit.h
   ogl/VertexShader.h
+  platform/GL.h
   platform/Platform.h
   platform/Wayland.h
   platform/WglTokens.h

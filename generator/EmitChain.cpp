@@ -36,8 +36,7 @@ void emitDeclarations(const std::vector<EntryPoint>& entries, const std::filesys
 void emitFunctionTable(const std::vector<EntryPoint>& entries, const std::filesystem::path& directory) {
     std::string table = generatedNotice;
     table += "#pragma once\n\n"
-             "#if defined(_WIN32)\n#include <windows.h>\n#endif\n\n"
-             "#include <GL/gl.h>\n#include <GL/glext.h>\n\n"
+             "#include \"platform/GL.h\"\n\n"
              "namespace ZLT::OGL {\n\n"
              "/// One pointer for each GL function outside GL 1.1, in the order of the chain's entries.\n"
              "struct FunctionTable {\n";
@@ -76,11 +75,7 @@ void emitInterceptMacros(const std::vector<EntryPoint>& entries, const std::file
 #endif
 
 // The GL headers come first: their declarations must not meet the macros.
-#if defined(_WIN32)
-#include <windows.h>
-#endif
-#include <GL/gl.h>
-#include <GL/glext.h>
+#include "platform/GL.h"
 
 #include "extensionator/OpenGLInterceptor.h"
 

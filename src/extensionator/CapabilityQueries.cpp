@@ -2,8 +2,7 @@
 
 #include "extensionator/ExtensionManager.h"
 
-#include <GL/gl.h>
-#include <GL/glext.h>
+#include "platform/GL.h"
 
 namespace ZLT::OGL {
 

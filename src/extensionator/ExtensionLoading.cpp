@@ -6,9 +6,6 @@
 #include "zlt/core/Memory.h"
 #include "zlt/core/memory/ZLTDeleter.h"
 
-#include <GL/gl.h>
-#include <GL/glext.h>
-
 #include <cstring>
 #include <iterator>
 #include <locale>
@@ -173,6 +170,7 @@ teExtension ExtensionManager::nameToEnumWGL(const char* name) {
 bool ExtensionManager::initializeGL(teExtension extension) {
     switch (extension) {
 #include "extensionator/ExtensionCases.inl"
+#include "platform/GL.h"
     default:
         return false;
     }

@@ -2,11 +2,7 @@
 
 #include "extensionator/OpenGLErrorChecker.h"
 
-#if defined(_WIN32)
-#include <windows.h>
-#endif
-
-#include <GL/gl.h>
+#include "platform/GL.h"
 
 /// @file
 /// The check behind each call, in one place and inline: with no error it costs a test and `glGetError`.

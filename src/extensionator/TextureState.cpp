@@ -1,9 +1,7 @@
 #include "extensionator/TextureState.h"
 
 #include "extensionator/EntryPoint.h"
-
-#include <GL/gl.h>
-#include <GL/glext.h>
+#include "platform/GL.h"
 
 namespace ZLT::OGL::TextureState {
 

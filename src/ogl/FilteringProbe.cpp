@@ -9,9 +9,7 @@
 #include "ogl/ScopedContextWrapper.h"
 #include "ogl/Texture2D.h"
 #include "ogl/TextureUnit.h"
-
-#include <GL/gl.h>
-#include <GL/glext.h>
+#include "platform/GL.h"
 
 #include <array>
 #include <cstddef>

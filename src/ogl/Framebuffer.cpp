@@ -7,10 +7,8 @@
 #include "ogl/Texture2DArray.h"
 #include "ogl/internal/Composed.h"
 #include "ogl/internal/TearDown.h"
+#include "platform/GL.h"
 #include "zlt/core/Enforce.h"
-
-#include <GL/gl.h>
-#include <GL/glext.h>
 
 namespace ZLT::OGL {
 

@@ -1,8 +1,6 @@
 #include "ogl/Object.h"
 
-#include "platform/Platform.h"
-
-#include <GL/gl.h>
+#include "platform/GL.h"
 
 namespace ZLT::OGL {
 

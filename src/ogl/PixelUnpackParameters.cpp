@@ -1,10 +1,8 @@
 #include "ogl/PixelUnpackParameters.h"
 
 #include "extensionator/ExtensionManager.h"
+#include "platform/GL.h"
 #include "zlt/core/Enforce.h"
-
-#include <GL/gl.h>
-#include <GL/glext.h>
 
 namespace ZLT::OGL {
 

@@ -6,11 +6,9 @@
 #include "ogl/VertexShader.h"
 #include "ogl/internal/InfoLog.h"
 #include "ogl/internal/TearDown.h"
+#include "platform/GL.h"
 #include "zlt/core/Enforce.h"
 #include "zlt/core/memory/ZLTDeleter.h"
-
-#include <GL/gl.h>
-#include <GL/glext.h>
 
 #include <string>
 

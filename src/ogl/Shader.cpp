@@ -3,10 +3,8 @@
 #include "extensionator/EntryPoint.h"
 #include "ogl/internal/InfoLog.h"
 #include "ogl/internal/TearDown.h"
+#include "platform/GL.h"
 #include "zlt/core/Enforce.h"
-
-#include <GL/gl.h>
-#include <GL/glext.h>
 
 namespace ZLT::OGL {
 

@@ -1,10 +1,7 @@
 #include "ogl/StateObject.h"
 
-#include "platform/Platform.h"
+#include "platform/GL.h"
 #include "zlt/core/Enforce.h"
-
-#include <GL/gl.h>
-#include <GL/glext.h>
 
 namespace ZLT::OGL {
 

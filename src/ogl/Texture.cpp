@@ -5,10 +5,8 @@
 #include "extensionator/TokenName.h"
 #include "ogl/internal/Composed.h"
 #include "ogl/internal/TokenMap.h"
+#include "platform/GL.h"
 #include "zlt/core/Enforce.h"
-
-#include <GL/gl.h>
-#include <GL/glext.h>
 
 #include <iterator>
 #include <limits>

@@ -4,10 +4,8 @@
 #include "extensionator/TextureState.h"
 #include "ogl/internal/TextureStorage.h"
 #include "ogl/internal/TextureTransfer.h"
+#include "platform/GL.h"
 #include "zlt/core/Enforce.h"
-
-#include <GL/gl.h>
-#include <GL/glext.h>
 
 namespace ZLT::OGL {
 

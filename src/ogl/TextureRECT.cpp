@@ -1,9 +1,6 @@
 #include "ogl/TextureRECT.h"
 
-#include "platform/Platform.h"
-
-#include <GL/gl.h>
-#include <GL/glext.h>
+#include "platform/GL.h"
 
 namespace ZLT::OGL {
 

@@ -8,10 +8,8 @@
 #include "ogl/Texture3D.h"
 #include "ogl/TextureRECT.h"
 #include "ogl/internal/TokenMap.h"
+#include "platform/GL.h"
 #include "zlt/core/Enforce.h"
-
-#include <GL/gl.h>
-#include <GL/glext.h>
 
 #include <utility>
 

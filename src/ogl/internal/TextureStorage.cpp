@@ -1,9 +1,8 @@
 #include "ogl/internal/TextureStorage.h"
 
 #include "extensionator/ExtensionManager.h"
+#include "platform/GL.h"
 #include "zlt/core/Math.h"
-
-#include <GL/glext.h>
 
 namespace ZLT::OGL::internal {
 

@@ -1,8 +1,6 @@
 #pragma once
 
-#include "platform/Platform.h"
-
-#include <GL/gl.h>
+#include "platform/GL.h"
 
 #include <algorithm>
 #include <array>

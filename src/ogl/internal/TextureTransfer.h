@@ -1,10 +1,7 @@
 #pragma once
 
 #include "ogl/Texture.h"
-#include "platform/Platform.h"
-
-#include <GL/gl.h>
-#include <GL/glext.h>
+#include "platform/GL.h"
 
 #include <cstdint>
 #include <exception>
