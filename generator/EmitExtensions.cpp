@@ -86,9 +86,8 @@ void emitWglFunctions(const std::vector<Extension>& extensions, const std::vecto
     declarations += R"(#pragma once
 
 #include "Export.h"
+#include "platform/GL.h"
 #include "platform/Platform.h"
-
-#include <GL/gl.h>
 
 /// @file
 /// One pointer for each function of the WGL extensions, for the whole process: null until an extension manager

@@ -4,13 +4,7 @@
 #include "extensionator/OpenGLRekorder.h"
 
 #include "extensionator/RecordForms.h"
-
-#if defined(_WIN32)
-#include <windows.h>
-#endif
-
-#include <GL/gl.h>
-#include <GL/glext.h>
+#include "platform/GL.h"
 
 #include <bit>
 #include <cstdint>
