@@ -84,7 +84,8 @@ public:
     /// Loads the entry points of a GL or WGL extension that was left out when the manager was made, into
     /// table() or the `_wcgm` pointers. The context of the manager must be current, and no other thread may
     /// use the manager. isSupported() does not change.
-    /// @return whether the driver has all of them
+    /// @return whether there is an address for each of them: on Windows, whether the driver has them. On
+    ///         Linux the system's GL library has one for every name of GL, whatever the driver has.
     bool initialize(teExtension extension);
     /// The same for the GL versions and extensions alone; false for a WGL extension.
     bool initializeGL(teExtension extension);

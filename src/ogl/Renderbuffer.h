@@ -10,8 +10,9 @@ class ZLT_OGL_API Renderbuffer : public Object {
 public:
     /// Makes it with undefined contents; the renderbuffer that was bound is bound again.
     /// @param format        the GL internal format, such as `GL_RGBA8` or `GL_DEPTH_COMPONENT24`. It
-    ///                      decides where the buffer is attached: depth formats and `GL_DEPTH_STENCIL` as
-    ///                      depth, stencil indices as stencil, every other one as a colour.
+    ///                      decides where the buffer is attached: `GL_DEPTH_COMPONENT`, unsized or with 16,
+    ///                      24 or 32 bits, and `GL_DEPTH_STENCIL` as depth, stencil indices as stencil,
+    ///                      every other one as a colour, also `GL_DEPTH24_STENCIL8` and floating depths.
     /// @param width,height  in pixels
     /// @throws InternalException "ExtensionManager::Instance()->isSupported(GL_EXT_FRAMEBUFFER_OBJECT)"
     ///         without it, "Can't create renderbuffer of width 9000, a max width of 8192 is supported" (of

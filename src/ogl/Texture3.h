@@ -15,8 +15,9 @@ class Buffer;
 /// the active unit for all of it; nothing tests that.
 ///
 /// Besides what stands at each method, a value outside an enumeration is refused as by its translation
-/// (Format2GL() and so on), unpack parameters as by PixelUnpackParameters::apply(), and a null buffer with
-/// "Enforce buffer != NULL". The pixel store state is as before then.
+/// (Format2GL() and so on), but for the format and type of a subImage() from a buffer, which GL refuses;
+/// unpack parameters as by PixelUnpackParameters::apply(), and a null buffer with "Enforce buffer != NULL".
+/// The pixel store state is as before then.
 class ZLT_OGL_API Texture3 : public Texture {
 public:
     ~Texture3() noexcept override;
