@@ -71,7 +71,10 @@ void emitInterceptMacros(const std::vector<EntryPoint>& entries, const std::file
 void emitErrorChecker(const std::vector<Topic>& topics, const std::filesystem::path& directory);
 /// OpenGLTracer_*.cpp.
 void emitTracer(const std::vector<Topic>& topics, const std::filesystem::path& directory);
-/// OpenGLRekorder_*.cpp: all but the operations that have a form of their own.
+/// Throws std::runtime_error, with what differs and what to correct, unless as many functions have each kind
+/// of form in recordings as the documentation says.
+void checkRekorderSplit(const std::vector<EntryPoint>& entries);
+/// OpenGLRekorder_*.cpp: all but the operations that have a form of their own and belong to no family.
 void emitRekorder(const std::vector<Topic>& topics, const std::filesystem::path& directory);
 /// EntryTable.inl: name, group and forms of the arguments of every entry. EntryPointers.inl: one macro call
 /// for each.

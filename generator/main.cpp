@@ -38,6 +38,7 @@ void generate(const std::filesystem::path& tables, const std::filesystem::path& 
     emitWglFunctions(extensions, wglFunctions, headers / "win", sources);
     emitErrorChecker(topics, sources);
     emitTracer(topics, sources);
+    checkRekorderSplit(entries);
     emitRekorder(topics, sources);
     emitEntryTable(entries, sources);
     emitEntriesByType(topics, sources);

@@ -1,3 +1,4 @@
+#include "generator/Emit.h"
 #include "generator/Table.h"
 
 #include <gtest/gtest.h>
@@ -122,6 +123,48 @@ TEST(Table, StopsWhereAGroupIsCutShortOrRunsOver) {
     rows.pop_back();
     EXPECT_EQ(place(wglFunctions, 96) + "'WGL_OML_sync_control' has 5 functions instead of 6",
               errorOf(wglFunctions, rows));
+}
+
+struct Change {
+    const char* name;
+    void (*change)(std::vector<EntryPoint>& entries);
+    std::string faults;
+};
+
+const Change changes[] = {
+    {"an entry without pointers more", [](std::vector<EntryPoint>& entries) { entries.emplace_back(); },
+     "857 functions without pointers instead of 856"},
+    {"an entry with a form of its own less",
+     [](std::vector<EntryPoint>& entries) {
+         std::erase_if(entries, [](const EntryPoint& entry) { return entry.name == "Uniform3ivARB"; });
+     },
+     "66 functions with a form of their own instead of 67"},
+    {"a pointer that became an array",
+     [](std::vector<EntryPoint>& entries) {
+         std::ranges::find(entries, "Color3fv", &EntryPoint::name)->parameters.front().array = "[3]";
+     },
+     "857 functions without pointers instead of 856, 909 functions that leave a marker instead of 910"},
+};
+
+TEST(Table, TheRecorderSaysWhichCountDiffersFromTheDocumentedOne) {
+    std::istringstream extensionRows = streamOf(readRows(extensions)),
+                       entryRows = streamOf(readRows(entryPoints));
+    const std::vector<EntryPoint> entries = readEntryPoints(entryRows, readExtensions(extensionRows));
+    EXPECT_NO_THROW(checkRekorderSplit(entries));
+    for (const Change& change : changes) {
+        SCOPED_TRACE(change.name);
+        std::vector<EntryPoint> changed = entries;
+        change.change(changed);
+        try {
+            checkRekorderSplit(changed);
+            ADD_FAILURE() << "no exception";
+        } catch (const std::runtime_error& error) {
+            EXPECT_EQ("the recorder has " + change.faults +
+                          ": correct the table, or the numbers in generator/EmitRekorder.cpp, "
+                          "src/extensionator/OpenGLRekorder.h and docs/recording-format.md",
+                      std::string(error.what()));
+        }
+    }
 }
 
 } // namespace
