@@ -24,8 +24,8 @@ else()
 endif()
 
 set(zlt_generated_headers)
-foreach(name InterceptorEntries.inl LayerEntries.inl FunctionTable.h OpenGLEntry.h Extension.h ExtensionLoaders.inl gl_intercept.h
-        gl_tokens.h win/WglFunctions.h)
+foreach(name InterceptorEntries.inl LayerEntries.inl FunctionTable.h OpenGLEntry.h Extension.h ExtensionLoaders.inl
+        gl_intercept.h gl_tokens.h win/WglFunctions.h win/wglInterceptorEntries.inl win/wglLayerEntries.inl)
   list(APPEND zlt_generated_headers ${zlt_generated}/include/extensionator/${name})
 endforeach()
 set(zlt_generated_sources)
@@ -37,6 +37,7 @@ endforeach()
 foreach(topic GL12to30 ARB EXT NV Vendors)
   list(APPEND zlt_generated_sources ${zlt_generated}/src/extensionator/ExtensionLoading_${topic}.cpp)
 endforeach()
+list(APPEND zlt_generated_sources ${zlt_generated}/src/extensionator/win/wglErrorCheckerEntries.cpp)
 set(zlt_generated_rows)
 foreach(name TokenRows EntryTable EntriesByType ExtensionNames ExtensionCases WglFunctions WglCases)
   list(APPEND zlt_generated_rows ${zlt_generated}/src/extensionator/${name}.inl)
@@ -51,6 +52,7 @@ add_custom_command(
   COMMAND ${zlt_generator} ${zlt_tables} ${zlt_generated}
   DEPENDS ${zlt_generator_target} ${zlt_tables}/gl_entry_points.tsv ${zlt_tables}/gl_tokens.tsv
           ${zlt_tables}/extensions.tsv ${zlt_tables}/wgl_extension_functions.tsv
+          ${zlt_tables}/wgl_entry_points.tsv
   COMMENT "Generating the call families"
   VERBATIM)
 add_custom_target(zlt_generate DEPENDS ${zlt_generated_headers} ${zlt_generated_sources} ${zlt_generated_rows}

@@ -44,7 +44,6 @@ set(public_headers
   extensionator/win/wglErrorChecker.h
   extensionator/win/wglInterceptor.h
   extensionator/win/wglInterceptorDecorator.h
-  extensionator/win/wglLayerEntries.inl
   extensionator/win/wglRekorder.h
   ogl/AutoVector.h
   ogl/Buffer.h

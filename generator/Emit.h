@@ -65,6 +65,10 @@ void emitExtensionLoading(const std::vector<Extension>& extensions, const std::v
 /// WglFunctions.h among the headers; WglFunctions.inl and WglCases.inl among the sources.
 void emitWglFunctions(const std::vector<Extension>& extensions, const std::vector<WglFunction>& functions,
                       const std::filesystem::path& headers, const std::filesystem::path& sources);
+/// wglInterceptorEntries.inl, wglLayerEntries.inl: the declarations in the classes of the WGL chain.
+void emitWglDeclarations(const std::vector<WglEntryPoint>& entries, const std::filesystem::path& directory);
+/// wglErrorCheckerEntries.cpp: what the last layer of the WGL chain calls.
+void emitWglErrorChecker(const std::vector<WglEntryPoint>& entries, const std::filesystem::path& directory);
 /// gl_intercept.h.
 void emitInterceptMacros(const std::vector<EntryPoint>& entries, const std::filesystem::path& directory);
 /// OpenGLErrorChecker_*.cpp.

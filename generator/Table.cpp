@@ -89,16 +89,18 @@ void addName(std::set<std::string>& names, const std::string& name, const Rows& 
         rows.fail("the name '" + name + "' stands twice");
 }
 
-Type typeOf(const std::string& gl, const Rows& rows) {
+using TypeReader = Type (*)(const std::string& text);
+
+Type readType(TypeReader read, const std::string& text, const Rows& rows) {
     try {
-        return generator::typeOf(gl);
+        return read(text);
     } catch (const std::invalid_argument& error) {
         rows.fail(error.what());
     }
 }
 
 // "const GLfloat m[16]": the array form counts as a pointer and keeps its brackets.
-Parameter parseParameter(const std::string& text, const Rows& rows) {
+Parameter parseParameter(TypeReader read, const std::string& text, const Rows& rows) {
     Parameter parameter;
     const std::string::size_type blank = text.rfind(' ');
     if (blank == std::string::npos)
@@ -116,19 +118,19 @@ Parameter parseParameter(const std::string& text, const Rows& rows) {
     // The chain puts its own two in front.
     if (parameter.name == "file" || parameter.name == "line")
         rows.fail("the parameter name '" + parameter.name + "' is taken");
-    parameter.type = typeOf(type, rows);
+    parameter.type = readType(read, type, rows);
     if (parameter.type.plain == "void")
         rows.fail("a parameter of type void");
     return parameter;
 }
 
-std::vector<Parameter> parseParameters(const std::string& text, const Rows& rows) {
+std::vector<Parameter> parseParameters(TypeReader read, const std::string& text, const Rows& rows) {
     std::vector<Parameter> parameters;
     if (text.empty())
         return parameters;
     std::set<std::string> names;
     for (const std::string& part : split(text, ", ")) {
-        parameters.push_back(parseParameter(part, rows));
+        parameters.push_back(parseParameter(read, part, rows));
         if (!names.insert(parameters.back().name).second)
             rows.fail("two parameters are named '" + parameters.back().name + "'");
     }
@@ -224,8 +226,8 @@ std::vector<EntryPoint> readEntryPoints(std::istream& in, const std::vector<Exte
         if (entry.isCore11() && !entries.empty() && entry.name < entries.back().name)
             rows.fail("'" + entry.name + "' stands after '" + entries.back().name + "'");
         entry.result = rows.cell(4);
-        entry.plainResult = typeOf(entry.result, rows).plain;
-        entry.parameters = parseParameters(rows.cell(5), rows);
+        entry.plainResult = readType(typeOf, entry.result, rows).plain;
+        entry.parameters = parseParameters(typeOf, rows.cell(5), rows);
         entries.push_back(std::move(entry));
     }
     groups.finish(rows);
@@ -262,6 +264,32 @@ std::vector<WglFunction> readWglFunctions(std::istream& in, const std::vector<Ex
             rows.fail("'" + extension.name + "' has " + std::to_string(counts[extension.name]) +
                       " functions instead of " + std::to_string(extension.entryPoints));
     return functions;
+}
+
+std::vector<WglEntryPoint> readWglEntryPoints(std::istream& in) {
+    Rows rows(in, "wgl_entry_points.tsv", "virtual_slot\tfunction\tresult\tparameters");
+    std::vector<WglEntryPoint> entries;
+    std::set<std::string> names;
+    while (rows.next()) {
+        if (entries.size() == wglEntryPointCount)
+            rows.fail("more than " + std::to_string(wglEntryPointCount) +
+                      " entries: a new one needs its form in wglRekorder.cpp, and the number in Table.h");
+        WglEntryPoint entry;
+        entry.slot = rows.number(0);
+        if (entry.slot != entries.size())
+            rows.fail("virtual slot " + rows.cell(0) + " instead of " + std::to_string(entries.size()));
+        entry.function = rows.cell(1);
+        entry.name = entry.function.starts_with("wgl") ? entry.function.substr(3) : entry.function;
+        addName(names, entry.name, rows);
+        entry.result = rows.cell(2);
+        entry.plainResult = readType(wglTypeOf, entry.result, rows).plain;
+        entry.parameters = parseParameters(wglTypeOf, rows.cell(3), rows);
+        entries.push_back(std::move(entry));
+    }
+    if (entries.size() != wglEntryPointCount)
+        rows.fail("the table ends at entry " + std::to_string(entries.size()) + " of " +
+                  std::to_string(wglEntryPointCount));
+    return entries;
 }
 
 std::vector<Token> readTokens(std::istream& in) {

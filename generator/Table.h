@@ -80,6 +80,14 @@ struct WglFunction {
     std::string parameters; // as one text: "HDC hDC, UINT uState"
 };
 
+/// A function of the WGL chain. It has no group, and its plain types are those of the platform's headers.
+struct WglEntryPoint : EntryPoint {
+    std::string function; // the platform's: "wglCopyContext", "SwapBuffers"
+};
+
+/// Number of entries of the WGL chain. wglRekorder.cpp has a form for each of them.
+inline constexpr std::size_t wglEntryPointCount = 20;
+
 struct Token {
     unsigned long value = 0;
     std::string name;
@@ -96,10 +104,15 @@ std::vector<EntryPoint> readEntryPoints(std::istream& in, const std::vector<Exte
 /// of functions given in `extensions`.
 std::vector<WglFunction> readWglFunctions(std::istream& in, const std::vector<Extension>& extensions);
 
+/// Reads wgl_entry_points.tsv. Checks the slots, the names, the types and the number of entries.
+std::vector<WglEntryPoint> readWglEntryPoints(std::istream& in);
+
 /// Reads gl_tokens.tsv: ascending 32-bit values, distinct names.
 std::vector<Token> readTokens(std::istream& in);
 
 /// The type of a parameter or result; throws std::invalid_argument on one that isn't known.
 Type typeOf(const std::string& gl);
+/// The same for a function of the WGL chain.
+Type wglTypeOf(const std::string& wgl);
 
 } // namespace generator

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <stdexcept>
+#include <string_view>
 
 namespace generator {
 
@@ -52,32 +53,68 @@ const std::map<std::string, Scalar>& scalars() {
     return table;
 }
 
+// The types of the platform's headers that the functions of the WGL chain take and return.
+constexpr std::string_view wglTypes[] = {"BOOL",
+                                         "DWORD",
+                                         "UINT",
+                                         "FLOAT",
+                                         "int",
+                                         "HDC",
+                                         "HGLRC",
+                                         "PROC",
+                                         "LPCSTR",
+                                         "LPGLYPHMETRICSFLOAT",
+                                         "LPLAYERPLANEDESCRIPTOR",
+                                         "COLORREF",
+                                         "WGLSWAP"};
+
+// "const GLubyte*" in its parts.
+struct Spelling {
+    explicit Spelling(const std::string& text)
+        : base(text.substr(0, text.find('*'))), stars(text.substr(base.size())),
+          isConst(base.starts_with("const ")) {
+        if (isConst)
+            base.erase(0, 6);
+    }
+    bool isSound() const {
+        return std::ranges::all_of(stars, [](char c) { return c == '*'; }) && (!isConst || !stars.empty());
+    }
+
+    std::string base;
+    std::string stars;
+    bool isConst;
+};
+
 } // namespace
 
 Type typeOf(const std::string& gl) {
-    const std::string::size_type star = gl.find('*');
-    std::string base = gl.substr(0, star);
-    const std::string stars = star == std::string::npos ? "" : gl.substr(star);
-    const bool isConst = base.starts_with("const ");
-    if (isConst)
-        base.erase(0, 6);
-    const auto found = scalars().find(base);
-    const bool starsOnly = std::ranges::all_of(stars, [](char c) { return c == '*'; });
-    if (found == scalars().end() || !starsOnly || (isConst && stars.empty()))
+    const Spelling spelling(gl);
+    const auto found = scalars().find(spelling.base);
+    if (found == scalars().end() || !spelling.isSound())
         throw std::invalid_argument("unknown type '" + gl + "'");
 
     const Scalar& scalar = found->second;
     Type type;
     type.gl = gl;
-    type.pointer = !stars.empty();
-    const bool halfPointer = base == "GLhalfNV" && type.pointer;
-    type.plain =
-        (isConst ? "const " : "") + std::string(halfPointer ? "unsigned short" : scalar.plain) + stars;
+    type.pointer = !spelling.stars.empty();
+    const bool halfPointer = spelling.base == "GLhalfNV" && type.pointer;
+    type.plain = (spelling.isConst ? "const " : "") +
+                 std::string(halfPointer ? "unsigned short" : scalar.plain) + spelling.stars;
     type.pointerTo64Bit = type.pointer && scalar.is64Bit;
     if (!type.pointer)
         type.form = scalar.byValue;
     else
-        type.form = stars == "*" && scalar.characterSized ? ValueForm::text : ValueForm::pointer;
+        type.form = spelling.stars == "*" && scalar.characterSized ? ValueForm::text : ValueForm::pointer;
+    return type;
+}
+
+Type wglTypeOf(const std::string& wgl) {
+    const Spelling spelling(wgl);
+    if (std::ranges::count(wglTypes, spelling.base) == 0 || !spelling.isSound())
+        throw std::invalid_argument("unknown type '" + wgl + "'");
+    Type type;
+    type.gl = type.plain = wgl;
+    type.pointer = !spelling.stars.empty();
     return type;
 }
 

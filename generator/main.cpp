@@ -20,9 +20,11 @@ void generate(const std::filesystem::path& tables, const std::filesystem::path& 
     std::ifstream entryRows = open(tables / "gl_entry_points.tsv");
     std::ifstream tokenRows = open(tables / "gl_tokens.tsv");
     std::ifstream wglRows = open(tables / "wgl_extension_functions.tsv");
+    std::ifstream wglEntryRows = open(tables / "wgl_entry_points.tsv");
     const std::vector<Extension> extensions = readExtensions(extensionRows);
     const std::vector<EntryPoint> entries = readEntryPoints(entryRows, extensions);
     const std::vector<WglFunction> wglFunctions = readWglFunctions(wglRows, extensions);
+    const std::vector<WglEntryPoint> wglEntries = readWglEntryPoints(wglEntryRows);
     const std::vector<Token> tokens = readTokens(tokenRows);
     const std::vector<Topic> topics = topicsOf(entries);
 
@@ -32,11 +34,13 @@ void generate(const std::filesystem::path& tables, const std::filesystem::path& 
     emitFunctionTable(entries, headers);
     emitEntryNumbers(entries, headers);
     emitExtensionHeaders(extensions, headers);
+    emitWglDeclarations(wglEntries, headers / "win");
 
     const std::filesystem::path sources = output / "src" / "extensionator";
     emitExtensionLoading(extensions, topics, sources);
     emitWglFunctions(extensions, wglFunctions, headers / "win", sources);
     emitErrorChecker(topics, sources);
+    emitWglErrorChecker(wglEntries, sources / "win");
     emitTracer(topics, sources);
     checkRekorderSplit(entries);
     emitRekorder(topics, sources);

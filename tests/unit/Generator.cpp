@@ -32,17 +32,20 @@ const char* const entryPoints = "gl_entry_points.tsv";
 const char* const extensions = "extensions.tsv";
 const char* const tokens = "gl_tokens.tsv";
 const char* const wglFunctions = "wgl_extension_functions.tsv";
+const char* const wglEntryPoints = "wgl_entry_points.tsv";
 
 // Reads all tables, with `rows` in the place of one of them; "" when all of it is right.
 std::string errorOf(const std::string& table, const Rows& rows) {
     const auto stream = [&](const char* name) { return streamOf(name == table ? rows : readRows(name)); };
     std::istringstream extensionRows = stream(extensions), entryRows = stream(entryPoints),
-                       tokenRows = stream(tokens), wglRows = stream(wglFunctions);
+                       tokenRows = stream(tokens), wglRows = stream(wglFunctions),
+                       wglEntryRows = stream(wglEntryPoints);
     try {
         const std::vector<Extension> known = readExtensions(extensionRows);
         readEntryPoints(entryRows, known);
         readTokens(tokenRows);
         readWglFunctions(wglRows, known);
+        readWglEntryPoints(wglEntryRows);
     } catch (const TableError& error) {
         return error.what();
     }
@@ -86,6 +89,12 @@ const Damage damages[] = {
      "'GL_ARB_multitexture' is not the WGL extension of value 331"},
     {wglFunctions, 3, 3, "createBufferRegionARB", "'createBufferRegionARB' does not begin with wgl"},
     {wglFunctions, 4, 3, "wglCreateBufferRegionARB", "the name 'wglCreateBufferRegionARB' stands twice"},
+    {wglEntryPoints, 4, 0, "3", "virtual slot 3 instead of 2"},
+    {wglEntryPoints, 13, 1, "wglCopyContext", "the name 'CopyContext' stands twice"},
+    {wglEntryPoints, 13, 1, "wgl", "'' is not a name"},
+    {wglEntryPoints, 2, 2, "GLboolean", "unknown type 'GLboolean'"},
+    {wglEntryPoints, 17, 3, "HDC device, const COLORREF colors", "unknown type 'const COLORREF'"},
+    {wglEntryPoints, 3, 3, "HDC device, HDC device", "two parameters are named 'device'"},
 };
 
 std::string place(const std::string& table, std::size_t row) {
@@ -123,6 +132,14 @@ TEST(Table, StopsWhereAGroupIsCutShortOrRunsOver) {
     rows.pop_back();
     EXPECT_EQ(place(wglFunctions, 96) + "'WGL_OML_sync_control' has 5 functions instead of 6",
               errorOf(wglFunctions, rows));
+
+    rows = readRows(wglEntryPoints);
+    rows.push_back("20\twglNext\tBOOL\t");
+    EXPECT_EQ(place(wglEntryPoints, 22) + "more than 20 entries: a new one needs its form in "
+                                          "wglRekorder.cpp, and the number in Table.h",
+              errorOf(wglEntryPoints, rows));
+    rows.resize(20);
+    EXPECT_EQ(place(wglEntryPoints, 21) + "the table ends at entry 19 of 20", errorOf(wglEntryPoints, rows));
 }
 
 struct Change {

@@ -39,39 +39,9 @@ public:
     /// @return null, and nothing is changed, when only the checker is there or nothing at all
     wglInterceptorDecorator* popInterceptor();
 
-    virtual BOOL wcgmCopyContext(const char* file, unsigned int line, HGLRC source, HGLRC destination,
-                                 UINT mask) = 0;
-    virtual HGLRC wcgmCreateContext(const char* file, unsigned int line, HDC device) = 0;
-    virtual HGLRC wcgmCreateLayerContext(const char* file, unsigned int line, HDC device, int layer) = 0;
-    virtual BOOL wcgmDeleteContext(const char* file, unsigned int line, HGLRC context) = 0;
-    virtual HGLRC wcgmGetCurrentContext(const char* file, unsigned int line) = 0;
-    virtual HDC wcgmGetCurrentDC(const char* file, unsigned int line) = 0;
-    virtual PROC wcgmGetProcAddress(const char* file, unsigned int line, LPCSTR name) = 0;
-    virtual BOOL wcgmMakeCurrent(const char* file, unsigned int line, HDC device, HGLRC context) = 0;
-    virtual BOOL wcgmShareLists(const char* file, unsigned int line, HGLRC first, HGLRC second) = 0;
-    virtual BOOL wcgmUseFontBitmapsA(const char* file, unsigned int line, HDC device, DWORD first,
-                                     DWORD count, DWORD listBase) = 0;
-    virtual BOOL wcgmUseFontBitmapsW(const char* file, unsigned int line, HDC device, DWORD first,
-                                     DWORD count, DWORD listBase) = 0;
-    virtual BOOL wcgmSwapBuffers(const char* file, unsigned int line, HDC device) = 0;
-    virtual BOOL wcgmUseFontOutlinesA(const char* file, unsigned int line, HDC device, DWORD first,
-                                      DWORD count, DWORD listBase, FLOAT deviation, FLOAT extrusion,
-                                      int format, LPGLYPHMETRICSFLOAT metrics) = 0;
-    virtual BOOL wcgmUseFontOutlinesW(const char* file, unsigned int line, HDC device, DWORD first,
-                                      DWORD count, DWORD listBase, FLOAT deviation, FLOAT extrusion,
-                                      int format, LPGLYPHMETRICSFLOAT metrics) = 0;
-    virtual BOOL wcgmDescribeLayerPlane(const char* file, unsigned int line, HDC device, int pixelFormat,
-                                        int layer, UINT size, LPLAYERPLANEDESCRIPTOR descriptor) = 0;
-    virtual int wcgmSetLayerPaletteEntries(const char* file, unsigned int line, HDC device, int layer,
-                                           int start, int count, const COLORREF* colors) = 0;
-    virtual int wcgmGetLayerPaletteEntries(const char* file, unsigned int line, HDC device, int layer,
-                                           int start, int count, COLORREF* colors) = 0;
-    virtual BOOL wcgmRealizeLayerPalette(const char* file, unsigned int line, HDC device, int layer,
-                                         BOOL realize) = 0;
-    virtual BOOL wcgmSwapLayerBuffers(const char* file, unsigned int line, HDC device, UINT planes) = 0;
-    virtual DWORD wcgmSwapMultipleBuffers(const char* file, unsigned int line, UINT count,
-                                          const WGLSWAP* buffers) = 0;
+#include "extensionator/win/wglInterceptorEntries.inl"
 
+    // The last virtual slot, behind all entries.
     virtual ~wglInterceptor();
 
 protected:
