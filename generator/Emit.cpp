@@ -86,4 +86,11 @@ std::vector<std::string> glParameters(const EntryPoint& entry) {
     return parts;
 }
 
+std::string loading(const std::vector<std::string>& loads) {
+    std::string text;
+    for (const std::string& load : loads)
+        text += (text.empty() ? "    bool complete = " : "    complete &= ") + load + ";\n";
+    return text + "    return complete;\n";
+}
+
 } // namespace generator

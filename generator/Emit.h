@@ -46,6 +46,8 @@ std::vector<std::string> chainArguments(const EntryPoint& entry);
 void addArguments(std::vector<std::string>& parts, const EntryPoint& entry, const std::string& last);
 /// "    out << a << b << c;", broken in front of "<<" where the line would grow past the column limit.
 std::string insertions(const std::vector<std::string>& parts);
+/// The last lines of a loader: the calls of load(), and the result, whether all were successful.
+std::string loading(const std::vector<std::string>& loads);
 /// The first line of the entry's override in the class `layer`, with the opening brace.
 std::string layerHead(const EntryPoint& entry, const std::string& layer);
 /// The last lines of it: the call of the next layer, and the closing brace.
@@ -59,7 +61,9 @@ void emitDeclarations(const std::vector<EntryPoint>& entries, const std::filesys
 void emitFunctionTable(const std::vector<EntryPoint>& entries, const std::filesystem::path& directory);
 /// Extension.h: the enumeration. ExtensionLoaders.inl: the loaders' declarations.
 void emitExtensionHeaders(const std::vector<Extension>& extensions, const std::filesystem::path& directory);
-/// ExtensionNames.inl, ExtensionLoading_*.cpp, ExtensionCases.inl: what the extension manager looks up.
+/// ExtensionNames.inl, ExtensionCases.inl: what the extension manager looks up.
+void emitExtensionNames(const std::vector<Extension>& extensions, const std::filesystem::path& directory);
+/// ExtensionLoading_*.cpp: the loaders.
 void emitExtensionLoading(const std::vector<Extension>& extensions, const std::vector<Topic>& topics,
                           const std::filesystem::path& directory);
 /// WglFunctions.h among the headers; WglFunctions.inl and WglCases.inl among the sources.
@@ -99,8 +103,9 @@ void emitTokenHeader(const std::vector<Token>& tokens, const std::filesystem::pa
 void emitTokens(const std::vector<Token>& tokens, const std::filesystem::path& directory);
 /// EntryPoints.inl: one macro call for each entry, for fakes and sweeps.
 void emitEntryRows(const std::vector<EntryPoint>& entries, const std::filesystem::path& directory);
-/// Extensions.inl and WglEntryPoints.inl: the same for extensions and WGL functions.
-void emitExtensionRows(const std::vector<Extension>& extensions, const std::vector<WglFunction>& functions,
-                       const std::filesystem::path& directory);
+/// Extensions.inl: the same for extensions.
+void emitExtensionRows(const std::vector<Extension>& extensions, const std::filesystem::path& directory);
+/// WglEntryPoints.inl: the same for the functions of the WGL extensions.
+void emitWglRows(const std::vector<WglFunction>& functions, const std::filesystem::path& directory);
 
 } // namespace generator

@@ -37,6 +37,7 @@ void generate(const std::filesystem::path& tables, const std::filesystem::path& 
     emitWglDeclarations(wglEntries, headers / "win");
 
     const std::filesystem::path sources = output / "src" / "extensionator";
+    emitExtensionNames(extensions, sources);
     emitExtensionLoading(extensions, topics, sources);
     emitWglFunctions(extensions, wglFunctions, headers / "win", sources);
     emitErrorChecker(topics, sources);
@@ -52,7 +53,8 @@ void generate(const std::filesystem::path& tables, const std::filesystem::path& 
     emitTokens(tokens, sources);
     emitTokenHeader(tokens, headers);
     emitEntryRows(entries, output / "tests");
-    emitExtensionRows(extensions, wglFunctions, output / "tests");
+    emitExtensionRows(extensions, output / "tests");
+    emitWglRows(wglFunctions, output / "tests");
 }
 
 } // namespace
