@@ -27,7 +27,9 @@ std::string enumeration(const std::vector<Extension>& extensions) {
     for (const Extension& extension : extensions)
         text += "    " + extension.enumerator() + " = " + std::to_string(extension.value) + ",\n";
     text += "    /// The answer for a name that isn't known.\n"
-            "    EXTENSION_NOT_FOUND = 416,\n"
+            "    EXTENSION_NOT_FOUND = " +
+            std::to_string(extensionNotFound) +
+            ",\n"
             "};\n\n} // namespace ZLT::OGL\n";
     return text;
 }

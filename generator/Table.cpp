@@ -89,6 +89,24 @@ void addName(std::set<std::string>& names, const std::string& name, const Rows& 
         rows.fail("the name '" + name + "' stands twice");
 }
 
+// A number that is part of the library's interface, and what it stands for. The last of each kind is enough:
+// a row that is put in or taken out anywhere before moves it.
+struct Fixed {
+    std::size_t number;
+    const char* name;
+};
+constexpr Fixed lastVersion = {6, "GL_VERSION_3_0"};
+constexpr Fixed lastValueOfGL = {328, "GL_WIN_swap_hint"};
+constexpr Fixed lastValueOfWGL = {367, "WGL_OML_sync_control"};
+constexpr Fixed lastSlot = {1832, "AddSwapHintRectWIN"};
+
+void checkFixed(const Fixed& fixed, const char* what, std::size_t number, const std::string& name,
+                const Rows& rows) {
+    if (number == fixed.number && name != fixed.name)
+        rows.fail(what + (" " + std::to_string(number)) + " is '" + name + "' instead of '" + fixed.name +
+                  "': rows were put in or taken out above, but new ones belong at the end");
+}
+
 using TypeReader = Type (*)(const std::string& text);
 
 Type readType(TypeReader read, const std::string& text, const Rows& rows) {
@@ -115,8 +133,10 @@ Parameter parseParameter(TypeReader read, const std::string& text, const Rows& r
     }
     if (!isIdentifier(parameter.name))
         rows.fail("'" + parameter.name + "' is not a parameter name");
-    // The chain puts its own two in front.
-    if (parameter.name == "file" || parameter.name == "line")
+    // The first two are the chain's own, the next three stand in the generated functions, and the last two
+    // are macros on Windows.
+    static const std::set<std::string> taken = {"file", "line", "out", "comma", "closing", "near", "far"};
+    if (taken.contains(parameter.name))
         rows.fail("the parameter name '" + parameter.name + "' is taken");
     parameter.type = readType(read, type, rows);
     if (parameter.type.plain == "void")
@@ -153,8 +173,11 @@ public:
             seen_ = 0;
         }
         if (current_ == groups_.size())
-            rows.fail("more entries than the groups have");
+            rows.fail("more entries than extensions.tsv gives the groups");
         const Group& expected = groups_[current_];
+        if (seen_ == 0 && current_ > 0 && group == groups_[current_ - 1].name)
+            rows.fail("'" + group + "' has more entries than the " +
+                      std::to_string(groups_[current_ - 1].count) + " that extensions.tsv gives it");
         if (group != expected.name)
             rows.fail("group '" + group + "' where entry " + std::to_string(seen_ + 1) + " of " +
                       std::to_string(expected.count) + " of '" + expected.name + "' is due");
@@ -200,9 +223,25 @@ std::vector<Extension> readExtensions(std::istream& in) {
         extension.entryPoints = rows.number(2);
         if (extension.value != extensions.size())
             rows.fail("value " + rows.cell(0) + " instead of " + std::to_string(extensions.size()));
+        if (extension.value >= extensionNotFound)
+            rows.fail("value " + rows.cell(0) + " is not below " + std::to_string(extensionNotFound) +
+                      ", which stands for names that aren't known");
         addName(names, extension.name, rows);
+        if (!extension.name.starts_with("GL_") && !extension.isWgl())
+            rows.fail("'" + extension.name + "' begins neither with GL_ nor with WGL_");
+        for (const Fixed& fixed : {lastVersion, lastValueOfGL, lastValueOfWGL})
+            checkFixed(fixed, "value", extension.value, extension.name, rows);
+        if (extension.name.starts_with("GL_VERSION_") && extension.value > lastVersion.number)
+            rows.fail("'" + extension.name +
+                      "' is a version that ExtensionManager::loadVersions() never loads");
+        // The GL headers define the names of extensions as macros, and the enumerators are in capitals.
+        if (extension.enumerator() == extension.name)
+            rows.fail("'" + extension.name + "' has no small letter");
+        addName(names, extension.enumerator(), rows);
         extensions.push_back(std::move(extension));
     }
+    if (extensions.size() <= lastValueOfWGL.number)
+        rows.fail("the table ends in front of '" + std::string(lastValueOfWGL.name) + "'");
     return extensions;
 }
 
@@ -223,11 +262,17 @@ std::vector<EntryPoint> readEntryPoints(std::istream& in, const std::vector<Exte
             rows.fail("table slot " + rows.cell(1) + " instead of " + tableSlot);
         entry.name = rows.cell(3);
         addName(names, entry.name, rows);
+        if (entry.name.starts_with("gl"))
+            rows.fail("'" + entry.name + "' is not a name without gl in front");
+        checkFixed(lastSlot, "virtual slot", entry.slot, entry.name, rows);
         if (entry.isCore11() && !entries.empty() && entry.name < entries.back().name)
             rows.fail("'" + entry.name + "' stands after '" + entries.back().name + "'");
         entry.result = rows.cell(4);
         entry.plainResult = readType(typeOf, entry.result, rows).plain;
         entry.parameters = parseParameters(typeOf, rows.cell(5), rows);
+        // The checker keeps it under this name.
+        if (entry.hasResult() && std::ranges::count(entry.parameters, "result", &Parameter::name))
+            rows.fail("the parameter name 'result' is taken");
         entries.push_back(std::move(entry));
     }
     groups.finish(rows);
@@ -256,6 +301,8 @@ std::vector<WglFunction> readWglFunctions(std::istream& in, const std::vector<Ex
         if (!function.name.starts_with("wgl"))
             rows.fail("'" + function.name + "' does not begin with wgl");
         function.name.erase(0, 3);
+        readType(wglTypeOf, function.result, rows);
+        parseParameters(wglTypeOf, function.parameters, rows);
         ++counts[function.extension];
         functions.push_back(std::move(function));
     }

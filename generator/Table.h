@@ -60,6 +60,9 @@ struct EntryPoint {
 /// Number of entries linked by name; the slots of the function table count from there.
 inline constexpr std::size_t core11Count = 336;
 
+/// The value that stands for a name that isn't known; those of extensions are smaller.
+inline constexpr unsigned extensionNotFound = 416;
+
 struct Extension {
     unsigned value = 0;
     std::string name;
@@ -93,15 +96,17 @@ struct Token {
     std::string name;
 };
 
-/// Reads extensions.tsv: ascending values, distinct names.
+/// Reads extensions.tsv: ascending values, distinct names. Values are part of the library's interface, so the
+/// ones that were given stay, and what is new stands at the end.
 std::vector<Extension> readExtensions(std::istream& in);
 
 /// Reads gl_entry_points.tsv. Checks the order, the slots, the names, the types, and that each group stands
-/// in the order of `extensions` with the number of entries given there.
+/// in the order of `extensions` with the number of entries given there. As with the values of extensions,
+/// slots that were given stay.
 std::vector<EntryPoint> readEntryPoints(std::istream& in, const std::vector<Extension>& extensions);
 
-/// Reads wgl_extension_functions.tsv. Checks the order and the names, and that each extension has the number
-/// of functions given in `extensions`.
+/// Reads wgl_extension_functions.tsv. Checks the order, the names and the types, and that each extension has
+/// the number of functions given in `extensions`.
 std::vector<WglFunction> readWglFunctions(std::istream& in, const std::vector<Extension>& extensions);
 
 /// Reads wgl_entry_points.tsv. Checks the slots, the names, the types and the number of entries.
@@ -112,7 +117,7 @@ std::vector<Token> readTokens(std::istream& in);
 
 /// The type of a parameter or result; throws std::invalid_argument on one that isn't known.
 Type typeOf(const std::string& gl);
-/// The same for a function of the WGL chain.
+/// The same for a function of WGL.
 Type wglTypeOf(const std::string& wgl);
 
 } // namespace generator

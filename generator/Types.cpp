@@ -53,20 +53,42 @@ const std::map<std::string, Scalar>& scalars() {
     return table;
 }
 
-// The types of the platform's headers that the functions of the WGL chain take and return.
-constexpr std::string_view wglTypes[] = {"BOOL",
+// The types of the platform's headers and of GL that functions of WGL take and return.
+constexpr std::string_view wglTypes[] = {"void",
+                                         "char",
+                                         "int",
+                                         "unsigned int",
+                                         "unsigned long",
+                                         "float",
+                                         "BOOL",
                                          "DWORD",
                                          "UINT",
+                                         "INT",
+                                         "INT32",
+                                         "INT64",
+                                         "USHORT",
                                          "FLOAT",
-                                         "int",
+                                         "HANDLE",
                                          "HDC",
                                          "HGLRC",
                                          "PROC",
                                          "LPCSTR",
+                                         "LPVOID",
+                                         "COLORREF",
+                                         "WGLSWAP",
                                          "LPGLYPHMETRICSFLOAT",
                                          "LPLAYERPLANEDESCRIPTOR",
-                                         "COLORREF",
-                                         "WGLSWAP"};
+                                         "HPBUFFERARB",
+                                         "HPBUFFEREXT",
+                                         "HGPUNV",
+                                         "PGPU_DEVICE",
+                                         "HPVIDEODEV",
+                                         "HVIDEOOUTPUTDEVICENV",
+                                         "GLboolean",
+                                         "GLushort",
+                                         "GLuint",
+                                         "GLsizei",
+                                         "GLfloat"};
 
 // "const GLubyte*" in its parts.
 struct Spelling {

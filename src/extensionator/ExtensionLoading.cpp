@@ -6,6 +6,7 @@
 #include "zlt/core/Memory.h"
 #include "zlt/core/memory/ZLTDeleter.h"
 
+#include <algorithm>
 #include <cstring>
 #include <iterator>
 #include <locale>
@@ -19,8 +20,6 @@ namespace {
 constexpr std::string_view extensionNames[] = {
 #include "extensionator/ExtensionNames.inl"
 };
-constexpr unsigned int firstWgl = WGL_3DFX_MULTISAMPLE;
-static_assert(std::size(extensionNames) == WGL_OML_SYNC_CONTROL + 1);
 
 String driverString(GLenum name) {
     const auto* text = reinterpret_cast<const char*>(glGetString(name));
@@ -54,13 +53,13 @@ void extract(const String& text, Number& value) {
     in >> value;
 }
 
-// `from` and up to `end`: the value of the exact name among them.
-teExtension valueOf(const char* name, unsigned int from, unsigned int end) {
-    const std::string_view wanted = name;
-    for (unsigned int value = from; value < end; ++value)
-        if (extensionNames[value] == wanted)
-            return teExtension(value);
-    return EXTENSION_NOT_FOUND;
+// The value of the exact name; `kind` is what it must begin with. Those of a kind don't all stand together.
+teExtension valueOf(std::string_view name, std::string_view kind) {
+    if (!name.starts_with(kind))
+        return EXTENSION_NOT_FOUND;
+    const auto* const found = std::ranges::find(extensionNames, name);
+    return found == std::end(extensionNames) ? EXTENSION_NOT_FOUND
+                                             : teExtension(found - std::begin(extensionNames));
 }
 
 } // namespace
@@ -161,11 +160,9 @@ void ExtensionManager::TokenizeExtensionString(const String& extensions,
     }
 }
 
-teExtension ExtensionManager::nameToEnumGL(const char* name) { return valueOf(name, 0, firstWgl); }
+teExtension ExtensionManager::nameToEnumGL(const char* name) { return valueOf(name, "GL_"); }
 
-teExtension ExtensionManager::nameToEnumWGL(const char* name) {
-    return valueOf(name, firstWgl, static_cast<unsigned int>(std::size(extensionNames)));
-}
+teExtension ExtensionManager::nameToEnumWGL(const char* name) { return valueOf(name, "WGL_"); }
 
 bool ExtensionManager::initializeGL(teExtension extension) {
     switch (extension) {

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <map>
 #include <sstream>
 
 using namespace generator;
@@ -34,9 +35,12 @@ const char* const tokens = "gl_tokens.tsv";
 const char* const wglFunctions = "wgl_extension_functions.tsv";
 const char* const wglEntryPoints = "wgl_entry_points.tsv";
 
-// Reads all tables, with `rows` in the place of one of them; "" when all of it is right.
-std::string errorOf(const std::string& table, const Rows& rows) {
-    const auto stream = [&](const char* name) { return streamOf(name == table ? rows : readRows(name)); };
+// Reads all tables, with `changed` in the place of some of them; "" when all of it is right.
+std::string errorOf(const std::map<std::string, Rows>& changed) {
+    const auto stream = [&](const char* name) {
+        const auto found = changed.find(name);
+        return streamOf(found == changed.end() ? readRows(name) : found->second);
+    };
     std::istringstream extensionRows = stream(extensions), entryRows = stream(entryPoints),
                        tokenRows = stream(tokens), wglRows = stream(wglFunctions),
                        wglEntryRows = stream(wglEntryPoints);
@@ -78,6 +82,8 @@ const Damage damages[] = {
     {entryPoints, 3, 5, "GLenum", "'GLenum' is not a type and a name"},
     {entryPoints, 3, 5, "GLenum f, GLint f", "two parameters are named 'f'"},
     {entryPoints, 3, 5, "GLenum file", "the parameter name 'file' is taken"},
+    {entryPoints, 4, 5, "GLsizei n, GLuint* result", "the parameter name 'result' is taken"},
+    {entryPoints, 400, 3, "glArc", "'glArc' is not a name without gl in front"},
     {extensions, 4, 0, "3", "value 3 instead of 2"},
     {tokens, 3, 0, "0x", "'0x' is not a 32-bit number"},
     {tokens, 3, 0, "0x0", "value 0x0 does not follow the row before it"},
@@ -89,10 +95,11 @@ const Damage damages[] = {
      "'GL_ARB_multitexture' is not the WGL extension of value 331"},
     {wglFunctions, 3, 3, "createBufferRegionARB", "'createBufferRegionARB' does not begin with wgl"},
     {wglFunctions, 4, 3, "wglCreateBufferRegionARB", "the name 'wglCreateBufferRegionARB' stands twice"},
+    {wglFunctions, 2, 5, "HDC hDC, HFOO uState", "unknown type 'HFOO'"},
     {wglEntryPoints, 4, 0, "3", "virtual slot 3 instead of 2"},
     {wglEntryPoints, 13, 1, "wglCopyContext", "the name 'CopyContext' stands twice"},
     {wglEntryPoints, 13, 1, "wgl", "'' is not a name"},
-    {wglEntryPoints, 2, 2, "GLboolean", "unknown type 'GLboolean'"},
+    {wglEntryPoints, 2, 2, "GLint", "unknown type 'GLint'"},
     {wglEntryPoints, 17, 3, "HDC device, const COLORREF colors", "unknown type 'const COLORREF'"},
     {wglEntryPoints, 3, 3, "HDC device, HDC device", "two parameters are named 'device'"},
 };
@@ -109,37 +116,174 @@ TEST(Table, StopsAtADamagedCellWithTheRowAndTheReason) {
         for (std::size_t i = 0; i < damage.column; ++i)
             begin = row.find('\t', begin) + 1;
         row.replace(begin, std::min(row.find('\t', begin), row.size()) - begin, damage.cell);
-        EXPECT_EQ(place(damage.table, damage.row) + damage.message, errorOf(damage.table, rows));
+        EXPECT_EQ(place(damage.table, damage.row) + damage.message, errorOf({{damage.table, rows}}));
     }
 }
 
 TEST(Table, StopsWhereAGroupIsCutShortOrRunsOver) {
     Rows rows = readRows(entryPoints);
-    EXPECT_EQ("", errorOf(entryPoints, rows));
+    EXPECT_EQ("", errorOf({{entryPoints, rows}}));
     rows.push_back("1833\t1497\tGL_WIN_swap_hint\tNext\tvoid\t");
-    EXPECT_EQ(place(entryPoints, 1835) + "more entries than the groups have", errorOf(entryPoints, rows));
+    EXPECT_EQ(place(entryPoints, 1835) + "more entries than extensions.tsv gives the groups",
+              errorOf({{entryPoints, rows}}));
     rows.resize(1833);
     EXPECT_EQ(place(entryPoints, 1834) + "the table ends at entry 1 of 'GL_SUNX_constant_data'",
-              errorOf(entryPoints, rows));
+              errorOf({{entryPoints, rows}}));
 
     rows = readRows(wglFunctions);
     std::swap(rows[1], rows[2]);
     rows[1][0] = '0';
     rows[2][0] = '1';
     EXPECT_EQ(place(wglFunctions, 3) + "'WGL_3DL_stereo_control' stands too late",
-              errorOf(wglFunctions, rows));
+              errorOf({{wglFunctions, rows}}));
     rows = readRows(wglFunctions);
     rows.pop_back();
     EXPECT_EQ(place(wglFunctions, 96) + "'WGL_OML_sync_control' has 5 functions instead of 6",
-              errorOf(wglFunctions, rows));
+              errorOf({{wglFunctions, rows}}));
 
     rows = readRows(wglEntryPoints);
     rows.push_back("20\twglNext\tBOOL\t");
     EXPECT_EQ(place(wglEntryPoints, 22) + "more than 20 entries: a new one needs its form in "
                                           "wglRekorder.cpp, and the number in Table.h",
-              errorOf(wglEntryPoints, rows));
+              errorOf({{wglEntryPoints, rows}}));
     rows.resize(20);
-    EXPECT_EQ(place(wglEntryPoints, 21) + "the table ends at entry 19 of 20", errorOf(wglEntryPoints, rows));
+    EXPECT_EQ(place(wglEntryPoints, 21) + "the table ends at entry 19 of 20",
+              errorOf({{wglEntryPoints, rows}}));
+}
+
+// Rows at the end of the tables, or above, with slots and values as they should be there.
+struct Addition {
+    const char* name;
+    std::vector<std::string> extensions;
+    std::vector<std::string> entryPoints;
+    void (*change)(Rows& extensions, Rows& entryPoints);
+    std::string message; // "" when the tables are right
+};
+
+// Moves the number in a row's first columns.
+void renumber(Rows& rows, std::size_t from, std::size_t columns) {
+    for (std::size_t i = from; i < rows.size(); ++i) {
+        std::size_t begin = 0;
+        for (std::size_t column = 0; column < columns; ++column) {
+            const std::size_t end = rows[i].find('\t', begin);
+            const std::string number = std::to_string(std::stoul(rows[i].substr(begin, end - begin)) + 1);
+            rows[i].replace(begin, end - begin, number);
+            begin += number.size() + 1;
+        }
+    }
+}
+
+const std::string move = ": rows were put in or taken out above, but new ones belong at the end";
+
+const Addition additions[] = {
+    {"a group of GL behind those of WGL",
+     {"368\tGL_KHR_paths\t2"},
+     {"1833\t1497\tGL_KHR_paths\tArcKHR\tvoid\tGLfloat angle",
+      "1834\t1498\tGL_KHR_paths\tIsArcKHR\tGLboolean\tGLuint arc"},
+     nullptr,
+     ""},
+    {"groups of GL and WGL without functions",
+     {"368\tGL_ARB_paths\t0", "369\tWGL_ARB_paths\t0"},
+     {},
+     nullptr,
+     ""},
+    {"a function too few",
+     {"368\tGL_KHR_paths\t2"},
+     {"1833\t1497\tGL_KHR_paths\tArcKHR\tvoid\t"},
+     nullptr,
+     place(entryPoints, 1836) + "the table ends at entry 1 of 'GL_KHR_paths'"},
+    {"a function of a group that isn't there",
+     {},
+     {"1833\t1497\tGL_KHR_paths\tArcKHR\tvoid\t"},
+     nullptr,
+     place(entryPoints, 1835) + "more entries than extensions.tsv gives the groups"},
+    {"an extension in the order of the names",
+     {},
+     {},
+     [](Rows& extensions, Rows&) {
+         renumber(extensions, 24, 1);
+         extensions.insert(extensions.begin() + 24, "23\tGL_ARB_a\t0");
+     },
+     place(extensions, 330) + "value 328 is 'GL_WIN_specular_fog' instead of 'GL_WIN_swap_hint'" + move},
+    {"an extension in front of those of WGL",
+     {},
+     {},
+     [](Rows& extensions, Rows&) {
+         renumber(extensions, 330, 1);
+         extensions.insert(extensions.begin() + 330, "329\tGL_WIN_z\t0");
+     },
+     place(extensions, 369) + "value 367 is 'WGL_NV_video_output' instead of 'WGL_OML_sync_control'" + move},
+    {"an extension of neither GL nor WGL",
+     {"368\tGLX_KHR_paths\t0"},
+     {},
+     nullptr,
+     place(extensions, 370) + "'GLX_KHR_paths' begins neither with GL_ nor with WGL_"},
+    {"a version that isn't loaded",
+     {"368\tGL_VERSION_3_1\t0"},
+     {},
+     nullptr,
+     place(extensions, 370) +
+         "'GL_VERSION_3_1' is a version that ExtensionManager::loadVersions() never loads"},
+    {"an extension that is there",
+     {"368\tGL_ARB_sync\t0"},
+     {},
+     nullptr,
+     place(extensions, 370) + "the name 'GL_ARB_sync' stands twice"},
+    {"an extension whose enumerator is there",
+     {"368\tGL_ARB_Sync\t0"},
+     {},
+     nullptr,
+     place(extensions, 370) + "the name 'GL_ARB_SYNC' stands twice"},
+    {"an extension whose enumerator is a macro of GL",
+     {"368\tGL_ARB_SYNC2\t0"},
+     {},
+     nullptr,
+     place(extensions, 370) + "'GL_ARB_SYNC2' has no small letter"},
+    {"a table without its end",
+     {},
+     {},
+     [](Rows& extensions, Rows&) { extensions.pop_back(); },
+     place(extensions, 369) + "the table ends in front of 'WGL_OML_sync_control'"},
+    {"an entry more than its group has",
+     {},
+     {},
+     [](Rows&, Rows& entryPoints) {
+         renumber(entryPoints, 341, 2);
+         entryPoints.insert(entryPoints.begin() + 341, "340\t4\tGL_VERSION_1_2\tArc\tvoid\t");
+     },
+     place(entryPoints, 342) + "'GL_VERSION_1_2' has more entries than the 4 that extensions.tsv gives it"},
+    {"an entry in a group above",
+     {},
+     {},
+     [](Rows& extensions, Rows& entryPoints) {
+         extensions[1].back() = '5';
+         renumber(entryPoints, 341, 2);
+         entryPoints.insert(entryPoints.begin() + 341, "340\t4\tGL_VERSION_1_2\tArc\tvoid\t");
+     },
+     place(entryPoints, 1834) + "virtual slot 1832 is 'FinishTextureSUNX' instead of 'AddSwapHintRectWIN'" +
+         move},
+    {"an entry that is there",
+     {"368\tGL_KHR_paths\t1"},
+     {"1833\t1497\tGL_KHR_paths\tBegin\tvoid\t"},
+     nullptr,
+     place(entryPoints, 1835) + "the name 'Begin' stands twice"},
+};
+
+TEST(Table, TakesWhatIsNewAtItsEndAlone) {
+    for (const Addition& addition : additions) {
+        SCOPED_TRACE(addition.name);
+        Rows extensionRows = readRows(extensions), entryRows = readRows(entryPoints);
+        extensionRows.insert(extensionRows.end(), addition.extensions.begin(), addition.extensions.end());
+        entryRows.insert(entryRows.end(), addition.entryPoints.begin(), addition.entryPoints.end());
+        if (addition.change)
+            addition.change(extensionRows, entryRows);
+        EXPECT_EQ(addition.message, errorOf({{extensions, extensionRows}, {entryPoints, entryRows}}));
+    }
+    Rows rows = readRows(extensions);
+    for (std::size_t value = rows.size() - 1; value <= 416; ++value)
+        rows.push_back(std::to_string(value) + "\tGL_ARB_a" + std::to_string(value) + "\t0");
+    EXPECT_EQ(place(extensions, 418) + "value 416 is not below 416, which stands for names that aren't known",
+              errorOf({{extensions, rows}}));
 }
 
 struct Change {
