@@ -54,6 +54,7 @@ public:
 
 void record(const std::string& name, const std::filesystem::path& folder) {
     std::ofstream text = create(folder / "recording.inl");
+    text.precision(17); // the digits that a double needs to come back as it was
     std::ofstream data = create(folder / "recording.bin");
     std::ofstream trace = create(folder / "trace.txt");
     PlainWindow window(width, height);
