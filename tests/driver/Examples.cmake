@@ -56,3 +56,7 @@ zlt_example_test(adopt_glfw x11 "main\\.cpp:[0-9]+: GL_INVALID_ENUM, invalid enu
 add_test(NAME driver.existing_program COMMAND ${CMAKE_COMMAND}
   -DXVFB_RUN=${XVFB_RUN} -DPROGRAM=$<TARGET_FILE:rings> -DTRACE=${CMAKE_CURRENT_BINARY_DIR}/rings.txt
   -P ${CMAKE_CURRENT_SOURCE_DIR}/ExistingProgram.cmake)
+# A program that records itself, on a context that GLX made.
+add_test(NAME driver.record_glut COMMAND ${CMAKE_COMMAND}
+  -DXVFB_RUN=${XVFB_RUN} -DPROGRAM=$<TARGET_FILE:record_glut> -DFOLDER=${CMAKE_CURRENT_BINARY_DIR}/record_glut
+  -P ${CMAKE_CURRENT_SOURCE_DIR}/RecordGlut.cmake)
