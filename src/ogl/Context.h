@@ -101,7 +101,8 @@ protected:
     /// Then the calling thread's current context is again what it was.
     /// @param share  the context to share with, or null
     /// @throws InternalException "ContextWindowed::ctor invalid DC on window" for a null `hdc`
-    /// @throws LogicalException with the message of the step that failed; nothing is left behind then
+    /// @throws LogicalException with the message of the step that failed. What was made is destroyed then, but
+    ///         for a rendering context that the driver refused to share; a pixel format stays set
     void initialize(HDC hdc, const BufferFormat& format, teBuffering buffering, teMultisample multisample,
                     const Context* share);
     /// Releases what is current, deletes the rendering context, and makes the other one current again.
