@@ -4,7 +4,7 @@
 
 /// @file
 /// The four forms of enforcement, active in every build. Each throws `ZLT::InternalException` whose message
-/// is the source text of the rule, with the file and line of the test itself.
+/// is the source text of the rule, with the file and line of the check itself.
 ///
 ///     ZLT_ASSERT(!isInitialized_)          "!isInitialized_"
 ///     ZLT_ENFORCE(poTex != NULL)           "Enforce poTex != NULL"
@@ -13,13 +13,13 @@
 ///
 /// ZLT_RAISE throws the same exception with a message of its own.
 
-// The build names each source by a fixed text, so that no path of a build machine ends up in a message.
+// The build gives each source a fixed name, so that no path of a build machine ends up in a message.
 #ifndef ZLT_SOURCE_FILE
 #define ZLT_SOURCE_FILE __FILE__
 #endif
 
 namespace ZLT::Detail {
-/// Throws InternalException. Out of line and in one place, to keep the tests small where they stand.
+/// Throws InternalException. Out of line and in one place, to keep the code of each check small.
 [[noreturn]] ZLT_CORE_API void raiseInternal(const char* file, int line, const char* text);
 } // namespace ZLT::Detail
 

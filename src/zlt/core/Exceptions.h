@@ -44,10 +44,10 @@ private:
     std::shared_ptr<const Texts> texts_;
 };
 
-/// Adds the place. A base only: code throws one of the classes derived from it.
+/// Adds file and line. A base class only: code throws one of the classes derived from it.
 class ZLT_CORE_API LogicalException : public ExceptionBase {
 public:
-    /// @param file     the source file that raises, copied; null counts as empty
+    /// @param file     the source file that throws, copied; null counts as empty
     /// @param line     the line in it
     /// @param message  what `what()` gives, copied; null counts as empty
     LogicalException(const char* file, int line, const char* message);
@@ -60,9 +60,9 @@ public:
     /// Writes "file:line: message", without a line end.
     virtual void write(std::ostream& out) const;
 
-    /// The file that was handed to the constructor. Lives as long as any copy of this exception.
+    /// The file that was given to the constructor. Lives as long as any copy of this exception.
     const char* file() const noexcept;
-    /// The line that was handed to the constructor.
+    /// The line that was given to the constructor.
     int line() const noexcept;
 };
 

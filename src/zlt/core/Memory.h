@@ -23,8 +23,8 @@ namespace Core {
 ZLT_CORE_API std::size_t allocationCount() noexcept;
 
 /// Writes one line for each site that has live blocks, sorted by file and line:
-/// "file:line: 3 blocks, 384 bytes". Writes nothing when nothing is live. Callable from any thread, but no
-/// other thread is kept from allocating meanwhile.
+/// "file:line: 3 blocks, 384 bytes". Writes nothing when nothing is live. Callable from any thread; other
+/// threads may allocate at the same time.
 /// @return how many blocks were listed
 ZLT_CORE_API std::size_t writeAllocations(std::ostream& out);
 
@@ -35,7 +35,7 @@ ZLT_CORE_API std::size_t writeAllocations(std::ostream& out);
 /// memory, so a new-expression with this form gives null then and constructs nothing.
 ZLT_CORE_API void* operator new(std::size_t size, ZLT::MemoryType type, const char* file, int line) noexcept;
 
-/// Releases a block of the form above; null is ignored. Destroy the object first. A pointer that isn't a live
+/// Frees a block of the form above; null is ignored. Destroy the object first. A pointer that isn't a live
 /// block of this allocator (freed twice, or from elsewhere) ends the process at once, before it can damage
 /// the lists.
 ZLT_CORE_API void operator delete(void* p, ZLT::MemoryType type, const char* file, int line) noexcept;

@@ -14,7 +14,7 @@
 namespace ZLT {
 
 namespace Detail {
-// Fixed, whatever line the calls below stand on: lists of allocations are filtered by these.
+// Fixed, whatever line the calls below are on: lists of allocations are filtered by these.
 inline constexpr const char* allocatorFile = "..\\..\\zlt\\core\\memory\\ZLTAllocator";
 inline constexpr int allocateLine = 101;
 inline constexpr int deallocateLine = 116;

@@ -8,7 +8,7 @@ namespace ZLT {
 
 /// Destroys and frees an object that was made with `new (MemoryType(0), file, line) T`. For smart pointers,
 /// together with ZLTAllocator. A polymorphic `T` needs a virtual destructor, and may then be a base of the
-/// object, also one that doesn't stand at its start.
+/// object, even one that is not at its start.
 template <class T>
 struct ZLTDeleter {
     void operator()(T* p) const {
@@ -19,7 +19,7 @@ struct ZLTDeleter {
             static_assert(std::has_virtual_destructor_v<T>, "a base needs a virtual destructor");
             block = const_cast<void*>(dynamic_cast<const volatile void*>(p));
         }
-        // As after `delete`: the memory goes even if the destructor throws.
+        // As with `delete`: the memory is freed even if the destructor throws.
         struct Release {
             void* block;
             ~Release() {
