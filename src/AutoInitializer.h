@@ -9,7 +9,7 @@ namespace ZLT::OGL {
 class Context;
 
 /// Starts the library, and stops it at the end of a scope. The core must be started before, and stopped
-/// after; contexts and objects go before this object.
+/// after; destroy contexts and objects before this object.
 ///
 ///     ZLT::Core::Library::initialize();
 ///     {
@@ -22,15 +22,15 @@ class ZLT_OGL_API AutoInitializer {
 public:
     /// @throws InternalException as Library::initialize(); nothing is stopped then
     AutoInitializer(const Library::InitOptions& options = Library::InitOptions());
-    /// By the older route, from a context of the client's.
+    /// Starts the older way, from a context of the client's.
     /// @throws InternalException as Library::initialize_DEPRECATED_2_5(); nothing is stopped then
     AutoInitializer(Context* context, const ExtensionManager::InitOptions& options);
     AutoInitializer(const AutoInitializer&) = delete;
     AutoInitializer& operator=(const AutoInitializer&) = delete;
-    /// Stops the library by the route that started it, unless it was released. A stop that fails is silent.
+    /// Stops the library the way it was started, unless release() was called. A stop that fails is silent.
     ~AutoInitializer();
 
-    /// The library stays started behind the end of this object.
+    /// The library stays started after the end of this object.
     void release();
 
 private:

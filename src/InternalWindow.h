@@ -9,17 +9,17 @@ namespace ZLT::OGL {
 /// belongs to the thread that makes it.
 class ZLT_OGL_API InternalWindow {
 public:
-    /// A window with its top left corner at (x, y) of the desktop, which decides on whose display it is.
+    /// A window with its top left corner at (x, y) of the desktop, which decides on which display it is.
     /// @throws InternalException "Unable to register window class", "Unable to create window"; nothing is
     ///         left behind then
     InternalWindow(short x, short y);
     InternalWindow(const InternalWindow&) = delete;
     InternalWindow& operator=(const InternalWindow&) = delete;
-    /// @throws InternalException "hDC != 0" when the window is gone already, "Unable to release the device
+    /// @throws InternalException "hDC != 0" when the window no longer exists, "Unable to release the device
     ///         context", "Unable to unregister window class"
     ~InternalWindow() noexcept(false);
 
-    /// The window's handle; the window stays this object's.
+    /// The window's handle; this object still owns the window.
     HWND window() const { return window_; }
 
 private:

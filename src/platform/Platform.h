@@ -1,35 +1,35 @@
 #pragma once
 
 /// @file
-/// The window system operations that the library stands on, by their WGL, GDI and USER names. On Windows they
+/// The window system operations that the library uses, by their WGL, GDI and USER names. On Windows they
 /// are the system's own. On Linux this header declares the same types and functions, which `zlt_ogl`
 /// implements over EGL, GLX and a window system:
 ///
-/// - With an X server (DISPLAY) a window is an X11 window, an HWND is its XID, whoever made it, and the
+/// - With an X server (DISPLAY) a window is an X11 window made by anybody, an HWND is its XID, and the
 ///   display devices are the monitors.
 /// - In a Wayland session without X (WAYLAND_DISPLAY) the display devices are the outputs. Windows made here
 ///   are surfaces that are never shown; `platform/Wayland.h` makes an HWND of a toolkit's surface.
 /// - Without either, a window is a pbuffer, and the display devices are the EGL devices, laid out in rows: a
-///   window belongs to the device on which its top left corner lies.
+///   window belongs to the device that contains its top left corner.
 /// - `ZLT_OGL_PLATFORM` set to `x11`, `wayland` or `headless` forces one of them. When the one that is forced
 ///   can't be used, or with any other text, there is no display device, and no window can be made.
 ///
-/// A server that DISPLAY or WAYLAND_DISPLAY names and that can't be reached counts as none; startupNotes()
-/// has a sentence for it.
+/// A server that DISPLAY or WAYLAND_DISPLAY names and that can't be reached counts as no server;
+/// startupNotes() has a sentence about it.
 ///
 /// On Linux the names are in ZLT::Platform, and come to the global namespace by using-declarations. A program
-/// that has names of this kind of its own, in a shim for a port from Windows, defines
-/// `ZLT_OGL_NO_GLOBAL_NAMES` in front of the library's headers: then neither takes the other's place. BOOL
-/// stays in ZLT::Platform always, since X11/Xmd.h has another type of this name.
+/// that has such names of its own, in a shim for a port from Windows, defines `ZLT_OGL_NO_GLOBAL_NAMES`
+/// before it includes the library's headers: then neither set of names replaces the other. BOOL is always
+/// in ZLT::Platform only, since X11/Xmd.h has another type of this name.
 ///
 /// A context that somebody else made current, through EGL or GLX, has handles here as well:
 /// wglGetCurrentContext and wglGetCurrentDC report it, and wglMakeCurrent makes it current again. Nothing
 /// here ever destroys it. While one of the contexts made here is current, the first context that somebody
-/// else makes current in the process is seen when one asks by noticeCurrent() first.
+/// else makes current in the process is seen only after a call of noticeCurrent().
 ///
-/// A context that is current when its thread ends is current no more. A function that fails returns what it
-/// returns on Windows and leaves an error number for GetLastError(). A handle that was never given out, or is
-/// gone, is refused. All functions may be called from any thread.
+/// A context that is current when its thread ends is released. A function that fails returns what it
+/// returns on Windows and leaves an error number for GetLastError(). A handle that never existed, or that no
+/// longer exists, is refused. All functions may be called from any thread.
 
 #if defined(_WIN32)
 
@@ -93,7 +93,7 @@ using WPARAM = std::uintptr_t;
 using LPARAM = std::intptr_t;
 using LRESULT = std::intptr_t;
 
-/// What the handles point at, which nobody sees.
+/// What the handles point at: opaque.
 namespace Handles {
 struct Window;
 struct DeviceContext;
@@ -147,7 +147,7 @@ constexpr DWORD WS_EX_WINDOWEDGE = 0x00000100;
 constexpr DWORD WS_EX_APPWINDOW = 0x00040000;
 constexpr int SW_HIDE = 0;
 constexpr int SW_SHOWNORMAL = 1;
-/// The name of the arrow among the system's cursors: a number in the place of a text.
+/// The name of the system's arrow cursor: a number in place of a text.
 inline const LPCSTR IDC_ARROW =
     reinterpret_cast<LPCSTR>(std::uintptr_t(0x7F00)); // NOLINT(performance-no-int-to-ptr)
 
@@ -278,7 +278,7 @@ struct WNDCLASSEXA {
     HICON hIconSm;
 };
 
-// Layer planes and glyph outlines exist on Windows alone; the types serve the signatures.
+// Layer planes and glyph outlines exist only on Windows; the types are for the signatures.
 using LPLAYERPLANEDESCRIPTOR = struct LAYERPLANEDESCRIPTOR*;
 using LPGLYPHMETRICSFLOAT = struct GLYPHMETRICSFLOAT*;
 
@@ -293,14 +293,14 @@ ZLT_OGL_API void SetLastError(DWORD error);
 
 /// The display devices, from 0: FALSE past the last one. `device` must be null and the flags 0.
 ZLT_OGL_API BOOL EnumDisplayDevicesA(LPCSTR device, DWORD index, DISPLAY_DEVICEA* record, DWORD flags);
-/// Position and size of a display device as it is set now; `mode` must be ENUM_CURRENT_SETTINGS.
+/// The current position and size of a display device; `mode` must be ENUM_CURRENT_SETTINGS.
 ZLT_OGL_API BOOL EnumDisplaySettingsA(LPCSTR device, DWORD mode, DEVMODEA* settings);
 /// The monitor that shows most of the window, or the nearest, the primary or none, as `otherwise` says.
 ZLT_OGL_API HMONITOR MonitorFromWindow(HWND window, DWORD otherwise);
 /// Fills a MONITORINFO or a MONITORINFOEXA, as cbSize says.
 ZLT_OGL_API BOOL GetMonitorInfoA(HMONITOR monitor, MONITORINFO* information);
 
-/// "STATIC" is there already.
+/// The class "STATIC" always exists.
 ZLT_OGL_API ATOM RegisterClassExA(const WNDCLASSEXA* description);
 /// Refused while a window of the class exists.
 ZLT_OGL_API BOOL UnregisterClassA(LPCSTR className, HINSTANCE instance);
@@ -310,7 +310,7 @@ ZLT_OGL_API HMODULE GetModuleHandleA(LPCSTR module);
 /// Windows have no frame of their own here, so the rectangle stays as it is.
 ZLT_OGL_API BOOL AdjustWindowRectEx(RECT* rectangle, DWORD style, BOOL menu, DWORD exStyle);
 
-/// A window of width x height pixels at (x, y) of the desktop, without events of its own and hidden unless
+/// A window of width x height pixels at (x, y) of the desktop. It has no events, and is hidden unless
 /// the style has WS_VISIBLE. Parent and menu must be null.
 ZLT_OGL_API HWND CreateWindowExA(DWORD exStyle, LPCSTR className, LPCSTR name, DWORD style, int x, int y,
                                  int width, int height, HWND parent, HMENU menu, HINSTANCE instance,
@@ -319,7 +319,7 @@ ZLT_OGL_API HWND CreateWindowExA(DWORD exStyle, LPCSTR className, LPCSTR name, D
 ZLT_OGL_API BOOL DestroyWindow(HWND window);
 /// The content is undefined after a change of size.
 ZLT_OGL_API BOOL MoveWindow(HWND window, int x, int y, int width, int height, BOOL repaint);
-/// SW_HIDE, or any other command to show. Whether it was visible before.
+/// SW_HIDE hides the window, any other command shows it. Returns whether it was visible before.
 ZLT_OGL_API BOOL ShowWindow(HWND window, int command);
 ZLT_OGL_API BOOL GetClientRect(HWND window, RECT* rectangle);
 /// The window's device context: always the same one, valid as long as the window.
@@ -327,17 +327,17 @@ ZLT_OGL_API HDC GetDC(HWND window);
 ZLT_OGL_API int ReleaseDC(HWND window, HDC device);
 
 /// The index, from 1, of the format nearest to the one described, among those that the window can have. The
-/// formats are EGL's configurations, each double buffered and then each single buffered; those of several EGL
-/// devices stand behind each other. A pbuffer has one colour buffer in either form.
+/// formats are EGL's configurations, all double buffered and then all single buffered; the formats of several
+/// EGL devices follow one another. A pbuffer has one colour buffer in either form.
 ZLT_OGL_API int ChoosePixelFormat(HDC device, const PIXELFORMATDESCRIPTOR* wanted);
 /// Describes the format, and returns how many there are. A context of somebody else has one format, number 1.
 ZLT_OGL_API int DescribePixelFormat(HDC device, int format, UINT size, PIXELFORMATDESCRIPTOR* description);
 ZLT_OGL_API int GetPixelFormat(HDC device);
-/// Once for each window. A format that was chosen for a window of another visual or EGL device is replaced by
-/// the nearest one that this window can have, which has at least its bits and the same samples.
+/// Once for each window. A format that was chosen for a window of another visual or EGL device is replaced
+/// by the nearest one that this window can have, which has at least its bits and the same samples.
 ZLT_OGL_API BOOL SetPixelFormat(HDC device, int format, const PIXELFORMATDESCRIPTOR* description);
-/// Shows what was drawn. EGL swaps the current window alone: another one is refused, but one that is never
-/// shown has nothing to swap.
+/// Shows what was drawn. EGL can swap only the current window: any other is refused, except one that is
+/// never shown, which has nothing to swap.
 ZLT_OGL_API BOOL SwapBuffers(HDC device);
 
 ZLT_OGL_API BOOL wglCopyContext(HGLRC source, HGLRC destination, UINT mask);
@@ -347,11 +347,11 @@ ZLT_OGL_API BOOL wglDeleteContext(HGLRC context);
 ZLT_OGL_API HGLRC wglGetCurrentContext();
 ZLT_OGL_API HDC wglGetCurrentDC();
 /// Not null for any name that begins with "gl": the system's GL library has a function for each, and only the
-/// driver's version and extensions tell whether it does something. Of the WGL extensions it knows those that
+/// driver's version and extensions say whether it does something. It knows the WGL extensions that
 /// wglGetExtensionsStringARB names.
 ZLT_OGL_API PROC wglGetProcAddress(LPCSTR name);
 ZLT_OGL_API BOOL wglMakeCurrent(HDC device, HGLRC context);
-/// Lets `second` share what `first` has. `second` was never current, and shares with nobody yet.
+/// Lets `second` share the objects of `first`. `second` must not have been current, nor share already.
 ZLT_OGL_API BOOL wglShareLists(HGLRC first, HGLRC second);
 ZLT_OGL_API BOOL wglUseFontBitmapsA(HDC device, DWORD first, DWORD count, DWORD listBase);
 ZLT_OGL_API BOOL wglUseFontBitmapsW(HDC device, DWORD first, DWORD count, DWORD listBase);
@@ -371,11 +371,11 @@ ZLT_OGL_API DWORD wglSwapMultipleBuffers(UINT count, const WGLSWAP* buffers);
 
 /// How many windows, pbuffers and contexts of this layer are live in the process.
 ZLT_OGL_API std::size_t liveHandles();
-/// A sentence on the calling thread's last failure, beside the number of GetLastError(); "" when there was
+/// A sentence about the calling thread's last failure, to go with GetLastError(); "" when there was
 /// none. It is valid until the thread's next failure.
 ZLT_OGL_API const char* lastErrorText();
-/// What kept a window system or a driver from being used when the displays were opened: a sentence each, one
-/// a line. Empty when nothing did. Opens the displays if that has not happened yet.
+/// Why a window system or a driver could not be used when the displays were opened: a sentence for each, on
+/// a line of its own. Empty when all could be used. Opens the displays if that has not happened yet.
 ///
 /// @code
 /// if (ZLT::OGL::Context::numDisplayDevice() == 0)
@@ -383,8 +383,8 @@ ZLT_OGL_API const char* lastErrorText();
 /// @endcode
 ZLT_OGL_API std::string startupNotes();
 /// Asks EGL and GLX what is current on the calling thread, even where the answer is believed to be known: the
-/// wglGetCurrentContext that follows then sees a context that somebody else made current behind this layer's
-/// back. Two system calls; meant for once a context, not once a call.
+/// wglGetCurrentContext that follows then sees a context that somebody else made current without this
+/// layer. It costs two system calls: call it once for each context, not once for each GL call.
 ZLT_OGL_API void noticeCurrent();
 
 } // namespace ZLT::Platform

@@ -3,22 +3,22 @@
 #include "platform/Platform.h"
 
 /// @file
-/// Windows of Wayland toolkits, on Linux. A Wayland client sees its own surfaces alone, so a toolkit's
-/// surface has to be handed over together with its display.
+/// Windows of Wayland toolkits, on Linux. A Wayland client sees only its own surfaces, so the program has to
+/// give the library a toolkit's surface together with its display.
 
 struct wl_display;
 struct wl_surface;
 
 namespace ZLT::Platform {
 
-/// The HWND that stands for a toolkit's surface, for ContextWindowed, ContextWrapped and the functions of
-/// Platform.h. A second call with the same surface gives the same HWND the new size: call it when the toolkit
-/// says that the window was resized. The size holds from the next frame on: after the next swap, or at once
-/// where nothing was drawn since the last one.
+/// The HWND for a toolkit's surface, to be used with ContextWindowed, ContextWrapped and the functions of
+/// Platform.h. A second call with the same surface gives the same HWND a new size: call it when the toolkit
+/// says that the window was resized. The new size is used from the next frame on: after the next swap, or at
+/// once where nothing was drawn since the last one.
 ///
-/// DestroyWindow gives the HWND back; call it, and destroy the contexts, before the toolkit closes its
-/// display. The surface stays the toolkit's, and so do its role, its place and its events. Nothing needs to
-/// be current. May be called from the thread on which the toolkit works with the window.
+/// DestroyWindow releases the HWND; call it, and destroy the contexts, before the toolkit closes its
+/// display. The surface still belongs to the toolkit, with its role, position and events. No context needs
+/// to be current. May be called from the thread on which the toolkit works with the window.
 ///
 /// @code
 /// SDL_SysWMinfo about;
@@ -30,10 +30,10 @@ namespace ZLT::Platform {
 /// @endcode
 ///
 /// @param display  the toolkit's connection, to which the surface belongs
-/// @param surface  a surface that has no other EGL window on it that is drawn to
-/// @param width    in pixels of the buffer, at least 1; and height
-/// @return null when it can't be: GetLastError() and lastErrorText() say why. ERROR_NOT_SUPPORTED where the
-///         window system in use is another one.
+/// @param surface  a surface on which no other EGL window is drawn to
+/// @param width    in pixels of the buffer, at least 1; the same for height
+/// @return null on failure: GetLastError() and lastErrorText() say why. ERROR_NOT_SUPPORTED where another
+///         window system is in use.
 ZLT_OGL_API HWND windowFromWayland(wl_display* display, wl_surface* surface, int width, int height);
 
 } // namespace ZLT::Platform

@@ -1,7 +1,7 @@
 #pragma once
 
 /// @file
-/// The attributes and values of the WGL extensions that the library asks for or, on Linux, answers.
+/// The attributes and values of the WGL extensions that the library uses or, on Linux, implements.
 
 // A client may have GL/wglext.h, which defines the same names as macros.
 #ifndef WGL_ARB_pixel_format
