@@ -34,8 +34,8 @@ public:
         checkLength(count);
         elements_.reserve(count);
     }
-    /// Takes over the element.
-    /// @throws InternalException "vector<T> too long"; the element stays the caller's then
+    /// Takes ownership of the element.
+    /// @throws InternalException "vector<T> too long"; the caller keeps the element then
     void push_back(T* element) {
         checkLength(elements_.size() + 1);
         elements_.push_back(element);
@@ -51,7 +51,7 @@ public:
     void swap(AutoVector& other) noexcept { elements_.swap(other.elements_); }
 
 private:
-    // In this header's name, whatever source includes it.
+    // Under this header's name, whichever source includes it.
     [[noreturn]] static void raise(int line, const char* text) {
         Detail::raiseInternal("..\\..\\ogl\\AutoVector", line, text);
     }

@@ -21,7 +21,7 @@ public:
         ARRAY_BUFFER = 2,
         ELEMENT_ARRAY_BUFFER = 3,
     };
-    /// What the driver is told of how the contents are used.
+    /// The hint for the driver about how the contents are used.
     enum class Usage : unsigned int {
         STREAM_DRAW = 0,
         STREAM_READ = 1,
@@ -37,7 +37,7 @@ public:
     /// Whether the current context has buffers, for pixels as well.
     static bool isSupported();
 
-    /// Makes the buffer and its storage; what was bound in its role is bound again.
+    /// Makes the buffer and its storage; what was bound in its role is bound again afterwards.
     /// @param size  in bytes, at least 1
     /// @param type  the role. A buffer for indices begins as one for unpacking: call
     ///              convertToElementArrayBuffer(). So does a value outside the enumeration.
@@ -69,8 +69,8 @@ public:
     /// @name Roles
     /// Converting binds nothing, and keeps the contents.
     /// @throws InternalException "Buffer::convertToUnpackBuffer cannot convert buffer target while bound",
-    ///         and so on for the others, while it is bound in the role that it has (be that the wanted
-    ///         one)
+    ///         and so on for the others, while it is bound in the role that it has (even if that is the one
+    ///         wanted)
     /// @{
     bool isUnpackBuffer() const;
     bool isPackBuffer() const;
@@ -84,14 +84,14 @@ public:
 
     /// Maps all of it into client memory, until unmap().
     /// @param access  `GL_READ_ONLY`, `GL_WRITE_ONLY` or `GL_READ_WRITE`
-    /// @return the driver's pointer; null when it can't, and then the buffer counts as mapped all the same
+    /// @return the driver's pointer; null when it can't, and the buffer counts as mapped even then
     /// @throws InternalException "Buffer is already mapped (this will cause a GL error)"
     void* map(unsigned int access);
     /// @throws InternalException "Buffer must be mapped before umapping it (this will cause a GL error)",
     ///         or "Cannot unmap buffer" when the driver has lost the contents; it counts as mapped then
     void unmap();
 
-    /// Writes `size` bytes at `offset`. GL reports a range behind the end.
+    /// Writes `size` bytes at `offset`. GL reports a range past the end.
     /// @throws InternalException, in this order: "Buffer::subData buffer cannot be mapped",
     ///         "Buffer::subData pointer to data must not be NULL", "Buffer::subData offset must not be
     ///         negative"
@@ -109,7 +109,7 @@ public:
     static Usage GL2Usage(unsigned int token);
     /// @}
 
-    /// Does nothing: the place for a test that this buffer is bound.
+    /// Does nothing: the place for a check that this buffer is bound.
     void verifyCurrentBufferObject() const {}
 
 private:

@@ -36,11 +36,11 @@ public:
         RGBA16F_D24S8_ALT = 23,
     };
 
-    /// All counts are bits per pixel; note that stencil stands before depth.
+    /// All counts are bits per pixel; note that stencil comes before depth.
     BufferFormat(unsigned int red, unsigned int green, unsigned int blue, unsigned int alpha,
                  unsigned int stencil, unsigned int depth, bool floatingPointColor);
     /// @throws InternalException "Trying to construct an buffer-format not recognized by this method" for a
-    ///         value that is none of the enumeration
+    ///         value outside the enumeration
     explicit BufferFormat(tePredefined format);
 
     unsigned int redBits() const { return redBits_; }

@@ -15,10 +15,10 @@ class Library;
 /// Base of all rendering contexts: a device context, a rendering context, and the display device on which it
 /// lives. The kinds are ContextWindowed, ContextOffscreen and ContextWrapped.
 ///
-/// A context is current for each thread by itself, and on one thread at a time. Constructors and destructors
-/// leave the calling thread's current context as they found it (a context that was current when it was
-/// destroyed leaves none), so make a new context current before the first GL call. Contexts are made and
-/// destroyed by one thread at a time; makeCurrent() on different contexts may run at once. Failures are
+/// Each thread has its own current context; a context is current on one thread at a time. Constructors and
+/// destructors leave the calling thread's current context as they found it (a context that was current when
+/// it was destroyed leaves none), so make a new context current before the first GL call. Contexts are made
+/// and destroyed by one thread at a time; makeCurrent() on different contexts may run at once. Failures are
 /// exceptions, from destructors too.
 class ZLT_OGL_API Context {
 public:
@@ -39,7 +39,7 @@ public:
 
     Context& operator=(const Context&) = delete;
     Context(const Context&) = delete;
-    /// The kinds have released what they hold by then.
+    /// The derived classes have released what they hold by then.
     virtual ~Context() noexcept(false);
 
     /// Makes this the calling thread's current context.
@@ -51,11 +51,11 @@ public:
 
     /// The device context; it lives as long as its window.
     HDC deviceContext() const;
-    /// The rendering context, by which the extension manager and the sharing groups know this one.
+    /// The rendering context, by which the extension manager and the sharing groups identify this context.
     HGLRC renderContext() const;
 
-    /// Bits per pixel of the format in use; no argument may be null. Whatever the platform says of a device
-    /// context without a format is passed on.
+    /// Bits per pixel of the format in use; no argument may be null. For a device context without a format
+    /// they are whatever the platform says.
     void getBitDepths(int* red, int* green, int* blue, int* alpha, int* stencil, int* depth) const;
 
     /// The record of the display device on which this context lives.
@@ -77,7 +77,7 @@ public:
     /// The machine's display devices, numbered among those attached to the desktop.
     /// @{
 
-    /// How many there are, without mirroring drivers. displayDevice() counts those, so behind one the numbers
+    /// How many there are, without mirroring drivers. displayDevice() counts those, so after one the numbers
     /// are off by one.
     static std::size_t numDisplayDevice();
     /// The number of the primary one; 0 when none is marked as primary.
@@ -87,10 +87,10 @@ public:
     static void displayDevice(std::size_t index, DISPLAY_DEVICEA& record);
     /// The primary one, in a record that each call overwrites, for all threads.
     static const DISPLAY_DEVICEA& primaryDisplayDevice();
-    /// The device on which the window shows, or the nearest one.
+    /// The device that shows the window, or the nearest one.
     /// @throws InternalException "Context::can't get monitor info" and the platform's error number
     static DISPLAY_DEVICEA displayDeviceFromWindow(HWND const& window);
-    /// Whether both belong to one adapter: their keys agree but for the last four characters.
+    /// Whether both belong to one adapter: their keys are equal except for the last four characters.
     static bool shareDevice(const DISPLAY_DEVICEA& a, const DISPLAY_DEVICEA& b);
     /// @}
 
@@ -101,13 +101,12 @@ protected:
     /// Then the calling thread's current context is again what it was.
     /// @param share  the context to share with, or null
     /// @throws InternalException "ContextWindowed::ctor invalid DC on window" for a null `hdc`
-    /// @throws LogicalException with the message of the step that failed. What was made is destroyed then, but
-    ///         for a rendering context that the driver refused to share; a pixel format stays set
+    /// @throws LogicalException with the message of the step that failed; docs/contexts.md: what is left then
     void initialize(HDC hdc, const BufferFormat& format, teBuffering buffering, teMultisample multisample,
                     const Context* share);
     /// Releases what is current, deletes the rendering context, and makes the other one current again.
     void destroyContext();
-    /// @throws InternalException always: extensions are the extension manager's business
+    /// @throws InternalException always: the extension manager does this
     [[noreturn]] void initializeExtensions();
 
     /// The position of the display device of this name on the desktop.
@@ -121,12 +120,12 @@ protected:
     HGLRC createRenderingContext(HDC hdc, const Context* share);
     HGLRC setupRenderingContext(HDC hdc, const BufferFormat& format, bool doubleBuffered,
                                 const Context* share);
-    /// Shares what `other` has, at the platform. The sharing groups don't learn of it.
+    /// Shares what `other` has, by the platform's function. The sharing groups are not changed.
     /// @throws InternalException "Context::shareLists cannot share lists."
     void shareLists(HGLRC other);
 
     /// @name Sharing groups
-    /// Which contexts were created to share with which. A context stands in one group at most, and groups
+    /// Which contexts were created to share with which. A context is in one group at most, and groups
     /// never merge; no lock guards them.
     /// @{
     void _addShareContext(const Context* sibling) const;
@@ -167,7 +166,7 @@ private:
     static CreateContextAttribs wglCreateContextAttribsARB_;
 };
 
-/// Leaves the calling thread with no current context; nothing happens when it has none.
+/// Leaves the calling thread with no current context; does nothing when there is none.
 ZLT_OGL_API void releaseOGLContext();
 
 } // namespace ZLT::OGL

@@ -6,7 +6,7 @@ namespace ZLT::OGL {
 
 class InternalWindow;
 
-/// A context on a hidden window of its own, for work that shows nothing: RGB8, single buffered. Draw to a
+/// A context on a hidden window of its own, for off-screen work: RGB8, single buffered. Draw to a
 /// framebuffer object; the window has 8 x 8 pixels.
 class ZLT_OGL_API ContextOffscreen : public Context {
 public:

@@ -20,7 +20,7 @@ public:
     /// @throws InternalException when the context can't be destroyed
     ~ContextWindowed() noexcept(false) override;
 
-    /// Shows what was drawn; the outcome is ignored. Make this context current first.
+    /// Shows what was drawn; failures are ignored. Make this context current first.
     void swapBuffers();
 
     /// Whether swapBuffers() waits for the vertical retrace. Acts on the calling thread's current context.

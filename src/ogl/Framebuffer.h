@@ -9,9 +9,9 @@ class Renderbuffer;
 class Texture2;
 class Texture2DArray;
 
-/// A framebuffer object (`GL_EXT_framebuffer_object`): textures and renderbuffers to draw to. GL alone
-/// knows what is attached. The context that made it must be current for all of it; GL reports a bad
-/// attachment through statusOkay() alone.
+/// A framebuffer object (`GL_EXT_framebuffer_object`): textures and renderbuffers to draw to. Only GL
+/// knows what is attached. The context that made it must be current for every method; GL reports a bad
+/// attachment only through statusOkay().
 class ZLT_OGL_API Framebuffer : public Object {
 public:
     /// @throws InternalException "ExtensionManager::Instance()->isSupported(GL_EXT_FRAMEBUFFER_OBJECT)"
@@ -22,7 +22,7 @@ public:
 
     /// Whether the current context has framebuffer objects.
     static bool isSupported();
-    /// How many colours can be attached; the driver is asked each time.
+    /// How many colours can be attached; each call queries the driver.
     static unsigned int maxColorAttachments();
 
     void bind();
@@ -47,13 +47,13 @@ public:
     /// @{
     void attach(Texture2* poTex, unsigned int level, unsigned int colorIndex);
     /// One layer of an array. Needs a driver that has `glFramebufferTextureLayer` by this name.
-    /// @throws InternalException "Array Index too large" at last, or "The current context has no
+    /// @throws InternalException "Array Index too large" as the last check, or "The current context has no
     ///         glFramebufferTextureLayer"
     void attach(Texture2DArray* poTex, unsigned int layer, unsigned int level, unsigned int colorIndex);
-    /// At the point that the renderbuffer's format tells: a colour, depth, stencil, or depth and stencil.
+    /// At the attachment point for the renderbuffer's format: a colour, depth, stencil, or depth and stencil.
     /// @param colorIndex  0 unless it is a colour
     /// @throws InternalException "Color buffer index is not supported with attachment:" and the point's
-    ///         name at last
+    ///         name as the last check
     void attach(Renderbuffer* poBuffer, unsigned int colorIndex);
     /// @}
 
@@ -71,7 +71,7 @@ private:
     void requireBound(const char* refusal) const;
     static void requireColorIndex(unsigned int colorIndex);
     static void requireIndexOf(const Renderbuffer& buffer, unsigned int colorIndex);
-    // Those that both textures share.
+    // The checks that both kinds of texture share.
     void requireAttachable(const Object* poTex, unsigned int colorIndex) const;
 };
 

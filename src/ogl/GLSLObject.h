@@ -9,7 +9,7 @@ namespace ZLT::OGL {
 /// Base of shaders and programs: a GL handle. Copies copy the handle and share nothing: the destructor of
 /// each copy deletes the same GL object, so don't copy what deletes.
 ///
-/// The context that made it, or one that shares with it, must be current for all of it. Any method may
+/// The context that made it, or one that shares with it, must be current for every method. Any method may
 /// throw as ExtensionManager::Instance() does, or InternalException "The current context has no
 /// glUseProgram" (or another function) where the driver lacks a function, or no context is current.
 /// Failures are exceptions, from destructors too; a destructor that runs because another exception unwinds

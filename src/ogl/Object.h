@@ -7,7 +7,7 @@
 namespace ZLT::OGL {
 
 /// Base of the GL objects that have a bind point: textures, buffers, framebuffers and renderbuffers. It
-/// knows the object's name, the target to which it binds, and the query that tells what is bound there.
+/// knows the object's name, the target to which it binds, and the query for what is bound there.
 ///
 /// Only GL knows what is bound; nothing is tracked here. Constructors bind for themselves and restore what
 /// was bound before. Methods act on what is bound at the target, and don't bind: bind first. An object is

@@ -6,12 +6,12 @@
 
 namespace ZLT::OGL {
 
-/// The layout of pixels in client memory (or in a buffer) that are handed to GL, all of it in one value.
+/// The layout of pixels in client memory (or in a buffer) that are passed to GL, all of it in one value.
 /// The default is tightly packed rows: an alignment of 1 byte, where GL's own is 4. Lengths and skips are
 /// counts of pixels, rows and images, as in `glPixelStorei`; they are narrowed to its 32 bits.
 class ZLT_OGL_API PixelUnpackParameters {
 public:
-    /// The bytes on whose multiple each row begins.
+    /// Each row begins at a multiple of this number of bytes.
     enum teAlignment : int {
         eAlignment1 = 0,
         eAlignment2 = 1,
@@ -19,7 +19,7 @@ public:
         eAlignment8 = 3,
     };
 
-    /// Whether the bytes of each element stand in the other order than this machine's.
+    /// Whether the bytes of each element are in the reverse of this machine's order.
     bool swapBytes() const { return swapBytes_; }
     void enableSwapBytes() { swapBytes_ = true; }
     void disableSwapBytes() { swapBytes_ = false; }
@@ -35,7 +35,7 @@ public:
     /// Rows from image to image; 0: as many as are transferred. For three-dimensional textures.
     std::size_t imageHeight() const { return imageHeight_; }
     void setImageHeight(std::size_t rows) { imageHeight_ = rows; }
-    /// What to leave out in front.
+    /// What to skip at the beginning.
     std::size_t skipPixels() const { return skipPixels_; }
     void setSkipPixels(std::size_t pixels) { skipPixels_ = pixels; }
     std::size_t skipRows() const { return skipRows_; }
@@ -54,8 +54,8 @@ public:
 
     /// Sets all of it in the current context, which the library must know, until something else sets it.
     /// Image height and skipped images are left out where the driver has no three-dimensional textures.
-    /// @throws InternalException "Enum value not recognized" for an alignment that is none of the
-    ///         enumeration, when the rest has been set
+    /// @throws InternalException "Enum value not recognized" for an alignment outside the
+    ///         enumeration; the rest has been set then
     void apply() const;
 
 private:

@@ -34,10 +34,10 @@ concept PointerAsBoolean = (std::is_pointer_v<Values> || ...) && !isScalarArray<
 ///
 /// A uniform is named by its location or by its name; a name is looked up at each call. The plain forms
 /// throw InternalException "Program must be enabled to set uniform parameter" when another program is
-/// current, which costs one question to the driver (scalars and samplers by name: two). Arrays of scalars
-/// and vectors by name don't ask. The `_Unsafe` forms don't ask either: the value goes to whatever program
-/// is current. They leave out a uniform that doesn't exist (location -1), which the plain forms hand to GL
-/// to be ignored; arrays of floats, and arrays of scalars and vectors by name, are handed to GL here too.
+/// current, which costs one query to the driver (scalars and samplers by name: two). Arrays of scalars
+/// and vectors by name don't check. The `_Unsafe` forms don't check either: the value goes to whatever
+/// program is current. They skip a uniform that doesn't exist (location -1), which the plain forms pass to GL
+/// to be ignored; arrays of floats, and arrays of scalars and vectors by name, are passed to GL here too.
 class ZLT_OGL_API Program : public GLSLObject {
 public:
     /// Whether the current context has programs.
@@ -66,7 +66,7 @@ public:
     /// At most four times those among the first 64 shaders.
     void detachAllFragmentShaders();
     /// Makes a shader from a source in `count` pieces, compiles and attaches it; it lives as long as it is
-    /// attached. A source that doesn't compile shows when the program is linked.
+    /// attached. An error in the source is reported when the program is linked.
     /// @param lengths  the length of each piece in bytes, negative for one that ends with a 0; null: all do
     /// @throws InternalException as attach(), for an empty source; the shader is lost then
     void loadVertexShader(unsigned int count, const char** strings, int* lengths);
@@ -96,22 +96,22 @@ public:
     /// Makes it the current program.
     /// @throws InternalException "Program must be linked before being enabled"
     void enable();
-    /// Makes the fixed pipeline current, whichever program was.
+    /// Makes the fixed pipeline current, whichever program was current.
     void disable();
     /// Whether it is the current program of the calling thread's context.
     bool isEnabled() const;
 
     /// Takes effect at the next link.
     void setAttributeLocation(unsigned int index, const char* name);
-    /// -1 for one that doesn't exist. The program must be linked, which GL tests.
+    /// -1 for one that doesn't exist. The program must be linked, which GL checks.
     int getAttributeLocation(const char* name);
 
-    /// @name Uniforms: questions
-    /// @throws InternalException "Program must be linked to get active uniform count" where it must
+    /// @name Uniforms: queries
+    /// @throws InternalException "Program must be linked to get active uniform count" where it must be
     /// @{
 
     /// -1 for one that doesn't exist, or on which nothing depends. The program must be linked, which isn't
-    /// tested.
+    /// checked.
     int getUniformLocation(const char* name) const;
     /// It must be linked.
     unsigned int getActiveUniformCount() const;
@@ -122,7 +122,7 @@ public:
                           char* name) const;
     /// Of the longest name, with the 0 at its end. It must be linked.
     int getMaxUniformStringLength() const;
-    /// Does nothing: the place for a test of a uniform's type.
+    /// Does nothing: the place for a check of a uniform's type.
     void assertActiveUniformType(int location, unsigned int type, unsigned int otherType) const;
     /// @}
 
@@ -240,7 +240,7 @@ public:
     /// @}
 
     /// @name Uniforms: arrays of matrices
-    /// `count` square matrices, one behind the other, by columns; by rows if `transpose` is not 0.
+    /// `count` square matrices, one after the other, by columns; by rows if `transpose` is not 0.
     /// @{
     void setUniformMatrices2(int location, int count, const float* values, unsigned char transpose);
     void setUniformMatrices2(const char* name, int count, const float* values, unsigned char transpose);
@@ -315,7 +315,7 @@ public:
     /// @}
 
 private:
-    // The rules by which the setters differ.
+    // The rules in which the setters differ.
     enum class Row { Scalar, Matrix, Integers, Floats };
     template <Row row, class Set>
     void checked(int location, const Set& set);

@@ -5,10 +5,10 @@
 
 namespace ZLT::OGL {
 
-/// An image to draw to that is no texture: a colour, depth or stencil buffer for a Framebuffer.
+/// An image to draw to that is not a texture: a colour, depth or stencil buffer for a Framebuffer.
 class ZLT_OGL_API Renderbuffer : public Object {
 public:
-    /// Makes it with undefined contents; the renderbuffer that was bound is bound again.
+    /// Makes it with undefined contents; the renderbuffer that was bound is bound again afterwards.
     /// @param format        the GL internal format, such as `GL_RGBA8` or `GL_DEPTH_COMPONENT24`. It
     ///                      decides where the buffer is attached: `GL_DEPTH_COMPONENT`, unsized or with 16,
     ///                      24 or 32 bits, and `GL_DEPTH_STENCIL` as depth, stencil indices as stencil,
@@ -23,7 +23,7 @@ public:
 
     /// Whether the current context has renderbuffers.
     static bool isSupported();
-    /// The largest width and height, in pixels; the driver is asked each time.
+    /// The largest width and height, in pixels; each call queries the driver.
     static int maxSize();
 
     void bind();

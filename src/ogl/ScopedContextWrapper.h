@@ -6,7 +6,7 @@
 namespace ZLT::OGL {
 
 /// Saves what is current on the calling thread and puts it back at the end of a scope, also when nothing was
-/// current. To be destroyed on the thread that made it. A restore that fails is silent.
+/// current. Destroy it on the thread that made it. A restore that fails is silent.
 class ZLT_OGL_API ScopedContextWrapper {
 public:
     ScopedContextWrapper();

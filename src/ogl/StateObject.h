@@ -10,19 +10,19 @@
 namespace ZLT::OGL {
 
 /// The current values of OpenGL 2.0: what a context carries from primitive to primitive. An object holds
-/// the values that a new context has; CurrentState() fills in the current colour alone. It is a plain
+/// the values that a new context has; CurrentState() fills in only the current colour. It is a plain
 /// value, and a copy shares nothing.
 class ZLT_OGL_API StateObject_2_0 {
 public:
-    /// The values of a new context. A context must be current, which tells how many texture coordinates
-    /// there are.
+    /// The values of a new context. A context must be current: the number of texture coordinates comes
+    /// from it.
     StateObject_2_0();
     StateObject_2_0(const StateObject_2_0& other) = default;
     StateObject_2_0& operator=(const StateObject_2_0& other) = default;
     virtual ~StateObject_2_0();
 
-    /// The same with the colour that is current (RGBA). All else is as in a new context, whatever the
-    /// current one has.
+    /// The same with the current colour (RGBA). All else is as in a new context, whatever the current
+    /// one has.
     static StateObject_2_0 CurrentState();
 
     float4 currentColor() const { return currentColor_; }

@@ -11,8 +11,8 @@ namespace ZLT::OGL {
 /// vocabulary of the family. Each enumeration counts from 0, and its enumerators are the GL tokens without
 /// their `GL_`.
 ///
-/// The methods act on the texture that is bound at target() in the active unit, and don't test that it is
-/// this one, but where it is said: bind with TextureUnit::bind() first.
+/// The methods act on the texture that is bound at target() in the active unit. They check that it is this
+/// one only where they say so: bind with TextureUnit::bind() first.
 class ZLT_OGL_API Texture : public Object {
 public:
     /// What a texture binds to.
@@ -33,7 +33,7 @@ public:
         TEXTURE_BINDING_2D_ARRAY = 4,
         TEXTURE_BINDING_RECTANGLE_ARB = 5,
     };
-    /// How texels become a sample; the four with MIPMAP are for minification alone.
+    /// How texels become a sample; the four with MIPMAP are only for minification.
     enum class Filter : unsigned int {
         NEAREST = 0,
         LINEAR = 1,
@@ -42,7 +42,7 @@ public:
         NEAREST_MIPMAP_LINEAR = 4,
         LINEAR_MIPMAP_LINEAR = 5,
     };
-    /// What lies beyond the edges.
+    /// What is beyond the edges.
     enum class WrapMode : unsigned int {
         CLAMP = 0,
         CLAMP_TO_BORDER = 1,
@@ -88,8 +88,8 @@ public:
         UNSIGNED_INT_2_10_10_10_REV = 19,
         HALF_APPLE = 20,
     };
-    /// Parameters of `glPixelStorei`. Skipped pixels stand in front of skipped rows and images: not the
-    /// order of the GL values.
+    /// Parameters of `glPixelStorei`. Skipped pixels come before skipped rows and images, which is not
+    /// the order of the GL values.
     enum class PixelStoreMode : unsigned int {
         PACK_SWAP_BYTES = 0,
         PACK_LSB_FIRST = 1,
@@ -166,15 +166,15 @@ public:
     ~Texture() noexcept override;
 
     /// @name Size
-    /// In texels. Each level halves the level below, rounded down: behind the last one the size is 0, not
+    /// In texels. Each level halves the level below, rounded down: after the last one the size is 0, not
     /// 1. The level is taken modulo 64.
     /// @{
     std::uint64_t width(unsigned int level) const;
-    /// 1 for a one-dimensional texture at level 0; for a one-dimensional array, the layers, halved all the
-    /// same.
+    /// 1 for a one-dimensional texture at level 0; for a one-dimensional array, the number of layers,
+    /// halved as well.
     std::uint64_t height(unsigned int level) const;
-    /// 1 for a one- or two-dimensional texture at level 0; for a two-dimensional array the layers, at each
-    /// level.
+    /// 1 for a one- or two-dimensional texture at level 0; for a two-dimensional array the number of
+    /// layers, at each level.
     virtual std::uint64_t depth(unsigned int level) const;
     /// @}
 
@@ -182,19 +182,19 @@ public:
     InternalFormat format() const { return internalFormat_; }
     /// @throws InternalException as Channels()
     std::uint64_t channels() const;
-    /// Bytes of level 0, by SizeInBytes(). The first call computes them, and each gives their low 32 bits.
+    /// Bytes of level 0, by SizeInBytes(). The first call computes them; each call returns the low 32 bits.
     /// @throws InternalException as SizeInBytes(), at each call
     int sizeInBytes() const;
 
     void setFilter(Filter minFilter, Filter magFilter);
     /// @param rgba  four components
     void setBorderColor(const float* rgba);
-    /// Whether a change of level 0 makes the other levels anew; see supportsAutoMIPGeneration().
+    /// Whether the other levels are generated again when level 0 changes; see supportsAutoMIPGeneration().
     void enableAutoMIPGeneration(bool on);
 
     /// @name What the current context can do
     /// @{
-    /// Whether textures of this GL target exist; false for a value that is no texture's target.
+    /// Whether textures of this GL target exist; false for a value that is not a texture target.
     static bool IsTargetSupported(unsigned int glTarget);
     /// By `GL_SGIS_generate_mipmap`, or a version of 1.4 to 2.x; false for 3.0 without the extension,
     /// which has other means.
@@ -248,7 +248,7 @@ protected:
             std::uint64_t height, std::uint64_t depth);
 
     /// Saves the pixel store state on GL's stack, and sets the alignment of rows that are read back
-    /// (`GL_PACK_ALIGNMENT`) or handed over (`GL_UNPACK_ALIGNMENT`). popPixelTransferModes() ends it.
+    /// (`GL_PACK_ALIGNMENT`) or passed to GL (`GL_UNPACK_ALIGNMENT`). popPixelTransferModes() ends it.
     /// @param bytes  1, 2, 4 or 8
     /// @throws InternalException "Invalid row byte alignment (must be of 1, 2, 4, or 8)."; nothing is
     ///         saved then
@@ -256,7 +256,7 @@ protected:
     static void pushAndSetTransferByteAlignment(unsigned int bytes);
     static void popPixelTransferModes();
 
-    /// Does nothing: the place for a test that this texture is bound.
+    /// Does nothing: the place for a check that this texture is bound.
     void verifyCurrentTextureObject() const {}
 
     std::uint64_t baseDepth() const { return depth_; } ///< Of level 0.

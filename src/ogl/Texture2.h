@@ -12,11 +12,11 @@ class Buffer;
 
 /// A texture with a width and a height. Its storage is allocated at construction; pixels enter through
 /// subImage() and copyTexSubImage() and leave through getPixelData(). The texture must be bound in the
-/// active unit for all of it.
+/// active unit for every method.
 ///
-/// Besides what stands at each method, a value outside an enumeration is refused as by its translation
+/// Besides what each method lists, a value outside an enumeration is refused as by its translation
 /// (Format2GL() and so on), unpack parameters as by PixelUnpackParameters::apply(), and a null buffer with
-/// "Enforce buffer != NULL". The pixel store state is as before then.
+/// "Enforce buffer != NULL". The pixel store state is unchanged then.
 class ZLT_OGL_API Texture2 : public Texture {
 public:
     ~Texture2() noexcept override;
@@ -36,7 +36,7 @@ public:
     /// @throws InternalException "Texture must be bound", "COLOR_INDEX not allowed here!", "Invalid row
     ///         byte alignment (must be of 1, 2, 4, or 8)."
     void getPixelData(void* data, int level, Format format, Type type, unsigned int rowAlignment) const;
-    /// Reads a level into a pixel buffer, which is bound for this alone.
+    /// Reads a level into a pixel buffer, which is bound only for this.
     /// @param offset  in bytes
     /// @throws InternalException as above, after the first one "Pixel Buffer Object cannot be memory
     ///         mapped during data transfer"; and as Buffer::convertToPackBuffer() for a buffer that is
@@ -52,7 +52,7 @@ public:
     ///         is greater than width of image (4) "); before any GL call
     void subImage(int level, int x, int y, std::uint64_t width, std::uint64_t height, Format format,
                   Type type, const void* data, const PixelUnpackParameters& parameters);
-    /// The same from a pixel buffer, which is bound for this alone.
+    /// The same from a pixel buffer, which is bound only for this.
     /// @param offset  in bytes
     /// @throws InternalException as above, then "offset(8) is greater than pixel buffer object size8",
     ///         "Pixel Buffer Object cannot be memory mapped during data transfer", and as
@@ -69,9 +69,9 @@ public:
 protected:
     /// Level 0, or with `mipmaps` all levels down to one texel; nearest filters, clamped to the edge.
     /// @param clientStorage  pixels (BGRA, bytes) for each level, or null. With `GL_APPLE_client_storage`
-    ///                       the driver may go on reading them; they stay the caller's.
+    ///                       the driver may keep reading them; the caller still owns them.
     /// @throws InternalException "Texture2::ctor hardware only supports power of two textures", where the
-    ///         driver has neither others nor rectangle textures
+    ///         driver supports neither other sizes nor rectangle textures
     Texture2(Target target, TargetBinding binding, InternalFormat format, std::uint64_t width,
              std::uint64_t height, bool mipmaps, void* clientStorage);
 

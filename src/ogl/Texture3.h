@@ -12,12 +12,12 @@ class Buffer;
 
 /// A texture with a width, a height and a depth. Its storage is allocated at construction; pixels enter
 /// through subImage() and copyTexSubImage() and leave through getPixelData(). The texture must be bound in
-/// the active unit for all of it; nothing tests that.
+/// the active unit for every method; nothing checks that.
 ///
-/// Besides what stands at each method, a value outside an enumeration is refused as by its translation
-/// (Format2GL() and so on), but for the format and type of a subImage() from a buffer, which GL refuses;
+/// Besides what each method lists, a value outside an enumeration is refused as by its translation
+/// (Format2GL() and so on), except for the format and type of a subImage() from a buffer, which GL refuses;
 /// unpack parameters as by PixelUnpackParameters::apply(), and a null buffer with "Enforce buffer != NULL".
-/// The pixel store state is as before then.
+/// The pixel store state is unchanged then.
 class ZLT_OGL_API Texture3 : public Texture {
 public:
     ~Texture3() noexcept override;
@@ -34,7 +34,7 @@ public:
     /// @throws InternalException "COLOR_INDEX not allowed here!", "Invalid row byte alignment (must be of
     ///         1, 2, 4, or 8)."
     void getPixelData(void* data, int level, Format format, Type type, unsigned int rowAlignment) const;
-    /// Reads a level into a pixel buffer, which is bound for this alone. GL itself refuses COLOR_INDEX.
+    /// Reads a level into a pixel buffer, which is bound only for this. GL itself refuses COLOR_INDEX.
     /// @param offset  in bytes
     /// @throws InternalException "Pixel Buffer Object cannot be memory mapped during data transfer", then
     ///         as above; and as Buffer::convertToPackBuffer() for a buffer that is bound in another role,
@@ -51,7 +51,7 @@ public:
     void subImage(int level, int x, int y, int z, std::uint64_t width, std::uint64_t height,
                   std::uint64_t depth, Format format, Type type, const void* data,
                   const PixelUnpackParameters& parameters);
-    /// The same from a pixel buffer, which is bound for this alone. Format and type reach GL as the
+    /// The same from a pixel buffer, which is bound only for this. Format and type reach GL as the
     /// numbers of their enumerators, which GL refuses: use memory, or a Texture2.
     /// @param offset  in bytes
     /// @throws InternalException as above, then "offset(8) is greater than pixel buffer object size8",
@@ -74,7 +74,7 @@ protected:
     /// @throws InternalException "Texture3::ctor hardware only supports power of two textures"
     Texture3(Target target, TargetBinding binding, InternalFormat format, std::uint64_t width,
              std::uint64_t height, std::uint64_t depth, bool mipmaps);
-    /// One level, filled with `data`, by the pixel store state in force: `parameters` are not applied.
+    /// One level, filled with `data`, by the current pixel store state: `parameters` are not applied.
     Texture3(Target target, TargetBinding binding, InternalFormat format, int level, std::uint64_t width,
              std::uint64_t height, std::uint64_t depth, Format pixelFormat, Type type, const void* data,
              const PixelUnpackParameters& parameters);

@@ -14,10 +14,10 @@ public:
     /// @throws InternalException as Texture3
     Texture3D(InternalFormat format, std::uint64_t width, std::uint64_t height, std::uint64_t depth,
               bool mipmaps);
-    /// One level alone, with its pixels.
+    /// Only one level, with its pixels.
     /// @param level               the level to allocate
     /// @param width,height,depth  of that level, in texels
-    /// @param data                the pixels, read by the pixel store state in force
+    /// @param data                the pixels, read by the current pixel store state
     /// @param parameters          not applied: apply them before
     /// @throws InternalException as Texture3, and as Format2GL() and Type2GL()
     Texture3D(InternalFormat format, int level, std::uint64_t width, std::uint64_t height,

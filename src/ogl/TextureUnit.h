@@ -44,7 +44,7 @@ public:
     /// The unit of this number, from 0. It lives until the library stops.
     /// @throws InternalException "isInitialized()" before the library has started, "unit <
     ///         ExtensionManager::Instance()->numberOfTextureUnits()" for a unit that the current context
-    ///         hasn't, "pavUnits_", "unit < (*pavUnits_).size()" for one that no display device had at the
+    ///         lacks, "pavUnits_", "unit < (*pavUnits_).size()" for one that no display device had at the
     ///         start
     static TextureUnit* Unit(unsigned int unit);
 
@@ -83,7 +83,7 @@ public:
     bool isEnabledRECT() const;
 
     void setEnv(Environment mode) const;
-    /// @throws InternalException as GL2Environment(), for a mode that is set past this class
+    /// @throws InternalException as GL2Environment(), for a mode outside the enumeration
     Environment getEnv() const;
     /// @}
 
@@ -95,9 +95,9 @@ public:
     /// @}
 
     /// Makes room for the units. The library calls it.
-    /// @throws InternalException "!pavUnits_" when it was called before, by a start that failed behind it too
+    /// @throws InternalException "!pavUnits_" when it was called before, even by a start that failed later
     static void initialize();
-    /// Destroys the units. The library calls it; after a start that failed, a client does, before the next.
+    /// Destroys the units. The library calls it; a client does after a start that failed, before the next.
     /// Never while the library is started: it could neither stop nor start again.
     /// @throws InternalException "pavUnits_" without initialize()
     static void terminate();
@@ -108,13 +108,13 @@ private:
     explicit TextureUnit(std::uint64_t unit) : unit_(unit) {}
 
     static bool isInitialized();
-    // As many as the current context has; the context itself isn't asked.
+    // As many as the current context has; the context itself isn't queried.
     static void Create(Context* context);
     // As many as this.
     static void Create(unsigned int count);
     static void Destroy();
 
-    // That there are units; the one that is active isn't looked at.
+    // Checks that there are units; which one is active doesn't matter.
     void verifyActiveTexture() const;
     void bindName(unsigned int target, unsigned int name) const;
     void enable(unsigned int target) const;
