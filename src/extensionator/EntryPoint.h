@@ -4,7 +4,7 @@
 #include "extensionator/FunctionTable.h"
 
 /// @file
-/// How the library reaches GL past the chain. A function of GL 1.1 is called by its plain name; every
+/// How the library reaches GL without the chain. A function of GL 1.1 is called by its plain name; every
 /// later one through the table of the current context, so that each display device is driven by its own
 /// entry points:
 ///

@@ -15,7 +15,7 @@ namespace ZLT::OGL {
 
 class Context;
 
-/// What a start may be told. Kept for clients that set them: neither changes what the library does.
+/// Options of a start. Kept for clients that set them: neither changes what the library does.
 class ZLT_OGL_API StartOptions {
 public:
     /// True from the start.
@@ -37,11 +37,11 @@ private:
 ///
 /// There is one manager for each display device name, and contexts of one name share it. Managers are made
 /// while the library starts, or by the first context on a new device, and live until the library stops; what
-/// they know is fixed from then on, so that any thread may read it. Nothing is loaded but what the driver
-/// names: ask isSupported() before a call through table().
+/// they know is fixed from then on, so that any thread may read it. Only what the driver names is loaded:
+/// check isSupported() before a call through table().
 class ZLT_OGL_API ExtensionManager {
 public:
-    /// By whom the driver is, as `GL_VENDOR` tells.
+    /// The driver's vendor, from `GL_VENDOR`.
     enum teVendor {
         VENDOR_UNKNOWN = 0,
         VENDOR_ATI = 1,
@@ -57,7 +57,7 @@ public:
 
     /// The manager of the calling thread's current context. With no context current, while the library is
     /// started, it is a manager that supports nothing and whose table is all null. Callable from any thread;
-    /// a lookup without allocation, made anew by each call.
+    /// each call makes one lookup, without allocation.
     /// @throws InternalException "currentContext either not created with ZLT::OGL" when the current context
     ///         is not known to the library (wrap it in a ContextWrapped), or when none is current and the
     ///         library is not started
@@ -89,16 +89,16 @@ public:
     bool initialize(teExtension extension);
     /// The same for the GL versions and extensions alone; false for a WGL extension.
     bool initializeGL(teExtension extension);
-    /// The value of the GL version or extension of this exact name, as "GL_ARB_multitexture" or
+    /// The value of the GL version or extension of this exact name, such as "GL_ARB_multitexture" or
     /// "GL_VERSION_2_0", or EXTENSION_NOT_FOUND. `name` must not be null.
     teExtension nameToEnumGL(const char* name);
 
-    /// What options the managers are made with: the default ones.
+    /// The options with which the managers are made: the default ones.
     static const InitOptions& initOptions();
 
     /// @name Capabilities
-    /// What the driver can do, by its version and extensions together. Those that say so answer for the
-    /// manager of the current context, whatever object they are called on, and throw as Instance() does.
+    /// What the driver can do, by its version and extensions together. Those marked so answer for the manager
+    /// of the current context, whichever object they are called on, and throw as Instance() does.
     /// @{
     bool supportsFloatingPointTextures() const;
     /// Of the current context's manager.
@@ -117,11 +117,11 @@ public:
     /// How many texture image units a shader or the fixed pipeline has; a context of this manager must be
     /// current.
     unsigned int numberOfTextureUnits() const;
-    /// Whether textures of 16-bit floats can be filtered linearly: by the vendor where that tells, by an
-    /// experiment otherwise, whose answer is kept for the manager's life. A context of this manager must be
-    /// current, and is again behind the experiment, which draws on a context of its own on the primary
-    /// display. It needs the library to be started and `WGL_ARB_render_texture`; one that fails tells no.
-    /// Without `GL_EXT_gpu_shader4` the answer is no.
+    /// Whether textures of 16-bit floats can be filtered linearly. The vendor decides where that is enough,
+    /// otherwise an experiment, whose answer is kept for the manager's life. A context of this manager must
+    /// be current, and is current again after the experiment, which draws on a context of its own on the
+    /// primary display. It needs a started library and `WGL_ARB_render_texture`; when it fails the answer is
+    /// no. Without `GL_EXT_gpu_shader4` the answer is no.
     bool supportsHalfFiltering();
     /// The same for 32-bit floats; `GL_EXT_gpu_shader4` counts for NVIDIA's drivers alone.
     bool supportsFloatFiltering();
@@ -147,7 +147,7 @@ private:
     static ExtensionManager* Create(const DISPLAY_DEVICEA& device);
     // Files the context's handle under the manager of its device.
     static void RegisterContext(Context& context);
-    // Unless it is filed already.
+    // Does nothing if it is filed already.
     static void file(HGLRC context, ExtensionManager* manager);
     static void UnRegisterContext(Context& context);
     static ExtensionManager* nullExtensionManager();
@@ -170,7 +170,7 @@ private:
 
     static std::vector<ExtensionManager*> perDeviceEM_; // owns them, in order of creation
     static ExtensionManager* cachedNullExtMgrInstance;  // while the library is started
-    // Library tells, which stands above: a start that failed leaves the instance, but not this.
+    // Set by Library, which is a floor above: a start that failed leaves the instance, but not this.
     static bool answersWithoutContext_;
     static const InitOptions oInitOptions_;
 
@@ -181,7 +181,7 @@ private:
     String additionalVersionInfo_;
     teVendor vendor_ = VENDOR_UNKNOWN;
     bool supportsNonPowerOfTwo_ = false;
-    // What the experiments told, each at the first question that needs it; not locked.
+    // The experiments' results, each made by the first call that needs it; not locked.
     bool halfFilteringTested_ = false;
     bool halfFilteringResult_ = false;
     bool floatFilteringTested_ = false;

@@ -10,7 +10,7 @@ namespace ZLT::OGL {
 ///
 /// Each entry needs a current context. An entry outside GL 1.1 goes through the table of the context's
 /// ExtensionManager: the library must know the context, and one whose version or extension isn't loaded is a
-/// call through a null pointer, so ask isSupported() first. A call reads one error; others that the driver
+/// call through a null pointer, so check isSupported() first. A call reads one error; others that the driver
 /// holds stay set for later calls, and an error that was left over from a call outside the chain is reported
 /// by the next call inside it, with that call's file and line.
 ///

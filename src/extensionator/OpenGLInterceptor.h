@@ -17,13 +17,13 @@ class OpenGLInterceptorDecorator;
 ///     CGM(BindTexture, GL_TEXTURE_2D, name); // the same
 ///
 /// The call passes through the layers that were added, from the newest to the oldest, and ends in an
-/// OpenGLErrorChecker, which calls the driver and throws ExceptionOGL when `glGetError` has something to say.
+/// OpenGLErrorChecker, which calls the driver and throws ExceptionOGL when `glGetError` reports an error.
 ///
-/// The call shape is the same for all: `glName` becomes `cgmName`; `file` and `line` of the client's call
-/// come first, then the GL function's own parameters, in plain types (`unsigned int` for `GLenum`, `long
-/// long` for `GLsizeiptr`); the result is the GL function's. Half floats travel by value as `unsigned int`.
+/// All calls have the same form: `glName` becomes `cgmName`; `file` and `line` of the client's call come
+/// first, then the GL function's own parameters, in plain types (`unsigned int` for `GLenum`, `long long` for
+/// `GLsizeiptr`); the result is the GL function's. Half floats are passed by value as `unsigned int`.
 ///
-/// Layers are added and taken off by one thread at a time, while no other is in a call. The entries
+/// Layers are added and removed by one thread at a time, while no other is in a call. The entries
 /// themselves may be called from any thread that has a current context; they share the layers and their
 /// state.
 class ZLT_OGL_API OpenGLInterceptor {
@@ -32,28 +32,28 @@ public:
     OpenGLInterceptor& operator=(const OpenGLInterceptor&) = delete;
 
     /// The head of the chain: the layer that was added last, or the OpenGLErrorChecker, which is made when
-    /// the chain is empty. The chain owns the checker and the client every other layer. Needs no context and
-    /// no initialised library. Null only when there was no memory for the checker.
+    /// the chain is empty. The chain owns the checker, the client owns every other layer. Needs no context
+    /// and no initialised library. Null only when there was no memory for the checker.
     static OpenGLInterceptor* Instance();
 
-    /// Deletes the checker and empties the chain, which does nothing to an empty one. Pop all layers first.
+    /// Deletes the checker and empties the chain; does nothing to an empty one. Pop all layers first.
     /// @throws InternalException "Enforce dynamic_cast<OpenGLErrorChecker *>(gInterceptor) != NULL" while a
     ///         layer is installed; the chain is unchanged then
     static void destroy();
 
-    /// Pushes `layer` in front of the chain, and makes the old head its next layer, whatever its constructor
-    /// was given. Works on the one chain of the process, from whichever layer it is called. Nothing is
+    /// Pushes `layer` in front of the chain, and makes the old head its next layer, whatever was given to its
+    /// constructor. Works on the one chain of the process, whichever layer it is called on. Nothing is
     /// checked: a null layer is the caller's error, and a layer that is added twice makes a cycle.
-    /// @param layer  stays the client's, and must live until it was popped
+    /// @param layer  owned by the client; must live until it is popped
     void addInterceptor(OpenGLInterceptorDecorator* layer);
 
-    /// Takes the head off the chain and hands it back to its owner; its next layer is left as it was.
+    /// Removes the head of the chain and returns it to its owner; its next layer stays as it was.
     /// @return null, and nothing is changed, when only the checker is there or nothing at all
     OpenGLInterceptorDecorator* popInterceptor();
 
 #include "extensionator/InterceptorEntries.inl"
 
-    // The last virtual slot, behind all entries.
+    // The last virtual slot, after all entries.
     virtual ~OpenGLInterceptor();
 
 protected:

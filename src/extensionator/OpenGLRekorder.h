@@ -14,21 +14,21 @@ namespace ZLT::OGL {
 /// gives the whole format; examples/replay is a program around a recording. The text is the statements alone,
 /// in call order, without a function around them.
 ///
-/// A call is written before it goes on, so a recording holds calls that fail, and nothing of what a call
-/// returned: names and locations stand in later calls as the numbers that they had. Of the 1,833 functions
+/// A call is written before it is passed on, so a recording holds calls that fail, and nothing of what a
+/// call returned: in later calls, names and locations are the numbers that they had. Of the 1,833 functions
 /// 856 take no pointers and are recorded by their values, floats exactly and doubles with the digits that the
 /// stream shows. 67 have a form of their own: 2D images of bytes and floats, float matrices, uniform
 /// arrays, a few short vectors, names that are made, looked up and deleted, shader source, queries. Each of
-/// the other 910 leaves a marker, `OpenGLRekorderUnsupported("...")`. Whatever was written, the call goes on
-/// to the driver. An image of another type or format leaves a line that no compiler takes;
-/// docs/recording-format.md tells what else is lost.
+/// the other 910 leaves a marker, `OpenGLRekorderUnsupported("...")`. Whatever was written, the call is
+/// passed on to the driver. An image of another type or format leaves a line that does not compile;
+/// docs/recording-format.md says what else is lost.
 ///
-/// What the recorder reads of the caller's memory, without a test for null unless told:
+/// What the recorder reads of the caller's memory, without checking for null unless stated:
 /// - `cgmTexImage2D` (null is allowed) and `cgmTexSubImage2D`: width * height pixels, tightly packed,
 ///   whatever the pixel store says; an offset into a bound unpack buffer is read as an address;
 /// - `cgmDeleteTextures`, `cgmDeleteQueries`, `cgmDeleteFramebuffersEXT`, `cgmDrawBuffersARB`: 8 bytes for
 ///   each element, which is twice the array;
-/// - `cgmTexParameterfv`: four floats, also for a parameter of one value;
+/// - `cgmTexParameterfv`: four floats, even for a parameter of one value;
 /// - matrices: 16 values; uniform arrays: `count` elements; names and shader source: up to the zero byte,
 ///   or the given length.
 ///
@@ -45,7 +45,7 @@ public:
     /// Writes nothing yet.
     /// @param text          gets the statements; not owned
     /// @param data          gets the records; not owned. A binary stream at its beginning, which nobody else
-    ///                      writes to: the text holds positions in it
+    ///                      may write to: the text holds positions in it
     /// @param next          the next layer; addInterceptor() replaces it. No call may pass while it is null
     /// @param lineComments  whether each statement shows the caller's file and line
     OpenGLRekorder(std::ostream& text, std::ostream& data, OpenGLInterceptor* next, bool lineComments);
@@ -61,7 +61,7 @@ public:
     /// The stream of records.
     std::ostream* binaryOutputStream();
     const std::ostream* binaryOutputStream() const;
-    /// Writes records to `out` from the next call on. Positions go on counting from where they were.
+    /// Writes records to `out` from the next call on. Positions continue from where they were.
     void setBinaryOutputStream(std::ostream& out);
 
 #include "extensionator/LayerEntries.inl"

@@ -7,19 +7,19 @@
 
 namespace ZLT::OGL {
 
-/// A layer that writes one line of text for each call, then hands the call on:
+/// A layer that writes one line of text for each call, then passes the call on:
 ///
 ///     main.cpp:41: glBindTexture(GL_TEXTURE_2D, 5)
 ///
-/// The line is complete before the call goes on, so the trace shows a call that fails, and output parameters
-/// as they were before it. Results are not written. docs/trace-format.md tells how each type of value looks;
+/// The line is complete before the call is made, so the trace shows a call that fails, and output parameters
+/// as they were before it. Results are not written. docs/trace-format.md says how each type of value looks;
 /// numbers follow the flags, the precision and the locale of the stream, which the tracer never touches.
 ///
 /// A parameter that points at characters or bytes (`GLchar`, `GLubyte`, `GLbyte`, `GLboolean`) is written as
-/// text up to a zero byte, also where it is binary data or memory for a result. It must be readable so far
-/// and not null.
+/// text up to a zero byte, even where it is binary data or memory for a result. It must be readable up to
+/// there and not null.
 ///
-/// The tracer neither flushes nor tests the stream: what a failed stream loses is lost, and the call goes on.
+/// The tracer neither flushes nor checks the stream: what a failed stream loses is lost; the call is made.
 /// When the stream is set to throw, the exception leaves the entry and the call is not made. The tracer takes
 /// no lock; lines of threads that call at the same time mix.
 class ZLT_OGL_API OpenGLTracer : public OpenGLInterceptorDecorator {

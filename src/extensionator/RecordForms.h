@@ -9,10 +9,10 @@ namespace ZLT::OGL::RecordForms {
 
 using namespace ValueForms;
 
-/// What stands behind the last argument of a call: the end of the line too, unless a comment follows.
+/// What comes after the last argument of a call: the end of the line too, unless a comment follows.
 inline std::string_view callEnd(bool lineComments) { return lineComments ? ");" : ");\n"; }
 
-/// Behind callEnd(): "\t\t// file, line 12" and the end of the line, or nothing when no comment is wanted.
+/// After callEnd(): "\t\t// file, line 12" and the end of the line, or nothing when no comment is wanted.
 struct LineComment {
     LineComment(bool wanted, const char* file, unsigned int line) : wanted(wanted), file(file), line(line) {}
     bool wanted;
@@ -34,7 +34,7 @@ inline std::ostream& operator<<(std::ostream& out, LineComment comment) {
     return out << "\t\t// " << comment.file << ", line " << Number(comment.line, "\n");
 }
 
-/// Both together, where the end of the call goes by itself.
+/// Both together, where the end of the call is written by itself.
 struct CallEnd : LineComment {
     using LineComment::LineComment;
 };

@@ -11,7 +11,7 @@ namespace ZLT::OGL::TextureState {
 ZLT_OGL_API void setActiveTextureUnit(unsigned int unit);
 /// The unit that texture calls act on, from 0.
 ZLT_OGL_API unsigned int activeTextureUnit();
-/// Whether textures of this GL target exist here; false for a value that is no target of a texture's image.
+/// Whether textures of this GL target exist here; false for a value that is not a target of an image.
 ZLT_OGL_API bool IsTargetSupported(unsigned int target);
 /// As ExtensionManager::supportsNonPowerOfTwoTextures() of the current context's manager.
 ZLT_OGL_API bool supportsNonPowerOfTwo();

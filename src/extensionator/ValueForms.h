@@ -19,9 +19,9 @@
 /// @file
 /// How a value of a GL call becomes text: one inserter for each form, used by every layer that writes.
 ///
-/// A number goes by the stream's own inserter, which follows its flags, precision, width and locale; while
-/// all of these are as in a new stream, a short route writes the same bytes in a fraction of the time. Text
-/// needs no short route. Streams that fail or throw behave alike on both, since either ends in one insertion.
+/// A number uses the stream's own inserter, which follows its flags, precision, width and locale; while all
+/// of these are as in a new stream, a short route writes the same bytes in a fraction of the time. Text needs
+/// no short route. Streams that fail or throw behave alike on both, since either ends in one insertion.
 
 namespace ZLT::OGL::ValueForms {
 
@@ -62,7 +62,7 @@ inline std::uint64_t digitBytes(std::uint32_t number) {
     return pair(number / 10000) | pair(number / 100 % 100) << 16 | pair(number % 100) << 32;
 }
 
-/// Writes `value` as "%g" does, if its magnitude is 0 or lies where that shows no exponent, and returns the
+/// Writes `value` as "%g" does, if its magnitude is 0 or one for which that shows no exponent; returns the
 /// end of the text; returns null otherwise. Exact, with ties to even: bench/ShortReals compares it with
 /// `std::to_chars` for all 2^32 floats. Digits are written eight bytes at a time, also beyond the end of the
 /// text; `to` has room for maxRealSize.
@@ -171,7 +171,7 @@ private:
 
 } // namespace Detail
 
-/// What stands behind an argument. Each form takes it along into its own insertion.
+/// What comes after an argument. Each form writes it in its own insertion.
 inline constexpr std::string_view comma = ", ";
 inline constexpr std::string_view closing = ")\n";
 

@@ -4,7 +4,7 @@
 
 namespace ZLT::OGL {
 
-/// Base of the layers that stand in front of the checker. A layer overrides all 20 entries: each does the
+/// Base of the layers in front of the checker. A layer overrides all 20 entries: each does the
 /// layer's own work, calls the same entry of `interceptor()` with the same file, line and arguments, and
 /// returns what that returned. `#include "extensionator/win/wglLayerEntries.inl"` declares the overrides in a
 /// class body.
@@ -17,7 +17,7 @@ public:
     /// The next layer; null until one was set, and then no call may pass.
     wglInterceptor* interceptor();
     const wglInterceptor* interceptor() const;
-    /// Replaces the next layer, which stays its owner's.
+    /// Replaces the next layer, which is not owned.
     void setInterceptor(wglInterceptor* next);
 
 private:

@@ -10,12 +10,12 @@ namespace ZLT::OGL {
 
 /// A layer that records WGL calls as source text, in the style of OpenGLRekorder: built over the same text
 /// stream as that one, it puts the changes of contexts between the GL calls. Device contexts and rendering
-/// contexts stand in the text as the handles that they were, and a replay maps them to its own: for calls
+/// contexts are in the text as the handles that they were, and a replay maps them to its own: for calls
 /// that depend on a window the text calls helpers that the replay supplies (docs/recording-format.md).
 ///
 /// Nine functions can't be recorded (fonts, layer planes and palettes, wglSwapMultipleBuffers): they throw
 /// InternalException "!\"Missing code to record this wgl function!\"", write nothing and don't reach the
-/// driver. `wcgmGetProcAddress` leaves a marker and goes straight to the platform, past all layers behind
+/// driver. `wcgmGetProcAddress` leaves a marker and goes straight to the platform, without the layers after
 /// this one.
 class ZLT_OGL_API wglRekorder : public wglInterceptorDecorator {
 public:
