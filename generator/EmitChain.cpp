@@ -61,14 +61,14 @@ void emitInterceptMacros(const std::vector<EntryPoint>& entries, const std::file
 
 /// @file
 /// Sends the GL calls of an existing program through the chain: compile its sources again with this header in
-/// front (`-include extensionator/gl_intercept.h`), or include it behind the GL headers. Each `glName(...)`
+/// front (`-include extensionator/gl_intercept.h`), or include it after the GL headers. Each `glName(...)`
 /// then stands for the `cgm` entry of that name with the file and line of the call. The calls are C++, and a
-/// GL error is an exception. What is no call (an address such as `&glFlush`) still means GL itself.
+/// GL error is an exception. What is not a call (an address such as `&glFlush`) still means GL itself.
 ///
 /// The macros take every name that is followed by an opening bracket. So all headers that declare GL functions
-/// or call them inline, and sources that call members of these names (`table().glUniform1i(...)`), come in
-/// front of this header. A program that defines GL_GLEXT_PROTOTYPES in its sources, for functions that came
-/// after GL 3.0, needs it in front as well: on the command line, when the header is included from there.
+/// or call them inline, and sources that call members of these names (`table().glUniform1i(...)`), come
+/// before this header. A program that defines GL_GLEXT_PROTOTYPES in its sources, for functions that came
+/// after GL 3.0, must define it before as well: on the command line, when this header is included there.
 
 #ifndef __cplusplus
 #error "gl_intercept.h needs a C++ compiler: build this source as C++"

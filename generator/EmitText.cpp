@@ -100,7 +100,7 @@ void emitTokenHeader(const std::vector<Token>& tokens, const std::filesystem::pa
         "#pragma once\n\n"
         "/// @file\n"
         "/// Every name that TokenName gives, with the value that it has there, for sources that are\n"
-        "/// recordings: include it behind the GL headers. Some names are missing in later GL headers, and\n"
+        "/// recordings: include it after the GL headers. Some names are missing in later GL headers, and\n"
         "/// a few have another value.\n";
     for (const Token& token : tokens)
         text +=

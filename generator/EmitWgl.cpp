@@ -54,9 +54,9 @@ std::string functionHeader(const std::vector<WglGroup>& groups) {
 
 /// @file
 /// One pointer for each function of the WGL extensions, for the whole process: null until an extension manager
-/// loads the extension, and overwritten by each manager that does. ExtensionManager::isSupported() tells
-/// whether the current context's display has the extension. On Linux they lead to the platform layer, which
-/// names the ones that it has in its extension string.
+/// loads the extension, and overwritten by each manager that does. ExtensionManager::isSupported() says
+/// whether the current context's display has the extension. On Linux they are functions of the platform
+/// layer, whose extension string names the extensions that it has.
 
 // NOLINTBEGIN(bugprone-reserved-identifier)
 namespace ZLT {
