@@ -225,7 +225,7 @@ struct Native {
     bool operator==(const Native&) const = default;
 };
 
-class Adoption : public ::testing::TestWithParam<Toolkit> {
+class AdoptionDriverTest : public ::testing::TestWithParam<Toolkit> {
 protected:
     void SetUp() override {
         if (!std::getenv("DISPLAY") && !std::getenv("WAYLAND_DISPLAY"))
@@ -246,7 +246,7 @@ protected:
     std::unique_ptr<ToolkitWindow> window_;
 };
 
-class SecondWindow : public Adoption {};
+class SecondWindowDriverTest : public AdoptionDriverTest {};
 
 std::array<std::uint8_t, 4> drawnIn(float red, float green, int x = 1, int y = 1) {
     glClearColor(red, green, 0, 1);
@@ -258,7 +258,7 @@ std::array<std::uint8_t, 4> drawnIn(float red, float green, int x = 1, int y = 1
 
 } // namespace
 
-TEST_P(Adoption, theToolkitsContextIsTheCurrentOneAndStaysIt) {
+TEST_P(AdoptionDriverTest, theToolkitsContextIsTheCurrentOneAndStaysIt) {
     const Native before;
     EXPECT_EQ(before.egl != nullptr, window_->isEgl());
     const HGLRC adopted = Context::currentContext();
@@ -303,7 +303,7 @@ TEST_P(Adoption, theToolkitsContextIsTheCurrentOneAndStaysIt) {
     EXPECT_EQ(drawnIn(1, 0)[0], 255);
 }
 
-TEST_P(Adoption, aContextOfOursSharesWithTheToolkits) {
+TEST_P(AdoptionDriverTest, aContextOfOursSharesWithTheToolkits) {
     const Native before;
     {
         const ContextWrapped wrapped(wglGetCurrentDC(), Context::currentContext(), window_->handle());
@@ -339,7 +339,7 @@ TEST_P(Adoption, aContextOfOursSharesWithTheToolkits) {
     EXPECT_EQ(Native(), before);
 }
 
-TEST_P(Adoption, whatTheToolkitMakesCurrentLaterIsSeen) {
+TEST_P(AdoptionDriverTest, whatTheToolkitMakesCurrentLaterIsSeen) {
     const HGLRC adopted = Context::currentContext();
     const HDC device = wglGetCurrentDC();
     const ContextWrapped wrapped(device, adopted, nullptr);
@@ -361,7 +361,7 @@ TEST_P(Adoption, whatTheToolkitMakesCurrentLaterIsSeen) {
     wrapped.makeCurrent();
 }
 
-TEST_P(Adoption, whatTheToolkitClosedIsNotTouchedAgain) {
+TEST_P(AdoptionDriverTest, whatTheToolkitClosedIsNotTouchedAgain) {
     auto wrapped = std::make_unique<ContextWrapped>();
     auto sharing = std::make_unique<ContextOffscreen>(wrapped.get());
     sharing->makeCurrent();
@@ -388,7 +388,7 @@ TEST_P(Adoption, whatTheToolkitClosedIsNotTouchedAgain) {
     releaseOGLContext();
 }
 
-TEST_P(SecondWindow, hasTheSizeThatTheProgramTellsAndStaysTheToolkits) {
+TEST_P(SecondWindowDriverTest, hasTheSizeThatTheProgramTellsAndStaysTheToolkits) {
     const HWND window = window_->secondHandle(width, height);
     RECT area = {};
     {
@@ -412,10 +412,10 @@ TEST_P(SecondWindow, hasTheSizeThatTheProgramTellsAndStaysTheToolkits) {
 const auto nameOf = [](const auto& info) { return std::string(info.param.name); };
 const Toolkit onWayland[] = {{"SdlByWayland", [] { return std::make_unique<SdlByWayland>(); }},
                              {"GlfwByWayland", [] { return std::make_unique<GlfwByWayland>(); }}};
-INSTANTIATE_TEST_SUITE_P(Wayland, Adoption, ::testing::ValuesIn(onWayland), nameOf);
-INSTANTIATE_TEST_SUITE_P(Wayland, SecondWindow, ::testing::ValuesIn(onWayland), nameOf);
+INSTANTIATE_TEST_SUITE_P(Wayland, AdoptionDriverTest, ::testing::ValuesIn(onWayland), nameOf);
+INSTANTIATE_TEST_SUITE_P(Wayland, SecondWindowDriverTest, ::testing::ValuesIn(onWayland), nameOf);
 INSTANTIATE_TEST_SUITE_P(
-    X11, Adoption,
+    X11, AdoptionDriverTest,
     ::testing::Values(Toolkit{"GlfwByEgl", [] { return std::make_unique<Glfw>(GLFW_EGL_CONTEXT_API); }},
                       Toolkit{"GlfwByGlx", [] { return std::make_unique<Glfw>(GLFW_NATIVE_CONTEXT_API); }},
                       Toolkit{"SdlByEgl", [] { return std::make_unique<Sdl>(true); }},

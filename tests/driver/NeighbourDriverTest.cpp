@@ -265,7 +265,7 @@ TEST_F(NeighbourDriverTest, aStartAndAContextAskTheServerLittle) {
 
 // Each in a process of its own: the displays are opened once.
 
-TEST(NeighbourStart, fortyDevicesHaveAPlaceEach) {
+TEST(NeighbourStartDriverTest, fortyDevicesHaveAPlaceEach) {
     fakeDevices = 40;
     ASSERT_EQ(Context::numDisplayDevice(), 40u);
     for (std::size_t i = 0; i < 40; ++i) {
@@ -284,7 +284,7 @@ TEST(NeighbourStart, fortyDevicesHaveAPlaceEach) {
 }
 
 // The environment names what is missing, and ZLT_EXPECTED_NOTE what is to be said of it.
-TEST(NeighbourStart, saysWhatIsMissing) {
+TEST(NeighbourStartDriverTest, saysWhatIsMissing) {
     const char* expected = std::getenv("ZLT_EXPECTED_NOTE");
     if (!expected)
         GTEST_SKIP() << "nothing is missing";

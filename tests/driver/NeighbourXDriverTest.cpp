@@ -178,7 +178,7 @@ struct Case {
 };
 
 struct NeighbourXDriverTest : StartedDriver {};
-struct NeighbourProcess : StartedDriver, ::testing::WithParamInterface<Case> {};
+struct NeighbourProcessDriverTest : StartedDriver, ::testing::WithParamInterface<Case> {};
 
 std::atomic<int> errors = 0;
 int base(Display*, XErrorEvent*) { return ++errors; }
@@ -186,11 +186,11 @@ int mine(Display*, XErrorEvent*) { return 0; }
 
 } // namespace
 
-TEST_P(NeighbourProcess, DISABLED_itself) {
+TEST_P(NeighbourProcessDriverTest, DISABLED_itself) {
     GetParam().onAThread ? std::thread(GetParam().run).join() : GetParam().run();
 }
 
-TEST_P(NeighbourProcess, endsByItselfAsItShould) {
+TEST_P(NeighbourProcessDriverTest, endsByItselfAsItShould) {
     FILE* server = popen("echo $$; exec setpriv --pdeathsig KILL Xvfb -noreset -displayfd 1", "r");
     int process = 0, display = 0;
     ASSERT_EQ(std::fscanf(server, "%d %d", &process, &display), 2) << "no X server";
@@ -215,7 +215,7 @@ const Case cases[] = {{"ServerEnds", serverEnds, 0, anyExit, true},
                       {"OwnerClosesDisplayThenWindowGoes", ownerClosesDisplay<true>, 0, 0},
                       {"OwnerClosesDisplayThenContextGoes", ownerClosesDisplay<false>, 0, 0},
                       {"OwnerDestroysContext", ownerDestroysContext, 0, 0}};
-INSTANTIATE_TEST_SUITE_P(X11, NeighbourProcess, ::testing::ValuesIn(cases),
+INSTANTIATE_TEST_SUITE_P(X11, NeighbourProcessDriverTest, ::testing::ValuesIn(cases),
                          [](const auto& info) { return std::string(info.param.name); });
 
 TEST_F(NeighbourXDriverTest, theProgramsErrorHandlersAreItsOwnWhileTheLibraryWorks) {

@@ -127,7 +127,7 @@ void expectErrorNumber() {
 }
 
 // The window's context with the extension functions, current.
-class WglExtensionTest : public WglDriverTest {
+class WglExtensionDriverTest : public WglDriverTest {
 protected:
     void SetUp() override {
         WglDriverTest::SetUp();
@@ -164,7 +164,7 @@ protected:
 
 } // namespace
 
-TEST_F(WglExtensionTest, theStringNamesExactlyWhatThereIs) {
+TEST_F(WglExtensionDriverTest, theStringNamesExactlyWhatThereIs) {
     for (const auto& [extension, function] : {std::pair{"WGL_ARB_pixel_format", "wglChoosePixelFormatARB"},
                                               {"WGL_ARB_create_context", "wglCreateContextAttribsARB"},
                                               {"WGL_ARB_make_current_read", "wglMakeContextCurrentARB"},
@@ -178,7 +178,7 @@ TEST_F(WglExtensionTest, theStringNamesExactlyWhatThereIs) {
     expectErrorNumber();
 }
 
-TEST_F(WglExtensionTest, allWaysToAFormatShareOneNumbering) {
+TEST_F(WglExtensionDriverTest, allWaysToAFormatShareOneNumbering) {
     ASSERT_TRUE(names("WGL_ARB_pixel_format"));
     const HDC device = window_->device();
     const int count = attribute(device, 1, WGL_NUMBER_PIXEL_FORMATS_ARB);
@@ -228,7 +228,7 @@ TEST_F(WglExtensionTest, allWaysToAFormatShareOneNumbering) {
     EXPECT_TRUE(!choose(device, impossible, nullptr, 1, found.data(), &number) || number == 0);
 }
 
-TEST_F(WglExtensionTest, aPbufferIsADrawableOfItsSize) {
+TEST_F(WglExtensionDriverTest, aPbufferIsADrawableOfItsSize) {
     if (!names("WGL_ARB_pbuffer"))
         GTEST_SKIP() << "the driver has no pbuffers";
     const auto create = find<HPBUFFERARB(WINAPI*)(HDC, int, int, int, const int*)>("wglCreatePbufferARB");
@@ -268,7 +268,7 @@ TEST_F(WglExtensionTest, aPbufferIsADrawableOfItsSize) {
     EXPECT_TRUE(wglDeleteContext(context));
 }
 
-TEST_F(WglExtensionTest, readingComesFromAnotherWindowThanDrawing) {
+TEST_F(WglExtensionDriverTest, readingComesFromAnotherWindowThanDrawing) {
     if (!names("WGL_ARB_make_current_read"))
         GTEST_SKIP() << "the driver reads from where it draws";
     const auto makeCurrent = find<BOOL(WINAPI*)(HDC, HDC, HGLRC)>("wglMakeContextCurrentARB");
@@ -290,7 +290,7 @@ TEST_F(WglExtensionTest, readingComesFromAnotherWindowThanDrawing) {
     EXPECT_TRUE(wglMakeCurrent(window_->device(), context_));
 }
 
-TEST_F(WglExtensionTest, aContextIsMadeOfTheVersionAndProfileAskedFor) {
+TEST_F(WglExtensionDriverTest, aContextIsMadeOfTheVersionAndProfileAskedFor) {
     if (!names("WGL_ARB_create_context") || !names("WGL_ARB_create_context_profile"))
         GTEST_SKIP() << "the driver makes contexts of one kind";
     const auto create = find<HGLRC(WINAPI*)(HDC, HGLRC, const int*)>("wglCreateContextAttribsARB");

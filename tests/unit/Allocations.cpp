@@ -29,7 +29,7 @@ struct FixedBuffer : std::streambuf {
     char text[4096];
 };
 
-TEST(Allocations, ATracedOrRecordedAndCheckedCallMakesNone) {
+TEST(AllocationTest, aTracedOrRecordedAndCheckedCallMakesNone) {
     const ZLT::OGL::LibraryWithAllOfGL library;
     FakeGL::setRecording(false);
     ZLT::OGL::OpenGLErrorChecker checker;

@@ -7,7 +7,7 @@ using std::to_string;
 
 namespace {
 
-struct Buffers : testing::Test, ObjectsOnDriver {
+struct BufferTest : testing::Test, ObjectsOnDriver {
     std::string targets[4] = {"PIXEL_UNPACK_BUFFER,", "PIXEL_PACK_BUFFER,", "ARRAY_BUFFER,",
                               "ELEMENT_ARRAY_BUFFER,"};
 };
@@ -19,7 +19,7 @@ void make(std::int64_t size, unsigned int type, unsigned int usage = 0) {
     EXPECT_FALSE(buffer.isMapped() || buffer.isBound() || buffer.isElementArrayBuffer());
 }
 
-TEST_F(Buffers, AreMadeInTheirRoleAndRestoreWhatWasBound) {
+TEST_F(BufferTest, buffersAreMadeInTheirRoleAndRestoreWhatWasBound) {
     gl.integers = {{35055, 70}, {35053, 71}, {34964, 72}}; // what is bound to these
     for (const unsigned int type : {0, 1, 2, 3, 4}) {
         const unsigned int role = type < 3 ? type : 0; // element arrays have to be converted
@@ -39,7 +39,7 @@ TEST_F(Buffers, AreMadeInTheirRoleAndRestoreWhatWasBound) {
     EXPECT_CALLS("GenBuffers(1,p)");
 }
 
-TEST(BuffersOnOldDrivers, NeedBothExtensionsAndTheFunctions) {
+TEST(BufferFallbackTest, buffersNeedBothExtensionsAndTheFunctions) {
     const std::string missing = "!ExtensionManager::Instance()->isSupported(GL_ARB_";
     const std::string pixel = "GL_ARB_pixel_buffer_object ", vertex = "GL_ARB_vertex_buffer_object";
     for (const auto& [extensions, text] : {std::pair(vertex, missing + "PIXEL_BUFFER_OBJECT)"),
@@ -51,7 +51,7 @@ TEST(BuffersOnOldDrivers, NeedBothExtensionsAndTheFunctions) {
     }
 }
 
-TEST_F(Buffers, ChangeTheirRoleWhileTheyAreNotBound) {
+TEST_F(BufferTest, buffersChangeTheirRoleWhileTheyAreNotBound) {
     using B = Buffer;
     B buffer(1, B::Type::PIXEL_UNPACK_BUFFER, B::Usage::STREAM_DRAW, nullptr);
     const struct {
@@ -81,7 +81,7 @@ TEST_F(Buffers, ChangeTheirRoleWhileTheyAreNotBound) {
     }
 }
 
-TEST_F(Buffers, AreMappedOnceAndKeepTheirContentsMeanwhile) {
+TEST_F(BufferTest, buffersAreMappedOnceAndKeepTheirContentsMeanwhile) {
     Buffer vbo(8, Buffer::Type::ARRAY_BUFFER, Buffer::Usage::STREAM_DRAW, nullptr);
     calls();
     EXPECT_FAILURE("!Buffer must be mapped before umapping it (this will cause a GL error)", vbo.unmap());
@@ -108,7 +108,7 @@ TEST_F(Buffers, AreMappedOnceAndKeepTheirContentsMeanwhile) {
     }
 }
 
-TEST_F(Buffers, ThatCannotBeDeletedSaySoUnlessAnotherFailureIsUnderWay) {
+TEST_F(BufferTest, aBufferThatCannotBeDeletedSaysSoUnlessAnotherFailureIsUnderWay) {
     const auto fail = [&](bool unwinding) {
         context->makeCurrent();
         const Buffer buffer(1, Buffer::Type::ARRAY_BUFFER, Buffer::Usage::STREAM_DRAW, nullptr);
@@ -122,7 +122,7 @@ TEST_F(Buffers, ThatCannotBeDeletedSaySoUnlessAnotherFailureIsUnderWay) {
     EXPECT_EQ("!another", failureWhileUnwinding([&] { fail(true); }));
 }
 
-TEST(UnpackParameters, AreSetInOrder) {
+TEST(UnpackParametersTest, parametersAreSetInOrder) {
     PixelUnpackParameters parameters;
     parameters.enableSwapBytes();
     parameters.makeFirstLSB();
@@ -157,7 +157,7 @@ TEST(UnpackParameters, AreSetInOrder) {
     }
 }
 
-TEST(AutoVectors, OwnWhatTheyHold) {
+TEST(AutoVectorTest, vectorsOwnWhatTheyHold) {
     ZLT::Core::Library::initialize();
     const std::size_t before = ZLT::Core::allocationCount();
     {
@@ -175,7 +175,7 @@ TEST(AutoVectors, OwnWhatTheyHold) {
     ZLT::Core::Library::terminate();
 }
 
-TEST_F(Buffers, UnitsActOnTheOneThatIsActive) {
+TEST_F(BufferTest, unitsActOnTheOneThatIsActive) {
     constexpr auto format = Texture::InternalFormat::RGBA8;
     const Unit& unit = *Unit::Unit(2);
     const auto bind = [&](const auto& texture) {
@@ -209,7 +209,7 @@ TEST_F(Buffers, UnitsActOnTheOneThatIsActive) {
     EXPECT_EQ("TexEnvi(ENV,ENV_MODE,COMBINE) GetTexEnviv(ENV,ENV_MODE,p)", calls(true));
 }
 
-TEST(TextureUnits, AreThereWhileTheLibraryIs) {
+TEST(TextureUnitTest, unitsAreThereWhileTheLibraryIs) {
     const Unit* kept = nullptr;
     EXPECT_FAILURE("!isInitialized()", Unit::Unit(0));
     EXPECT_FAILURE("!pavUnits_", Unit::terminate());

@@ -41,12 +41,12 @@ struct WGL {
 };
 
 template <class Kind>
-class Chain : public testing::Test {
+class ChainTest : public testing::Test {
 protected:
     using Interceptor = typename Kind::Interceptor;
-    Chain() { FakeGL::reset(); }
+    ChainTest() { FakeGL::reset(); }
     // Whatever layers a failed test left there.
-    ~Chain() override {
+    ~ChainTest() override {
         while (other.popInterceptor()) {
         }
         Interceptor::destroy();
@@ -58,9 +58,9 @@ protected:
     typename Kind::Layer layer{text, &other}, second{secondText};
 };
 using Kinds = testing::Types<GL, WGL>;
-TYPED_TEST_SUITE(Chain, Kinds);
+TYPED_TEST_SUITE(ChainTest, Kinds);
 
-TYPED_TEST(Chain, MakesItsCheckerOnceAndWhenAskedFor) {
+TYPED_TEST(ChainTest, theCheckerIsMadeOnceAndWhenAskedFor) {
     using Interceptor = typename TypeParam::Interceptor;
     EXPECT_EQ(nullptr, this->other.popInterceptor());
     Interceptor::destroy();
@@ -79,7 +79,7 @@ TYPED_TEST(Chain, MakesItsCheckerOnceAndWhenAskedFor) {
     EXPECT_EQ(0u, Core::allocationCount());
 }
 
-TYPED_TEST(Chain, StacksLayersAndGivesThemBackAndStaysUnderThem) {
+TYPED_TEST(ChainTest, layersAreStackedAndGivenBackAndTheCheckerStaysUnderThem) {
     using Interceptor = typename TypeParam::Interceptor;
     auto &layer = this->layer, &second = this->second;
     Interceptor* const checker = Interceptor::Instance();
@@ -113,7 +113,7 @@ TYPED_TEST(Chain, StacksLayersAndGivesThemBackAndStaysUnderThem) {
     EXPECT_EQ(checker, Interceptor::Instance());
 }
 
-TYPED_TEST(Chain, ALayerOnAnEmptyChainEndsInNothing) {
+TYPED_TEST(ChainTest, aLayerOnAnEmptyChainEndsInNothing) {
     auto& layer = this->layer;
     layer.addInterceptor(&layer);
     EXPECT_EQ(nullptr, layer.interceptor());

@@ -11,9 +11,9 @@ using testing::IsEmpty;
 
 namespace {
 
-class Checker : public testing::Test {
+class CheckerTest : public testing::Test {
 protected:
-    Checker() { FakeGL::reset(); }
+    CheckerTest() { FakeGL::reset(); }
 
     // The calls that reached GL since the last time.
     static std::vector<Call> newCalls() {
@@ -27,7 +27,7 @@ protected:
     const Call getError{"glGetError", {}}, begin{"glBegin", {7u}}, end{"glEnd", {}}, finish{"glFinish", {}};
 };
 
-TEST_F(Checker, ThrowsTheFirstErrorAndLeavesTheOthersToLaterCalls) {
+TEST_F(CheckerTest, theFirstErrorIsThrownAndTheOthersAreLeftToLaterCalls) {
     for (const unsigned int code : {0x0500, 0x0501, 0x4321})
         FakeGL::pushError(code);
     FakeGL::setResult("glGenLists", 17u);
@@ -42,7 +42,7 @@ TEST_F(Checker, ThrowsTheFirstErrorAndLeavesTheOthersToLaterCalls) {
                 ElementsAre(genLists, getError, finish, getError, finish, getError, genLists, getError));
 }
 
-TEST_F(Checker, RefusesAnUnbalancedBeginOrEnd) {
+TEST_F(CheckerTest, anUnbalancedBeginOrEndIsRefused) {
     const auto strayEnd = [&] { gl.cgmEnd("a.cpp", 2); };
     FakeGL::pushError(0x0501);
     expectError("a.cpp", 2, "Unbalanced glEnd()!", 0, strayEnd);
@@ -59,7 +59,7 @@ TEST_F(Checker, RefusesAnUnbalancedBeginOrEnd) {
     EXPECT_THAT(newCalls(), IsEmpty());
 }
 
-TEST_F(Checker, GetErrorReturnsOneErrorAndThrowsASecond) {
+TEST_F(CheckerTest, getErrorReturnsOneErrorAndThrowsASecond) {
     EXPECT_EQ(0u, gl.cgmGetError("a.cpp", 1));
     FakeGL::pushError(0x0500);
     EXPECT_EQ(0x0500u, gl.cgmGetError("a.cpp", 2));

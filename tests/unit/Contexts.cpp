@@ -210,7 +210,7 @@ std::vector<std::string> callsOf(const Steps& steps) {
     return calls;
 }
 
-TEST(Contexts, EachKindAsksThePlatformForTheseStepsAndLeavesNothingCurrentThatWasNot) {
+TEST(ContextTest, eachKindAsksThePlatformForTheseStepsAndLeavesNothingCurrentThatWasNot) {
     for (const Kind& kind : kinds) {
         SCOPED_TRACE(kind.making[0].call);
         World world(kind.world);
@@ -225,7 +225,7 @@ TEST(Contexts, EachKindAsksThePlatformForTheseStepsAndLeavesNothingCurrentThatWa
     }
 }
 
-TEST(Contexts, AStepThatFailsIsReportedAndUndone) {
+TEST(ContextTest, aStepThatFailsIsReportedAndUndone) {
     for (const Kind& kind : kinds)
         for (std::size_t i = 0; i < kind.making.size(); ++i) {
             const Step& step = kind.making[i];
@@ -246,7 +246,7 @@ TEST(Contexts, AStepThatFailsIsReportedAndUndone) {
         }
 }
 
-TEST(Contexts, AStepOfTheDestructionThatFailsIsReportedAndTheRestLeftOut) {
+TEST(ContextTest, aStepOfTheDestructionThatFailsIsReportedAndTheRestLeftOut) {
     for (const Kind& kind : kinds)
         for (std::size_t i = 0; i < kind.going.size(); ++i) {
             const Step& step = kind.going[i];
@@ -259,7 +259,7 @@ TEST(Contexts, AStepOfTheDestructionThatFailsIsReportedAndTheRestLeftOut) {
         }
 }
 
-TEST(Contexts, AFailureWhileCleaningUpReplacesTheFirst) {
+TEST(ContextTest, aFailureWhileCleaningUpReplacesTheFirst) {
     const struct {
         Format::tePredefined format;
         int nth; // of the second
@@ -298,7 +298,7 @@ struct Bare : Context {
     int pixelFormat() const { return pixelFormat_; }
 };
 
-TEST(Contexts, TheExtendedListHasTheseValuesInThisOrder) {
+TEST(ContextTest, theExtendedListHasTheseValuesInThisOrder) {
     World world("library current");
     const HDC device = GetDC(world.window);
     world.system.takeCalls();
@@ -348,7 +348,7 @@ TEST(Contexts, TheExtendedListHasTheseValuesInThisOrder) {
         << "the function is looked for first";
 }
 
-TEST(Contexts, EightBitsOfEachChannelAreTheLastThatNeedNoExtension) {
+TEST(ContextTest, eightBitsOfEachChannelAreTheLastThatNeedNoExtension) {
     for (int channel = 0; channel < 6; ++channel) {
         unsigned int bits[6] = {8, 8, 8, 8, 0, 1}; // the last: the samples
         bits[channel] += channel == 4 ? 0 : 1;
@@ -360,7 +360,7 @@ TEST(Contexts, EightBitsOfEachChannelAreTheLastThatNeedNoExtension) {
     }
 }
 
-TEST(Contexts, ARefusedVersionAndADriverWithoutTheFunctionGetTheClassicContext) {
+TEST(ContextTest, aRefusedVersionAndADriverWithoutTheFunctionGetTheClassicContext) {
     World world("library wrapped");
     Bare bare;
     const HDC device = GetDC(world.window);
@@ -404,7 +404,7 @@ TEST(Contexts, ARefusedVersionAndADriverWithoutTheFunctionGetTheClassicContext) 
     }
 }
 
-TEST(Contexts, TheParts) {
+TEST(ContextTest, thePartsOfAContextRefuseAndFailOneByOne) {
     World world;
     Bare bare;
     const HDC device = GetDC(world.window);
@@ -442,7 +442,7 @@ TEST(Contexts, TheParts) {
     EXPECT_EQ("!Context::shareLists cannot share lists.", failureOf([&] { bare.shareLists(other); }));
 }
 
-TEST(Contexts, AWindowedOneShowsItsBitsSwapsAndWaitsForTheRetrace) {
+TEST(ContextTest, aWindowedOneShowsItsBitsSwapsAndWaitsForTheRetrace) {
     World world;
     ContextWindowed context(world.window, Format(Format::RGBA8), twoSided, Context::eNoMultisample, nullptr);
     int bits[6] = {};
@@ -468,7 +468,7 @@ TEST(Contexts, AWindowedOneShowsItsBitsSwapsAndWaitsForTheRetrace) {
                   failureOf([&] { context.enableSyncToVerticalRetrace(enable); }));
 }
 
-TEST(Contexts, AWindowedOneWaitsForTheRetraceWhateverALaterDeviceLacks) {
+TEST(ContextTest, aWindowedOneWaitsForTheRetraceWhateverALaterDeviceLacks) {
     World world;
     ContextWindowed context(world.window, Format(Format::RGBA8), twoSided, Context::eNoMultisample, nullptr);
     FakeDevice later{"later", DISPLAY_DEVICE_ATTACHED_TO_DESKTOP, 2000, 0};
@@ -487,7 +487,7 @@ TEST(Contexts, AWindowedOneWaitsForTheRetraceWhateverALaterDeviceLacks) {
               failureOf([&] { context.enableSyncToVerticalRetrace(true); }));
 }
 
-TEST(Contexts, AnOffscreenOneThatIsCurrentLeavesNothingCurrent) {
+TEST(ContextTest, anOffscreenOneThatIsCurrentLeavesNothingCurrent) {
     World world;
     {
         const ContextOffscreen context;
@@ -502,7 +502,7 @@ TEST(Contexts, AnOffscreenOneThatIsCurrentLeavesNothingCurrent) {
               failureOf([] { const ContextOffscreen context(static_cast<Context*>(nullptr)); }));
 }
 
-TEST(Contexts, AWrappedOneStaysItsMakers) {
+TEST(ContextTest, aWrappedOneStaysItsMakers) {
     World world("library current");
     const HDC device = wglGetCurrentDC();
     const HGLRC context = wglGetCurrentContext();
@@ -534,7 +534,7 @@ TEST(Contexts, AWrappedOneStaysItsMakers) {
     EXPECT_EQ(deleted("").outcome, failureOf([&] { delete lost; }));
 }
 
-TEST(ScopedContextWrapper, PutsThePairBackWhateverItWasAndIsSilent) {
+TEST(ScopedContextWrapperTest, thePairIsPutBackWhateverItWas) {
     FakeWindowSystem system;
     const HDC devices[] = {GetDC(system.makeWindow()), GetDC(system.makeWindow())};
     const HGLRC context = system.makeContext(system.makeWindow());

@@ -43,7 +43,7 @@ InternalException thrownBy(const std::function<void()>& action) {
     throw std::logic_error("nothing was thrown");
 }
 
-TEST(Core, StartsAndStopsOnceAndSaysSoOtherwise) {
+TEST(CoreTest, itStartsAndStopsOnceAndSaysSoOtherwise) {
     EXPECT_STREQ("isInitialized_", thrownBy([] { Library::terminate(); }).what());
     EXPECT_FALSE(Library::isInitialized());
     Library::initialize();
@@ -55,7 +55,7 @@ TEST(Core, StartsAndStopsOnceAndSaysSoOtherwise) {
     EXPECT_FALSE(Library::isInitialized());
 }
 
-TEST(Core, StopListsWhatIsStillAllocatedBySite) {
+TEST(CoreTest, theStopListsWhatIsStillAllocatedBySite) {
     Library::initialize();
     void* const freed = ::operator new(5, memory, "c.cpp", 1);
     void* const blocks[] = {::operator new(100, memory, "b.cpp", 7), ::operator new(1, memory, "b.cpp", 12),
@@ -73,7 +73,7 @@ TEST(Core, StopListsWhatIsStillAllocatedBySite) {
     EXPECT_EQ("", liveBlocks());
 }
 
-TEST(Core, EnforcementHoldsTheSourceTextOfItsRule) {
+TEST(CoreTest, enforcementHoldsTheSourceTextOfItsRule) {
     const void* poTex = nullptr;
     int nSize = 0;
     struct {
@@ -97,7 +97,7 @@ TEST(Core, EnforcementHoldsTheSourceTextOfItsRule) {
     EXPECT_EQ(2, nSize) << "a rule is evaluated once";
 }
 
-TEST(Exceptions, KeepTypeMessagePlaceAndNumberInEveryCopy) {
+TEST(ExceptionTest, everyCopyKeepsTypeMessagePlaceAndNumber) {
     auto original = std::make_unique<ExceptionOGL>("dir\\a.cpp", 12, "invalid enumerant", 0x500);
     ExceptionOGL assigned("other", 1, nullptr, 0);
     EXPECT_EQ("other:1: ", written(assigned));
@@ -123,7 +123,7 @@ TEST(Exceptions, KeepTypeMessagePlaceAndNumberInEveryCopy) {
     EXPECT_EQ("", liveBlocks());
 }
 
-TEST(Allocator, ReportsItsOwnHeaderAndRefusesWhatNoMemoryHolds) {
+TEST(AllocatorTest, itReportsItsOwnHeaderAndRefusesWhatNoMemoryHolds) {
     {
         const std::vector<int, ZLTAllocator<int>> values(6);
         const String text(100, 'x');
@@ -140,7 +140,7 @@ TEST(Allocator, ReportsItsOwnHeaderAndRefusesWhatNoMemoryHolds) {
     EXPECT_EQ("", liveBlocks()) << "a constructor that throws gives its memory back";
 }
 
-TEST(Allocator, ServesThreadsAtTheSameTime) {
+TEST(AllocatorTest, itServesThreadsAtTheSameTime) {
     std::vector<std::thread> threads;
     for (const char letter : {'a', 'b', 'c', 'd'})
         threads.emplace_back([letter] {
@@ -160,7 +160,7 @@ TEST(Allocator, ServesThreadsAtTheSameTime) {
 }
 
 #if !defined(_WIN32)
-TEST(AllocatorDeathTest, EndsTheProcessOnAPointerThatIsNoLiveBlock) {
+TEST(AllocatorDeathTest, aPointerThatIsNoLiveBlockEndsTheProcess) {
     // Through a variable that the compiler can't follow, since it warns of what is done here. Without a word,
     // since the C library never gets to see the pointer.
     alignas(std::max_align_t) static char foreign[256] = {};

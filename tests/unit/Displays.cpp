@@ -11,7 +11,7 @@ using namespace ZLT::OGL;
 namespace {
 
 // Each name tells the format: the channels, their bits, F for floating point, D for depth, S for stencil.
-TEST(BufferFormat, EveryPredefinedFormatIsWhatItsNameSays) {
+TEST(BufferFormatTest, everyPredefinedFormatIsWhatItsNameSays) {
     const char* const colors[] = {"R16F", "R32F", "RG16F", "RG32F", "RGB8", "RGBA8", "RGBA16F", "RGBA16F"};
     const char* const forms[] = {"", "_D24", "_D24S8"};
     static_assert(BufferFormat::RGB8 == 12 && BufferFormat::RGBA16F_D24S8_ALT == 23);
@@ -40,7 +40,7 @@ constexpr DWORD attached = DISPLAY_DEVICE_ATTACHED_TO_DESKTOP,
                 primary = attached | DISPLAY_DEVICE_PRIMARY_DEVICE,
                 mirror = attached | DISPLAY_DEVICE_MIRRORING_DRIVER;
 
-class Displays : public testing::Test {
+class DisplayTest : public testing::Test {
 protected:
     // Named a, b, c ... side by side from the left, the second at the origin.
     void setDevices(const std::vector<DWORD>& flags) {
@@ -63,7 +63,7 @@ protected:
     FakeWindowSystem system;
 };
 
-TEST_F(Displays, CountsLeaveOutMirrorsAndIndicesDoNot) {
+TEST_F(DisplayTest, countsLeaveOutMirrorsAndIndicesDoNot) {
     const struct {
         std::vector<DWORD> flags;
         std::size_t count, primary;
@@ -92,7 +92,7 @@ TEST_F(Displays, CountsLeaveOutMirrorsAndIndicesDoNot) {
     EXPECT_STREQ("a", record.DeviceName);
 }
 
-TEST_F(Displays, AWindowBelongsToItsMonitorOrTheNearest) {
+TEST_F(DisplayTest, aWindowBelongsToItsMonitorOrTheNearest) {
     setDevices({attached, primary, 0});
     EXPECT_EQ("a", nameAtWindow(-900, 0));
     EXPECT_EQ("b", nameAtWindow(0, 0));
@@ -114,7 +114,7 @@ TEST_F(Displays, AWindowBelongsToItsMonitorOrTheNearest) {
     EXPECT_EQ("!Context::can't get monitor info1461", failureOf([&] { nameAtWindow(0, 0); }));
 }
 
-TEST_F(Displays, OriginsComeByName) {
+TEST_F(DisplayTest, originsComeByName) {
     struct Exposed : Context {
         using Context::displayOrigin;
     };
@@ -124,7 +124,7 @@ TEST_F(Displays, OriginsComeByName) {
     EXPECT_EQ("!error != 0", failureOf([] { Exposed::displayOrigin("c"); }));
 }
 
-TEST(SharedDevice, ComparesKeysWithoutTheNumberAtTheirEnd) {
+TEST(SharedDeviceTest, keysAreComparedWithoutTheNumberAtTheirEnd) {
     const struct {
         const char *a, *b;
         bool shared;

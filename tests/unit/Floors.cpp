@@ -104,11 +104,11 @@ std::set<Names> circles(const Graph& graph) {
     return found;
 }
 
-struct Floors : testing::Test {
+struct FloorTest : testing::Test {
     const Graph includes = readIncludes();
 };
 
-TEST_F(Floors, NoIncludeRunsUp) {
+TEST_F(FloorTest, noIncludeRunsUp) {
     std::size_t count = 0;
     for (const auto& [file, needed] : includes) {
         EXPECT_NE(-1, floorOf(file)) << file << " stands on no floor";
@@ -120,7 +120,7 @@ TEST_F(Floors, NoIncludeRunsUp) {
     EXPECT_GE(count, 300U);
 }
 
-TEST_F(Floors, NoModulesNeedEachOther) {
+TEST_F(FloorTest, noModulesNeedEachOther) {
     Graph modules;
     for (const auto& [file, needed] : includes) {
         Names& all = modules[moduleOf(file)];
@@ -132,7 +132,7 @@ TEST_F(Floors, NoModulesNeedEachOther) {
 }
 
 // The compiler would see one of them half; the knot is no excuse.
-TEST_F(Floors, NoHeadersNeedEachOther) {
+TEST_F(FloorTest, noHeadersNeedEachOther) {
     Graph headers = includes;
     std::erase_if(headers, [](const auto& row) { return row.first.ends_with(".cpp"); });
     EXPECT_THAT(circles(headers), testing::IsEmpty());

@@ -16,15 +16,15 @@ using testing::ElementsAre;
 
 namespace {
 
-struct Framebuffers : testing::Test {
-    Framebuffers() { objects.integers = {{GL_MAX_COLOR_ATTACHMENTS, 4}, {GL_MAX_RENDERBUFFER_SIZE, 100}}; }
+struct FramebufferTest : testing::Test {
+    FramebufferTest() { objects.integers = {{GL_MAX_COLOR_ATTACHMENTS, 4}, {GL_MAX_RENDERBUFFER_SIZE, 100}}; }
     LibraryWithAllOfGL library;
     FakeObjects objects;
 };
 const std::string attachTexture = "glFramebufferTexture2DEXT(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT",
                   attachBuffer = "glFramebufferRenderbufferEXT(GL_FRAMEBUFFER, GL_";
 
-TEST_F(Framebuffers, EachAttachmentRefusesInItsOrderAndPasses) {
+TEST_F(FramebufferTest, eachAttachmentRefusesInItsOrderAndPasses) {
     Framebuffer framebuffer;                                                 // 5
     Texture2D texture(Texture::InternalFormat::RGBA8, 4, 4, false, nullptr); // 6
     Texture2DArray array(Texture::InternalFormat::RGBA8, 4, 4, 3, false);    // 7
@@ -79,7 +79,7 @@ TEST_F(Framebuffers, EachAttachmentRefusesInItsOrderAndPasses) {
                             attachBuffer + "STENCIL_ATTACHMENT, GL_RENDERBUFFER, 10)", atDepth + "0)"));
 }
 
-TEST_F(Framebuffers, TellTheirStatusWhileBound) {
+TEST_F(FramebufferTest, theStatusIsKnownWhileBound) {
     const auto make = [] { const Framebuffer made; };
     std::optional<Framebuffer> framebuffer(std::in_place);
     unsigned int status = 0;
@@ -105,7 +105,7 @@ TEST_F(Framebuffers, TellTheirStatusWhileBound) {
         EXPECT_EQ("!ExtensionManager::Instance()->isSupported(GL_EXT_FRAMEBUFFER_OBJECT)", failure);
 }
 
-TEST_F(Framebuffers, ARenderbufferIsMadeAndTheOneBeforeStaysBound) {
+TEST_F(FramebufferTest, aRenderbufferIsMadeAndTheOneBeforeStaysBound) {
     objects.integers[GL_RENDERBUFFER_BINDING] = 99;
     {
         Renderbuffer made(GL_RGBA8, 100, 100);
@@ -141,7 +141,7 @@ TEST_F(Framebuffers, ARenderbufferIsMadeAndTheOneBeforeStaysBound) {
                 ElementsAre("glGenRenderbuffersEXT(1, p)", bind + "0)", storage + "1, 1)"));
 }
 
-TEST_F(Framebuffers, TheStateIsThatOfANewContextButForTheColor) {
+TEST_F(FramebufferTest, theStateIsThatOfANewContextButForTheColor) {
     objects.integers[GL_MAX_TEXTURE_COORDS] = 3;
     objects.more = [](const FakeGL::Call& call) {
         const float color[] = {0.5f, 0.25f, 0.75f, 1};
@@ -212,7 +212,7 @@ struct Filtering {
     }
 };
 
-TEST(FilteringProbe, VendorsAreKnownAndOthersAreTriedOnce) {
+TEST(FilteringProbeTest, vendorsAreKnownAndOthersAreTriedOnce) {
     Filtering rows[] = {{"no 0 no 0 ", "NVIDIA", "3.0", formats},
                         {"yes 0 yes 0 ", "NVIDIA", "2.1", gpu4},
                         {"no 0 yes 0 ", "ATI", "3.0", formats},
@@ -230,7 +230,7 @@ TEST(FilteringProbe, VendorsAreKnownAndOthersAreTriedOnce) {
         row.run();
 }
 
-TEST(FilteringProbe, DrawsAnEdgeAndMagnifiesIt) {
+TEST(FilteringProbeTest, itDrawsAnEdgeAndMagnifiesIt) {
     const std::string bindTexture = "glBindTexture(GL_TEXTURE_2D, ",
                       texImage = "glTexImage2D(GL_TEXTURE_2D, 0, ";
     const std::string setting = "glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_";

@@ -108,7 +108,7 @@ std::string place(const std::string& table, std::size_t row) {
     return table + ", row " + std::to_string(row) + ": ";
 }
 
-TEST(Table, StopsAtADamagedCellWithTheRowAndTheReason) {
+TEST(TableTest, aDamagedCellIsNamedWithTheRowAndTheReason) {
     for (const Damage& damage : damages) {
         Rows rows = readRows(damage.table);
         std::string& row = rows.at(damage.row - 1);
@@ -120,7 +120,7 @@ TEST(Table, StopsAtADamagedCellWithTheRowAndTheReason) {
     }
 }
 
-TEST(Table, StopsWhereAGroupIsCutShortOrRunsOver) {
+TEST(TableTest, aGroupThatIsCutShortOrRunsOverIsNoticed) {
     Rows rows = readRows(entryPoints);
     EXPECT_EQ("", errorOf({{entryPoints, rows}}));
     rows.push_back("1833\t1497\tGL_WIN_swap_hint\tNext\tvoid\t");

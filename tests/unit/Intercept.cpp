@@ -81,7 +81,7 @@ void drawOnNewGL(std::size_t callsWithoutError, GLenum error) {
     drawFrame(numbers, sources);
 }
 
-TEST(Intercept, AProgramGoesThroughTheChainAsItStandsAndLearnsTheLineOfEachError) {
+TEST(InterceptTest, aProgramGoesThroughTheChainAsItStandsAndLearnsTheLineOfEachError) {
     const LibraryWithAllOfGL library;
     drawOnNewGL(0, GL_NO_ERROR);
     std::vector<Call> expected;

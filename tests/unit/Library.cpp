@@ -15,7 +15,7 @@ namespace {
 
 const auto start = [] { OGL::Library::initialize(OGL::Library::InitOptions()); };
 
-TEST(Library, StartsOnceStopsOnceAndLeavesNothing) {
+TEST(LibraryTest, itStartsOnceStopsOnceAndLeavesNothing) {
     FakeWindowSystem system;
     system.devices.push_back({"second", DISPLAY_DEVICE_ATTACHED_TO_DESKTOP, 1000, 0});
     const std::size_t allocated = Core::allocationCount();
@@ -42,7 +42,7 @@ TEST(Library, StartsOnceStopsOnceAndLeavesNothing) {
     }
 }
 
-TEST(Library, AsksEachDriverForItsTextureUnits) {
+TEST(LibraryTest, eachDriverIsAskedForItsTextureUnits) {
     FakeWindowSystem system;
     system.devices.push_back({"second", DISPLAY_DEVICE_ATTACHED_TO_DESKTOP, 1000, 0});
     system.devices[0].driver.extensions = "GL_ARB_fragment_program";
@@ -58,7 +58,7 @@ TEST(Library, AsksEachDriverForItsTextureUnits) {
     EXPECT_NE(nullptr, TextureUnit::Unit(2)) << "as many as the best of them has";
 }
 
-TEST(Library, AStartThatFailsCanBeMadeAgain) {
+TEST(LibraryTest, aStartThatFailsCanBeMadeAgain) {
     // The steps until the first context stands, those of the second device, and the last of all.
     for (const std::string function : {"EnumDisplaySettingsA", "RegisterClassExA", "CreateWindowExA",
                                        "ChoosePixelFormat", "wglCreateContext", "wglDeleteContext"}) {
@@ -89,7 +89,7 @@ TEST(Library, AStartThatFailsCanBeMadeAgain) {
     }
 }
 
-TEST(Library, AStartThatFailsAtItsTextureUnitsCanBeMadeAgain) {
+TEST(LibraryTest, aStartThatFailsAtItsTextureUnitsCanBeMadeAgain) {
     for (const bool older : {false, true}) {
         FakeWindowSystem system;
         const std::size_t allocated = Core::allocationCount();
@@ -113,7 +113,7 @@ TEST(Library, AStartThatFailsAtItsTextureUnitsCanBeMadeAgain) {
     }
 }
 
-TEST(Library, ALayerKeepsItFromStopping) {
+TEST(LibraryTest, aLayerKeepsItFromStopping) {
     FakeWindowSystem system;
     const std::size_t allocated = Core::allocationCount();
     Core::Library::initialize();
@@ -135,7 +135,7 @@ TEST(Library, ALayerKeepsItFromStopping) {
     EXPECT_EQ(allocated, Core::allocationCount());
 }
 
-TEST(Library, TheOlderRouteLeavesManagersAndChainsToTheNextStop) {
+TEST(LibraryTest, theOlderRouteLeavesManagersAndChainsToTheNextStop) {
     FakeWindowSystem system;
     const std::size_t allocated = Core::allocationCount();
     const auto older = [] { AutoInitializer(nullptr, ExtensionManager::InitOptions()).release(); };

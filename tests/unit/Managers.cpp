@@ -31,7 +31,7 @@ std::vector<std::string> extensionNames() {
     return names;
 }
 
-TEST(Managers, TheVersionDecidesOnWhatIsLoaded) {
+TEST(ManagerTest, theVersionDecidesOnWhatIsLoaded) {
     const struct {
         const char* version;
         unsigned int major, minor;
@@ -73,7 +73,7 @@ TEST(Managers, TheVersionDecidesOnWhatIsLoaded) {
     }
 }
 
-TEST(Managers, EveryNameHasItsValueAndIsSupportedWhenNamed) {
+TEST(ManagerTest, everyNameHasItsValueAndIsSupportedWhenNamed) {
     FakeDriver driver = driverOf("1.1", "");
     std::string wglNames;
     std::ifstream functions(ZLT_TABLES "/wgl_extension_functions.tsv");
@@ -114,7 +114,7 @@ TEST(Managers, EveryNameHasItsValueAndIsSupportedWhenNamed) {
     EXPECT_EQ(driver.functions.at("wglWaitForSbcOML"), at<PROC>(std::intptr_t(_wcgmWaitForSbcOML)));
 }
 
-TEST(Managers, OneMissingFunctionLeavesOutItsExtensionAlone) {
+TEST(ManagerTest, oneMissingFunctionLeavesOutItsExtensionAlone) {
     // Some drivers answer with a small number for what they don't know.
     for (const int address : {0, 1, 2, 3, -1}) {
         FakeDriver driver =
@@ -147,7 +147,7 @@ TEST(Managers, OneMissingFunctionLeavesOutItsExtensionAlone) {
     }
 }
 
-TEST(Managers, WglExtensionsAreKnownByTheArbStringAlone) {
+TEST(ManagerTest, wglExtensionsAreKnownByTheArbStringAlone) {
     FakeDriver driver = driverOf("3.0");
     for (const std::optional<std::string>& names :
          {std::optional<std::string>(), std::optional<std::string>("")}) {
@@ -162,7 +162,7 @@ TEST(Managers, WglExtensionsAreKnownByTheArbStringAlone) {
     EXPECT_FALSE(world.manager().isSupported(WGL_EXT_SWAP_CONTROL));
 }
 
-TEST(Managers, VendorsAndTheirRuleForOddTextureSizes) {
+TEST(ManagerTest, vendorsAndTheirRuleForOddTextureSizes) {
     const struct {
         const char* vendor;
         EM::teVendor value;
@@ -187,7 +187,7 @@ TEST(Managers, VendorsAndTheirRuleForOddTextureSizes) {
             }
 }
 
-TEST(Managers, ACoreProfileNamesItsExtensionsOneByOne) {
+TEST(ManagerTest, aCoreProfileNamesItsExtensionsOneByOne) {
     const struct {
         const char* version;
         bool hasGetStringi;
@@ -216,7 +216,7 @@ TEST(Managers, ACoreProfileNamesItsExtensionsOneByOne) {
 
 const char* const unknownContext = "!currentContext either not created with ZLT::OGL";
 
-TEST(Managers, TheCurrentContextDecidesWhichManagerAnswers) {
+TEST(ManagerTest, theCurrentContextDecidesWhichManagerAnswers) {
     OnDriver world(driverOf("3.0"));
     const DISPLAY_DEVICEA device = world.add(driverOf("1.5"));
     const HWND window = world.system.makeWindow();
@@ -263,7 +263,7 @@ TEST(Managers, TheCurrentContextDecidesWhichManagerAnswers) {
     wglMakeCurrent(nullptr, nullptr);
 }
 
-TEST(Managers, ADeviceThatTurnsUpLaterGetsItsOwnWithTheFirstContextOnIt) {
+TEST(ManagerTest, aDeviceThatTurnsUpLaterGetsItsOwnWithTheFirstContextOnIt) {
     OnDriver world(driverOf("3.0"));
     EM* const first = &world.manager();
     const HGLRC before = wglGetCurrentContext();
@@ -289,7 +289,7 @@ void APIENTRY countingActiveTexture(GLenum) {
     ++calledOn[number];
 }
 
-TEST(Managers, ThreadsOnTwoDevicesReachTheirOwnDrivers) {
+TEST(ManagerTest, threadsOnTwoDevicesReachTheirOwnDrivers) {
     const auto proc = [](auto function) {
         return reinterpret_cast<PROC>(reinterpret_cast<void (*)()>(function));
     };
@@ -315,7 +315,7 @@ TEST(Managers, ThreadsOnTwoDevicesReachTheirOwnDrivers) {
     EXPECT_EQ(300, calledOn[1]);
 }
 
-TEST(Managers, CapabilitiesFoldVersionAndExtensions) {
+TEST(ManagerTest, capabilitiesFoldVersionAndExtensions) {
     const struct {
         const char* name;
         bool (EM::*query)() const;
@@ -374,7 +374,7 @@ TEST(Managers, CapabilitiesFoldVersionAndExtensions) {
     }
 }
 
-TEST(Managers, TextureUnitsAndTargets) {
+TEST(ManagerTest, unitsAndTargetsFollowTheDriver) {
     const struct {
         const char *version, *extensions;
         unsigned int units;

@@ -15,8 +15,8 @@ using testing::ElementsAre;
 namespace {
 
 // The program that is made is 5, and the shader 6.
-struct Programs : testing::Test {
-    Programs() {
+struct ProgramTest : testing::Test {
+    ProgramTest() {
         FakeGL::setResult("glCreateProgram", 5u);
         FakeGL::setResult("glCreateShader", 6u);
     }
@@ -73,7 +73,7 @@ const char* const uniformSteps[][8] = {{"cs", "clcs", "s", "ls", "cs", "clcs", "
                                        {"cs", "ls", "s", "ls", "cs", "ls", "", "ls"},
                                        {"cs", "ls", "s", "ls", "cs", "ls", "s", "ls"}};
 
-TEST_F(Programs, EveryUniformFormAsksSkipsAndRefusesByItsRule) {
+TEST_F(ProgramTest, everyUniformFormAsksSkipsAndRefusesByItsRule) {
     Program program;
     int runs = 0;
     for (const UniformRow& row : uniformRows)
@@ -118,7 +118,7 @@ static_assert(forms<int, double*> + forms<int, const unsigned*> + forms<int, sho
 static_assert(forms<int*> + forms<const char*> + forms<const int*, int> + forms<int, float*, int> == 0);
 static_assert(forms<int, int, const int*> + forms<bool, bool, bool, void (*)()> + forms<int, int**> == 0);
 
-TEST_F(Programs, CompileAndLinkReadNoMoreThanTheyNeed) {
+TEST_F(ProgramTest, compileAndLinkReadNoMoreThanTheyNeed) {
     const std::string slow = "It will run in software", other = "Run in Software";
     const struct {
         bool link, check;
@@ -160,7 +160,7 @@ TEST_F(Programs, CompileAndLinkReadNoMoreThanTheyNeed) {
     }
 }
 
-TEST_F(Programs, EachCopyDeletesItsHandleWhichMustNotBe0) {
+TEST_F(ProgramTest, eachCopyDeletesItsHandleWhichMustNotBe0) {
     const auto make = [] { const Program made; };
     const auto makeWrong = [] { const Shader made(static_cast<Shader::ShaderType>(2)); };
     {
@@ -194,7 +194,7 @@ TEST_F(Programs, EachCopyDeletesItsHandleWhichMustNotBe0) {
         EXPECT_EQ("!ExtensionManager::Instance()->isSupported(OPEN_GL_2_0)", failure);
 }
 
-TEST_F(Programs, ShadersAreAttachedOnceTheyHaveASource) {
+TEST_F(ProgramTest, shadersAreAttachedOnceTheyHaveASource) {
     Program program;
     VertexShader shader;
     const char* const noSource = "!Shader must be loaded before attaching";
@@ -225,7 +225,7 @@ TEST_F(Programs, ShadersAreAttachedOnceTheyHaveASource) {
     }
 }
 
-TEST_F(Programs, DetachingGoesInPassesOf64) {
+TEST_F(ProgramTest, detachingGoesInPassesOf64) {
     Program program;
     const auto run = [&](void (Program::*detach)(), int typeOfAll, unsigned int attached) {
         objects.parameters[GL_SHADER_TYPE] = typeOfAll;
@@ -242,7 +242,7 @@ TEST_F(Programs, DetachingGoesInPassesOf64) {
     EXPECT_EQ("3 left in 4", run(&Program::detachAllFragmentShaders, GL_VERTEX_SHADER, 3));
 }
 
-TEST_F(Programs, SomeQuestionsAndEnablingNeedALink) {
+TEST_F(ProgramTest, someQuestionsAndEnablingNeedALink) {
     Program program;
     objects.parameters = {{GL_ACTIVE_UNIFORMS, 3}, {GL_ACTIVE_UNIFORM_MAX_LENGTH, 12}};
     for (const bool linked : {false, true}) {

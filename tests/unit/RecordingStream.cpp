@@ -16,9 +16,9 @@ using namespace ZLT::OGL;
 namespace {
 
 // A recording with records of both kinds, in files.
-class Replay : public testing::Test {
+class RecordingStreamTest : public testing::Test {
 protected:
-    Replay() {
+    RecordingStreamTest() {
         OpenGLErrorChecker checker;
         OpenGLRekorder recorder(text, data, &checker, false);
         recorder.cgmDeleteTextures("a.cpp", 1, 1, names);             // at 0
@@ -28,7 +28,7 @@ protected:
         recorder.cgmUniform1iv("a.cpp", 5, 0, 2, numbers);            // 48
         std::filesystem::create_directories(folder);
     }
-    ~Replay() override { std::filesystem::remove_all(folder); }
+    ~RecordingStreamTest() override { std::filesystem::remove_all(folder); }
 
     RecordingStream open(const std::string& text, const std::string& data) const {
         std::ofstream(folder / "text", std::ios::binary) << text;
@@ -58,7 +58,7 @@ protected:
     const std::filesystem::path folder = std::filesystem::path(testing::TempDir()) / "RecordingStream";
 };
 
-TEST_F(Replay, HandsOutEachPayloadWhateverTheWidthOfItsLength) {
+TEST_F(RecordingStreamTest, eachPayloadIsReadWhateverTheWidthOfItsLength) {
     RecordingStream stream = open(text.str(), data.str());
     using testing::ElementsAre;
     EXPECT_THAT(read(stream, 48), ElementsAre(bytesOf(numbers, 8)));
@@ -67,7 +67,7 @@ TEST_F(Replay, HandsOutEachPayloadWhateverTheWidthOfItsLength) {
     EXPECT_THAT(read(stream, 16), ElementsAre(bytesOf(numbers, 8)));
 }
 
-TEST_F(Replay, RefusesDamagedData) {
+TEST_F(RecordingStreamTest, damagedDataIsRefused) {
     const std::string whole = data.str();
     ASSERT_EQ(60u, whole.size());
     for (std::size_t size = 48; size < whole.size(); ++size) {

@@ -15,12 +15,12 @@ using namespace ZLT::OGL;
 
 namespace {
 
-class RekorderForms : public testing::Test {
+class RekorderFormTest : public testing::Test {
 protected:
     LibraryWithAllOfGL library;
 };
 
-TEST_F(RekorderForms, EachIsWrittenAsItStandsHereAndThenCalled) {
+TEST_F(RekorderFormTest, eachFormIsWrittenAsItStandsHereAndThenCalled) {
     std::vector<RecordRow> rows = recordRows();
     std::ranges::move(rowsThatCannotBeReplayed(), std::back_inserter(rows));
     for (const std::string comment : {"", "\t\t// a.cpp, line 7"}) {
@@ -55,7 +55,7 @@ TEST_F(RekorderForms, EachIsWrittenAsItStandsHereAndThenCalled) {
     }
 }
 
-TEST_F(RekorderForms, APixelIsAsLargeAsItsFormatTimesItsType) {
+TEST_F(RekorderFormTest, aPixelIsAsLargeAsItsFormatTimesItsType) {
     const std::map<unsigned int, std::uint32_t> types = {{0x1401, 1}, {0x1406, 4}, {0x8035, 1}, {0x8367, 1},
                                                          {0x1400, 0}, {0x1403, 0}, {0x1405, 0}, {0x8032, 0}};
     const std::map<unsigned int, std::uint32_t> formats = {

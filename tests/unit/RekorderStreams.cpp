@@ -26,7 +26,7 @@ struct Sink : std::streambuf {
     }
 };
 
-class RekorderStreams : public testing::Test {
+class RekorderStreamTest : public testing::Test {
 protected:
     // Every position in the text.
     std::vector<unsigned int> positions() const {
@@ -44,7 +44,7 @@ protected:
     const float matrix[16] = {0.1f, 2};
 };
 
-TEST_F(RekorderStreams, PositionsGoOnCountingWhenAStreamIsReplaced) {
+TEST_F(RekorderStreamTest, positionsGoOnCountingWhenAStreamIsReplaced) {
     std::ostringstream otherText, otherData;
     EXPECT_EQ("", text.str() + data.str()) << "nothing before the first call";
     recorder.cgmLoadMatrixf("a.cpp", 1, matrix);
@@ -61,7 +61,7 @@ TEST_F(RekorderStreams, PositionsGoOnCountingWhenAStreamIsReplaced) {
     EXPECT_EQ(narrow(matrix, 64) + narrow(matrix, 64), otherData.str());
 }
 
-TEST_F(RekorderStreams, PositionsAndSizesAreOf32Bits) {
+TEST_F(RekorderStreamTest, positionsAndSizesAreOf32Bits) {
     Sink sink;
     std::ostream counted(&sink);
     recorder.setBinaryOutputStream(counted);
@@ -78,7 +78,7 @@ TEST_F(RekorderStreams, PositionsAndSizesAreOf32Bits) {
     EXPECT_EQ(ofUniforms + 3 * 68 + 8 + (1ull << 33), sink.bytes);
 }
 
-TEST_F(RekorderStreams, AStreamThatThrowsKeepsTheCallFromBeingMadeAndOneThatFailsDoesNot) {
+TEST_F(RekorderStreamTest, aStreamThatThrowsKeepsTheCallFromBeingMadeAndOneThatFailsDoesNot) {
     struct : std::streambuf {
     } nothing;
     std::ostream full(&nothing);
@@ -100,7 +100,7 @@ TEST_F(RekorderStreams, AStreamThatThrowsKeepsTheCallFromBeingMadeAndOneThatFail
     EXPECT_THAT(FakeGL::calls(), SizeIs(0));
 }
 
-TEST_F(RekorderStreams, ResultsComeBackAndErrorsLeaveTheStatementWritten) {
+TEST_F(RekorderStreamTest, resultsComeBackAndErrorsLeaveTheStatementWritten) {
     FakeGL::setResult("glGetUniformLocation", 17);
     FakeGL::setResult("glGetUniformLocationARB", -18);
     EXPECT_EQ(17, recorder.cgmGetUniformLocation("a.cpp", 1, 5, "x"));

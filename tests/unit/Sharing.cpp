@@ -22,7 +22,7 @@ struct Member : Context {
     using Context::unregisterSharedContext;
 };
 
-class Sharing : public testing::Test {
+class SharingTest : public testing::Test {
 protected:
     HGLRC context() { return system.makeContext(window); }
     bool sharing(const Context& a, HGLRC current) const {
@@ -40,7 +40,7 @@ protected:
     const std::size_t before = allocationCount();
 };
 
-TEST_F(Sharing, GroupsGrowByNamingAMemberAndOutliveTheirFounder) {
+TEST_F(SharingTest, groupsGrowByNamingAMemberAndOutliveTheirFounder) {
     a._addShareContext(nullptr);
     c._addShareContext(nullptr);
     b._addShareContext(&a);
@@ -68,7 +68,7 @@ TEST_F(Sharing, GroupsGrowByNamingAMemberAndOutliveTheirFounder) {
     EXPECT_EQ(before, allocationCount()) << "the registry goes with its last member";
 }
 
-TEST_F(Sharing, WhatIsUnknownIsReportedAndChangesNothing) {
+TEST_F(SharingTest, whatIsUnknownIsReportedAndChangesNothing) {
     EXPECT_FALSE(sharing(nobody, nullptr)) << "nothing is current, and nothing else is looked at";
     EXPECT_EQ("!indexSource < LARGE_INDEX-1", failure(nobody, nobody.renderContext()));
     EXPECT_EQ("!outerIter != pvvContext->end()", failureOf([&] { a._addShareContext(&b); }));
@@ -85,7 +85,7 @@ TEST_F(Sharing, WhatIsUnknownIsReportedAndChangesNothing) {
     EXPECT_EQ(before, allocationCount());
 }
 
-TEST_F(Sharing, AWrappedContextStartsAloneAndAHandleIsWhoeverWrapsIt) {
+TEST_F(SharingTest, aWrappedContextStartsAloneAndAHandleIsWhoeverWrapsIt) {
     Member again(handles[0]);
     a._addShareContext(nullptr);
     b._addShareContext(&a);
@@ -102,7 +102,7 @@ TEST_F(Sharing, AWrappedContextStartsAloneAndAHandleIsWhoeverWrapsIt) {
     EXPECT_EQ(before, allocationCount());
 }
 
-TEST_F(Sharing, EveryKindOfContextRegistersButABootstrap) {
+TEST_F(SharingTest, everyKindOfContextRegistersButABootstrap) {
     const StartedLibrary library;
     ContextOffscreen first, second(&first), alone;
     internal::ContextBootstrap bootstrap;

@@ -99,10 +99,10 @@ std::set<std::string> ownForms() {
 }
 
 // A tracer in front of the checker.
-class Sweep : public testing::Test {
+class SweepTest : public testing::Test {
 protected:
-    Sweep() : tracer(text) { OpenGLInterceptor::Instance()->addInterceptor(&tracer); }
-    ~Sweep() override {
+    SweepTest() : tracer(text) { OpenGLInterceptor::Instance()->addInterceptor(&tracer); }
+    ~SweepTest() override {
         tracer.popInterceptor();
         OpenGLInterceptor::destroy();
     }
@@ -121,7 +121,7 @@ protected:
     OpenGLTracer tracer;
 };
 
-TEST_F(Sweep, EveryEntryHasItsVirtualSlot) {
+TEST_F(SweepTest, everyEntryHasItsVirtualSlot) {
     std::size_t slot = 0;
     for (const Entry& entry : entries()) {
         EXPECT_EQ(slot, entry.slot) << entry.name;
@@ -131,7 +131,7 @@ TEST_F(Sweep, EveryEntryHasItsVirtualSlot) {
     EXPECT_EQ(1833u + 2u, slotBehindTheLast());
 }
 
-TEST_F(Sweep, EveryCallIsTracedByItsTypesPassedOnUnchangedAndCheckedOnce) {
+TEST_F(SweepTest, everyCallIsTracedByItsTypesPassedOnUnchangedAndCheckedOnce) {
     int results = 0, handles = 0;
     for (int line = 0; line < 4; ++line)
         forEachBut({}, [&](const Entry& entry) {
@@ -149,7 +149,7 @@ TEST_F(Sweep, EveryCallIsTracedByItsTypesPassedOnUnchangedAndCheckedOnce) {
 }
 
 // With and without comments, and with a tracer on either side.
-TEST_F(Sweep, EveryCallIsRecordedByItsTypesAndThenMade) {
+TEST_F(SweepTest, everyCallIsRecordedByItsTypesAndThenMade) {
     std::ostringstream commented, bare, data, traceInFront;
     OpenGLRekorder inner(bare, data, nullptr, false), outer(commented, data, nullptr, true);
     OpenGLTracer front(traceInFront);
@@ -185,7 +185,7 @@ TEST_F(Sweep, EveryCallIsRecordedByItsTypesAndThenMade) {
         OpenGLInterceptor::Instance()->popInterceptor();
 }
 
-TEST_F(Sweep, MarkersBySuffix) {
+TEST_F(SweepTest, markersBySuffix) {
     const std::map<std::string, int> expected = {{"", 298},     {"EXT", 245}, {"NV", 134},  {"ARB", 99},
                                                  {"ATI", 34},   {"SUN", 25},  {"SGIX", 15}, {"MESA", 12},
                                                  {"APPLE", 11}, {"IBM", 10},  {"SGIS", 10}, {"SGI", 6},
@@ -203,7 +203,7 @@ TEST_F(Sweep, MarkersBySuffix) {
     EXPECT_EQ(expected, counted);
 }
 
-TEST_F(Sweep, EveryErrorComesBackWithTheCallersPlace) {
+TEST_F(SweepTest, everyErrorComesBackWithTheCallersPlace) {
     int line = 100;
     forEachBut({"Begin"}, [&](const Entry& entry) {
         Attempt attempt;
@@ -216,7 +216,7 @@ TEST_F(Sweep, EveryErrorComesBackWithTheCallersPlace) {
     });
 }
 
-TEST_F(Sweep, NothingBetweenBeginAndEndAsksForErrors) {
+TEST_F(SweepTest, nothingBetweenBeginAndEndAsksForErrors) {
     forEachBut({"Begin", "End"}, [&](const Entry& entry) {
         tracer.cgmBegin(file, 1, 0);
         FakeGL::reset();
@@ -232,7 +232,7 @@ TEST_F(Sweep, NothingBetweenBeginAndEndAsksForErrors) {
     });
 }
 
-TEST_F(Sweep, EveryMacroOfGlInterceptCallsItsEntryFromItsOwnLine) {
+TEST_F(SweepTest, everyMacroOfGlInterceptCallsItsEntryFromItsOwnLine) {
     forEachBut({}, [&](const Entry& entry) {
         Attempt attempt;
         entry.viaMacro(attempt);

@@ -36,8 +36,8 @@ const std::string push =
     "PixelStorei(UNPACK_IMAGE_HEIGHT,0) PixelStorei(UNPACK_SKIP_IMAGES,0) PixelStorei(UNPACK_ALIGNMENT,1)";
 const std::string pop = " PopClientAttrib()";
 
-struct Textures : testing::Test, ObjectsOnDriver {
-    Textures() { // somebody else's are bound, and have to be bound again
+struct TextureTest : testing::Test, ObjectsOnDriver {
+    TextureTest() { // somebody else's are bound, and have to be bound again
         for (const int query : {0x8068, 0x8069, 0x806A, 0x8C1C, 0x8C1D, 0x84F6})
             gl.integers[query] = 77;
         gl.integers[GL_PIXEL_PACK_BUFFER_BINDING] = 78;
@@ -45,7 +45,7 @@ struct Textures : testing::Test, ObjectsOnDriver {
     }
 };
 
-TEST_F(Textures, AllocateTheirLevelsAndRestoreTheBinding) {
+TEST_F(TextureTest, texturesAllocateTheirLevelsAndRestoreTheBinding) {
     const struct {
         void (*make)();
         std::string target;
@@ -88,7 +88,7 @@ TEST_F(Textures, AllocateTheirLevelsAndRestoreTheBinding) {
     EXPECT_CALLS("GenTextures(1,p)");
 }
 
-TEST(TexturesOnOldDrivers, DoWithWhatThereIs) {
+TEST(TextureFallbackTest, texturesDoWithWhatTheDriverHas) {
     void (*const makes[])() = {[] { Texture1D(rgba8, 5, false); },
                                [] { Texture1D(rgba8, 0x100000004, false); }, // the low 32 bits count
                                [] { Texture2D(rgba8, 3, 4, false, nullptr); },
@@ -130,7 +130,7 @@ TEST(TexturesOnOldDrivers, DoWithWhatThereIs) {
     }
 }
 
-TEST_F(Textures, HalveTheirSizesByLevelButNotTheirLayers) {
+TEST_F(TextureTest, sizesAreHalvedByLevelButNotTheLayers) {
     const Texture3D cube(Internal::RGB16F, 8, 4, 2, false);
     const Texture2DArray layers(rgba8, 8, 4, 6, false);
     const Texture1DArray rows(rgba8, 8, 6, false); // its layers are a height, which is halved
@@ -159,7 +159,7 @@ TEST_F(Textures, HalveTheirSizesByLevelButNotTheirLayers) {
     EXPECT_FAILURE("!InternalFormat enums are not all properly sized.", cube.pixelDataSize(0, none, INT));
 }
 
-TEST(TextureFormats, HaveTheirSizes) {
+TEST(TextureFormatTest, formatsHaveTheirSizes) {
     // By format: values of a texel, and bytes of each. x: it has no size. -: the bytes aren't known.
     std::string channels, bytes, ofPixels;
     for (int i = 0; i <= 50; ++i) {
@@ -197,7 +197,7 @@ void expectTranslation(unsigned int (*toGL)(Enumeration), Enumeration (*fromGL)(
 }
 #define EXPECT_TRANSLATION(of, name, ...) expectTranslation(of::name##2GL, of::GL2##name, __VA_ARGS__)
 
-TEST(Enumerations, TranslateBothWays) {
+TEST(EnumerationTest, enumerationsTranslateBothWays) {
     using T = Texture;
     EXPECT_TRANSLATION(T, Filter, "Filter", 6, {0, 9728, 3, 9985, 4, 9986, 5, 9987});
     EXPECT_TRANSLATION(T, InternalFormat, "InternalFormat", 50,
@@ -235,19 +235,19 @@ struct Textured : Base {
 static_assert(std::is_nothrow_destructible_v<Textured>);
 
 // A texture of each shape and a buffer; of these `two` is bound.
-struct Transfers : Textures {
+struct TransferTest : TextureTest {
     Texture1D one{rgba8, 8, false};
     Texture2D two{rgba8, 8, 4, false, nullptr};
     Texture3D three{rgba8, 8, 4, 2, false};
     Buffer buffer{16, Buffer::Type::ARRAY_BUFFER, Buffer::Usage::STREAM_READ, nullptr}; // is 8
-    Transfers() {
+    TransferTest() {
         gl.integers[GL_TEXTURE_BINDING_2D] = static_cast<int>(two.objectID());
         calls();
     }
-    ~Transfers() noexcept override = default;
+    ~TransferTest() noexcept override = default;
 };
 
-TEST_F(Transfers, Write) {
+TEST_F(TransferTest, texelsAreWritten) {
     // Beyond the edge, and more than a level has: for GL to refuse.
     one.subImage(3, 4, 8, BGR, SHORT, memory, packed);
     EXPECT_CALLS(push + " TexSubImage1D(1D,3,4,8,BGR,SHORT,4096)" + pop);
@@ -273,7 +273,7 @@ TEST_F(Transfers, Write) {
     EXPECT_CALLS(bind + "TexSubImage3D(3D,1,2,3,4,8,4,2,6,4,5) BindBuffer(PIXEL_UNPACK_BUFFER,8)" + pop);
 }
 
-TEST_F(Transfers, Read) {
+TEST_F(TransferTest, texelsAreRead) {
     const std::string align = "PixelStorei(PACK_ALIGNMENT,", pushAlign = "PushClientAttrib(1) " + align;
     one.getPixelData(memory, 1, 7, GL_BYTE);
     EXPECT_CALLS("GetTexImage(1D,1,7,BYTE,4096)");
@@ -293,7 +293,7 @@ TEST_F(Transfers, Read) {
 }
 
 // Where a rule is broken the later ones are too, that of the buffer's offset last.
-TEST_F(Transfers, RefuseRegionsInOrder) {
+TEST_F(TransferTest, regionsAreRefusedInOrder) {
     const auto refusal = [&](auto& texture, auto... at) {
         const std::string text = failureOf([&] { texture.subImage(at..., RED, BYTE, memory, packed); });
         EXPECT_FAILURE(text, texture.subImage(at..., RED, BYTE, &buffer, 16, packed));
@@ -328,7 +328,7 @@ TEST_F(Transfers, RefuseRegionsInOrder) {
     EXPECT_CALLS("");
 }
 
-TEST_F(Transfers, RefuseTheBufferInOrder) {
+TEST_F(TransferTest, buffersAreRefusedInOrder) {
     const auto write = [&](std::uint64_t at) {
         const std::string text = failureOf([&] { one.subImage(0, 0, 8, RED, BYTE, &buffer, at, packed); });
         EXPECT_FAILURE(text, two.subImage(0, 0, 0, 8, 4, RED, BYTE, &buffer, at, packed));
@@ -362,7 +362,7 @@ TEST_F(Transfers, RefuseTheBufferInOrder) {
     EXPECT_CALLS("PixelStorei(PACK_ALIGNMENT,1)");
 }
 
-TEST_F(Transfers, OnlyTwoDimensionsTestWhatIsBound) {
+TEST_F(TransferTest, onlyTwoDimensionsTestWhatIsBound) {
     one.setWrap(CLAMP);
     two.setWrap(REPEAT, MIRRORED_REPEAT);
     three.setWrap(CLAMP_TO_BORDER, CLAMP_TO_EDGE, REPEAT);

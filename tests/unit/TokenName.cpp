@@ -33,14 +33,14 @@ void expectName(std::uint32_t value) {
         ADD_FAILURE() << std::hex << value << ": " << TokenName(value) << " instead of " << expected;
 }
 
-TEST(TokenName, NamesEveryRowOfTheTableAndNoneOfItsNeighbours) {
+TEST(TokenNameTest, everyRowOfTheTableIsNamedAndNoneOfItsNeighbours) {
     ASSERT_EQ(2211u, table().size());
     for (const auto& [value, name] : table())
         for (const std::uint32_t near : {value - 1, value, value + 1, value ^ 0x80000000u, value | 0x10000u})
             expectName(near);
 }
 
-TEST(TokenName, ComparesAll32Bits) {
+TEST(TokenNameTest, all32BitsAreCompared) {
     for (std::uint32_t value = 0; value <= 0x20000; ++value)
         expectName(value);
     std::mt19937 random(3);
@@ -54,7 +54,7 @@ TEST(TokenName, ComparesAll32Bits) {
         }
 }
 
-TEST(TokenName, ResolvesMeaningsThatCollideInTheKnownWay) {
+TEST(TokenNameTest, collidingMeaningsAreResolvedInTheKnownWay) {
     // A core name wins over a suffix and ARB over a vendor, but nothing is younger than GL 3.0.
     // clang-format off
     const std::map<std::uint32_t, const char*> names = {
@@ -76,7 +76,7 @@ TEST(TokenName, ResolvesMeaningsThatCollideInTheKnownWay) {
         EXPECT_STREQ(name, TokenName(value)) << std::hex << value;
 }
 
-TEST(TokenName, CallsEveryByteButZeroTrue) {
+TEST(TokenNameTest, everyByteButZeroIsTrue) {
     EXPECT_STREQ("GL_FALSE", boolToString(0));
     for (int value = 1; value < 256; ++value)
         EXPECT_STREQ("GL_TRUE", boolToString(static_cast<unsigned char>(value)));

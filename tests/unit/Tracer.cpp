@@ -13,7 +13,7 @@ using namespace std::string_literals;
 
 namespace {
 
-class Tracer : public testing::Test {
+class TracerTest : public testing::Test {
 protected:
     LibraryWithAllOfGL library;
     std::ostringstream text;
@@ -77,7 +77,7 @@ const Line lines[] = {
          at<int>(0xABCDEF)),
 };
 
-TEST_F(Tracer, WritesEachValueInItsForm) {
+TEST_F(TracerTest, eachValueIsWrittenInItsForm) {
     for (const Line& line : lines) {
         text.str("");
         line.call(tracer);
@@ -85,7 +85,7 @@ TEST_F(Tracer, WritesEachValueInItsForm) {
     }
 }
 
-TEST_F(Tracer, ShowsTheCallAndHandsBackItsResult) {
+TEST_F(TracerTest, theCallIsShownAndItsResultHandedBack) {
     FakeGL::setResult("glGetString", static_cast<const unsigned char*>(bytes));
     EXPECT_EQ(bytes, tracer.cgmGetString("dir\\b.cpp", 4000000000u, 0x1F02));
     EXPECT_EQ("dir\\b.cpp:4000000000: glGetString(GL_VERSION)\n", text.str());
@@ -96,7 +96,7 @@ TEST_F(Tracer, ShowsTheCallAndHandsBackItsResult) {
 }
 
 // ValueForms.cpp compares every format with what the stream does.
-TEST_F(Tracer, FollowsTheFormatOfTheStreamAndLeavesItAlone) {
+TEST_F(TracerTest, theFormatOfTheStreamIsFollowedAndLeftAlone) {
     text << std::hex << std::uppercase << std::setprecision(3) << std::setfill('*');
     const auto flags = text.flags();
     tracer.cgmPassThrough("a.cpp", 1200, -12345.678f);
@@ -110,7 +110,7 @@ TEST_F(Tracer, FollowsTheFormatOfTheStreamAndLeavesItAlone) {
     EXPECT_EQ('*', text.fill());
 }
 
-TEST_F(Tracer, WritesToTheStreamThatWasSetLast) {
+TEST_F(TracerTest, theStreamThatWasSetLastIsWritten) {
     EXPECT_EQ(&std::cout, OpenGLTracer().outputStream());
     EXPECT_EQ(nullptr, OpenGLTracer().interceptor());
     std::ostringstream other;
@@ -128,7 +128,7 @@ struct FullBuffer : std::streambuf {
     char text[100];
 };
 
-TEST_F(Tracer, AStreamThatThrowsKeepsTheCallFromBeingMadeAndOneThatFailsDoesNot) {
+TEST_F(TracerTest, aStreamThatThrowsKeepsTheCallFromBeingMadeAndOneThatFailsDoesNot) {
     const std::string line = "a.cpp:8: glTexCoord2f(makeFloat(0) /* 0 */, makeFloat(1065353216) /* 1 */)\n";
     for (const bool throws : {false, true})
         for (std::size_t room = 0; room <= line.size(); ++room) {
@@ -148,7 +148,7 @@ TEST_F(Tracer, AStreamThatThrowsKeepsTheCallFromBeingMadeAndOneThatFailsDoesNot)
         }
 }
 
-TEST_F(Tracer, TheLineStandsWhenTheNextLayerThrows) {
+TEST_F(TracerTest, theLineStandsWhenTheNextLayerThrows) {
     FakeGL::pushError(0x0500);
     EXPECT_THROW(tracer.cgmPointSize("a.cpp", 9, 1), ExceptionOGL);
     EXPECT_EQ("a.cpp:9: glPointSize(makeFloat(1065353216) /* 1 */)\n", text.str());

@@ -81,7 +81,7 @@ std::vector<Real> specialReals() {
     return values;
 }
 
-TEST(ValueForms, RealsAreAsTheStreamShowsThem) {
+TEST(ValueFormTest, realsAreAsTheStreamShowsThem) {
     Routes routes;
     std::ranges::for_each(specialReals<float>(), [&](float value) { routes.number(value); });
     std::ranges::for_each(specialReals<double>(), [&](double value) { routes.number(value); });
@@ -102,7 +102,7 @@ TEST(ValueForms, RealsAreAsTheStreamShowsThem) {
         }
 }
 
-TEST(ValueForms, WholeNumbersAreAsTheStreamShowsThem) {
+TEST(ValueFormTest, wholeNumbersAreAsTheStreamShowsThem) {
     Routes routes;
     for (std::uint64_t bits = 0; bits <= 0xFFFF; ++bits)
         routes.integers(bits);
@@ -117,7 +117,7 @@ struct Grouping : std::numpunct<char> {
     std::string do_grouping() const override { return "\2"; }
 };
 
-TEST(ValueForms, FollowEveryFormatOfTheStream) {
+TEST(ValueFormTest, everyFormatOfTheStreamIsFollowed) {
     const Format formats[] = {
         [](auto& out) { out << std::hex; },
         [](auto& out) { out << std::oct << std::showbase; },

@@ -91,13 +91,13 @@ wglCreateContext(hDC_Ours);@
     ROW(DWORD, 0x80000001, SwapMultipleBuffers, wglSwapMultipleBuffers, "", UINT(9), buffers),
 };
 
-struct Wgl : testing::Test {
-    Wgl() { FakeGL::reset(); }
-    ~Wgl() override { wglInterceptor::destroy(); }
+struct WglTest : testing::Test {
+    WglTest() { FakeGL::reset(); }
+    ~WglTest() override { wglInterceptor::destroy(); }
     std::ostringstream text, data;
 };
 
-TEST_F(Wgl, TheChainIsTwentyEntriesThatHandThroughWhatThePlatformSays) {
+TEST_F(WglTest, theChainIsTwentyEntriesThatHandThroughWhatThePlatformSays) {
     std::size_t slot = 0;
     for (const Row& row : rows) {
         SCOPED_TRACE(row.expected);
@@ -120,7 +120,7 @@ struct Next : wglErrorChecker {
     }
 };
 
-TEST_F(Wgl, EachCallIsWrittenAndThenMadeOrRefused) {
+TEST_F(WglTest, eachCallIsWrittenAndThenMadeOrRefused) {
     Next next;
     for (const std::string comment : {"", "\t\t// a.cpp, line 7"}) {
         // The inner one writes the file and line that the outer one hands on.
@@ -165,7 +165,7 @@ TEST_F(Wgl, EachCallIsWrittenAndThenMadeOrRefused) {
     }
 }
 
-TEST_F(Wgl, TheMacroNamesThePlace) {
+TEST_F(WglTest, theMacroNamesThePlace) {
     wglRekorder layer(text, data, device, nullptr, true);
     wglInterceptor::Instance()->addInterceptor(&layer);
     text.str("");

@@ -29,7 +29,7 @@ std::string comparable(std::string line) {
     return line;
 }
 
-TEST(Recording, CompiledAndRunLeavesTheSameRecordingAgain) {
+TEST(RecordingTest, aRecordingCompiledAndRunLeavesTheSameRecordingAgain) {
     const LibraryWithAllOfGL library;
     RecordingStream stream(ZLT_RECORDING ".inl", ZLT_RECORDING ".bin");
     pBinaryInputStream = &stream;
