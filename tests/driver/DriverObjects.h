@@ -31,10 +31,6 @@ using Format = Texture::Format;
 using Type = Texture::Type;
 using Internal = Texture::InternalFormat;
 
-using Colour = std::array<int, 3>;
-constexpr Colour black = {0, 0, 0}, red = {255, 0, 0}, green = {0, 255, 0}, blue = {0, 0, 255},
-                 white = {255, 255, 255};
-
 /// The library with a context that is current. A test asks for each error of GL that it causes.
 class StartedWithContext : public StartedDriver {
 protected:

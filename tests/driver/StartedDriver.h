@@ -1,7 +1,9 @@
 #pragma once
 
 #include "LibraryOGL.h"
+#include "ogl/BufferFormat.h"
 #include "ogl/ContextOffscreen.h"
+#include "ogl/ContextWindowed.h"
 #include "zlt/core/Core.h"
 #include "zlt/core/Exceptions.h"
 #include "zlt/core/Memory.h"
@@ -13,6 +15,7 @@
 #include <array>
 #include <cstdint>
 #include <iostream>
+#include <memory>
 #include <string>
 
 /// @file
@@ -37,7 +40,20 @@ std::string messageOf(Call call) {
     return "";
 }
 
-inline std::array<int, 3> pixelAt(int x, int y) {
+/// A double buffered context on the window.
+inline std::unique_ptr<ZLT::OGL::ContextWindowed>
+contextOn(HWND window, const ZLT::OGL::Context* share = nullptr,
+          const ZLT::OGL::BufferFormat& format = ZLT::OGL::BufferFormat(ZLT::OGL::BufferFormat::RGBA8_D24S8),
+          unsigned samples = ZLT::OGL::Context::eNoMultisample) {
+    return std::make_unique<ZLT::OGL::ContextWindowed>(window, format, ZLT::OGL::Context::eDoubleBuffered,
+                                                       ZLT::OGL::Context::teMultisample(samples), share);
+}
+
+using Colour = std::array<int, 3>;
+constexpr Colour black = {0, 0, 0}, red = {255, 0, 0}, green = {0, 255, 0}, blue = {0, 0, 255},
+                 white = {255, 255, 255};
+
+inline Colour pixelAt(int x, int y) {
     std::array<std::uint8_t, 4> bytes{};
     glReadPixels(x, y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, bytes.data());
     return {bytes[0], bytes[1], bytes[2]};
