@@ -1,18 +1,12 @@
 // Contexts that toolkits made, by GLX and by EGL, taken over by ContextWrapped; toolkits' surfaces on
 // Wayland.
 
-// In front of Xlib, whose macros have its names.
-#include <gtest/gtest.h>
+// In front of Xlib, whose macros have GoogleTest's names.
+#include "StartedDriver.h"
 
-#include "LibraryOGL.h"
 #include "extensionator/OpenGLInterceptor.h"
-#include "ogl/BufferFormat.h"
-#include "ogl/ContextOffscreen.h"
-#include "ogl/ContextWindowed.h"
 #include "ogl/ContextWrapped.h"
 #include "platform/Wayland.h"
-#include "zlt/core/Core.h"
-#include "zlt/core/Exceptions.h"
 
 #include <EGL/egl.h>
 #define GLFW_EXPOSE_NATIVE_WAYLAND
@@ -23,14 +17,10 @@
 #include <GLFW/glfw3native.h>
 #include <SDL.h>
 #include <SDL_syswm.h>
-#include <array>
-#include <cstdint>
 #include <cstdlib>
 #include <dlfcn.h>
 #include <functional>
-#include <memory>
 #include <stdexcept>
-#include <string>
 #include <thread>
 
 using namespace ZLT::OGL;
@@ -84,39 +74,23 @@ protected:
         require(window != nullptr, "glfwCreateWindow");
         return window;
     }
-
-    GLFWwindow* window_ = nullptr;
-
-private:
-    bool egl_;
-};
-
-class GlfwByWayland : public Glfw {
-public:
-    GlfwByWayland() : Glfw(GLFW_EGL_CONTEXT_API) {}
-    ~GlfwByWayland() override {
-        for (GLFWwindow* window : {window_, second_})
-            if (window)
-                DestroyWindow(surfaceOf(window, width, height));
+    static GLFWwindow* openSecond() {
+        glfwWindowHint(GLFW_CLIENT_API, GLFW_NO_API);
+        GLFWwindow* window = open();
+        glfwPollEvents();
+        return window;
     }
-    HWND handle() const override { return surfaceOf(window_, width, height); }
-    HWND secondHandle(int width, int height) override {
-        if (!second_) {
-            glfwWindowHint(GLFW_CLIENT_API, GLFW_NO_API);
-            second_ = open();
-            glfwPollEvents();
-        }
-        return surfaceOf(second_, width, height);
-    }
-
-private:
+    static void close(GLFWwindow* window) { glfwDestroyWindow(window); }
     static HWND surfaceOf(GLFWwindow* window, int width, int height) {
         return ZLT::Platform::windowFromWayland(
             function<decltype(&glfwGetWaylandDisplay)>("glfwGetWaylandDisplay")(),
             function<decltype(&glfwGetWaylandWindow)>("glfwGetWaylandWindow")(window), width, height);
     }
 
-    GLFWwindow* second_ = nullptr;
+    GLFWwindow* window_ = nullptr;
+
+private:
+    bool egl_;
 };
 
 class Sdl : public ToolkitWindow {
@@ -152,6 +126,16 @@ protected:
         require(window != nullptr, "SDL_CreateWindow");
         return window;
     }
+    static SDL_Window* openSecond() {
+        SDL_Window* window = open();
+        SDL_PumpEvents();
+        return window;
+    }
+    static void close(SDL_Window* window) { SDL_DestroyWindow(window); }
+    static HWND surfaceOf(SDL_Window* window, int width, int height) {
+        const auto wayland = systemOf(window).info.wl;
+        return ZLT::Platform::windowFromWayland(wayland.display, wayland.surface, width, height);
+    }
 
     SDL_Window* window_ = nullptr;
 
@@ -160,32 +144,27 @@ private:
     bool egl_;
 };
 
-class SdlByWayland : public Sdl {
+// With a second window, on which it has no context.
+template <class Base, class Window>
+class ByWayland : public Base {
 public:
-    SdlByWayland() : Sdl(true, "wayland") {}
-    ~SdlByWayland() override {
-        for (SDL_Window* window : {window_, second_})
+    using Base::Base;
+    ~ByWayland() override {
+        for (auto* window : {this->window_, second_})
             if (window)
-                DestroyWindow(surfaceOf(window, width, height));
+                DestroyWindow(Base::surfaceOf(window, width, height));
         if (second_)
-            SDL_DestroyWindow(second_);
+            Base::close(second_);
     }
-    HWND handle() const override { return surfaceOf(window_, width, height); }
+    HWND handle() const override { return Base::surfaceOf(this->window_, width, height); }
     HWND secondHandle(int width, int height) override {
-        if (!second_) {
-            second_ = open();
-            SDL_PumpEvents();
-        }
-        return surfaceOf(second_, width, height);
+        if (!second_)
+            second_ = Base::openSecond();
+        return Base::surfaceOf(second_, width, height);
     }
 
 private:
-    static HWND surfaceOf(SDL_Window* window, int width, int height) {
-        const auto wayland = systemOf(window).info.wl;
-        return ZLT::Platform::windowFromWayland(wayland.display, wayland.surface, width, height);
-    }
-
-    SDL_Window* second_ = nullptr;
+    Window* second_ = nullptr;
 };
 
 class Glut : public ToolkitWindow {
@@ -248,12 +227,9 @@ protected:
 
 class SecondWindowDriverTest : public AdoptionDriverTest {};
 
-std::array<std::uint8_t, 4> drawnIn(float red, float green, int x = 1, int y = 1) {
-    glClearColor(red, green, 0, 1);
-    glClear(GL_COLOR_BUFFER_BIT);
-    std::array<std::uint8_t, 4> bytes{};
-    glReadPixels(x, y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, bytes.data());
-    return bytes;
+Colour drawnIn(const Colour& colour, int x = 1, int y = 1) {
+    clear(float(colour[0]), float(colour[1]), float(colour[2]));
+    return pixelAt(x, y);
 }
 
 } // namespace
@@ -271,36 +247,36 @@ TEST_P(AdoptionDriverTest, theToolkitsContextIsTheCurrentOneAndStaysIt) {
         CGM(ActiveTexture, GL_TEXTURE0);
         EXPECT_EQ(Native(), before);
 
-        int red = 0, green = 0, blue = 0, alpha = -1, stencil = -1, depth = -1;
-        wrapped.getBitDepths(&red, &green, &blue, &alpha, &stencil, &depth);
+        int redBits = 0, depthBits = -1, others = 0;
+        wrapped.getBitDepths(&redBits, &others, &others, &others, &others, &depthBits);
         GLint bits = 0;
         glGetIntegerv(GL_RED_BITS, &bits);
-        EXPECT_EQ(red, bits);
+        EXPECT_EQ(redBits, bits);
         glGetIntegerv(GL_DEPTH_BITS, &bits);
-        EXPECT_EQ(depth, bits);
+        EXPECT_EQ(depthBits, bits);
 
         // Contexts of our own come and go, on this thread and on another.
         const ContextOffscreen own;
         EXPECT_EQ(Native(), before);
         own.makeCurrent();
         EXPECT_EQ(Context::currentContext(), own.renderContext());
-        EXPECT_EQ(drawnIn(0, 1)[1], 255);
+        EXPECT_EQ(drawnIn(green), green);
         wrapped.makeCurrent();
         EXPECT_EQ(Native(), before);
-        EXPECT_EQ(drawnIn(1, 0)[0], 255);
+        EXPECT_EQ(drawnIn(red), red);
         window_->swap();
         std::thread([&] {
             EXPECT_EQ(Context::currentContext(), nullptr);
             own.makeCurrent();
             EXPECT_EQ(Context::currentContext(), own.renderContext());
-            EXPECT_EQ(drawnIn(0, 1)[1], 255);
+            EXPECT_EQ(drawnIn(green), green);
             releaseOGLContext();
         }).join();
         EXPECT_EQ(Context::currentContext(), adopted);
     }
     EXPECT_EQ(Native(), before) << "the wrapper is gone, the context is not";
     EXPECT_FALSE(wglDeleteContext(adopted)) << "somebody else's";
-    EXPECT_EQ(drawnIn(1, 0)[0], 255);
+    EXPECT_EQ(drawnIn(red), red);
 }
 
 TEST_P(AdoptionDriverTest, aContextOfOursSharesWithTheToolkits) {
@@ -316,18 +292,17 @@ TEST_P(AdoptionDriverTest, aContextOfOursSharesWithTheToolkits) {
         sharing.makeCurrent();
         EXPECT_EQ(Context::currentContext(), sharing.renderContext());
         EXPECT_TRUE(glIsTexture(texture));
-        EXPECT_EQ(drawnIn(0, 1)[1], 255);
+        EXPECT_EQ(drawnIn(green), green);
 
         // A third one joins through the second, on a window.
         const HWND window = CreateWindowExA(0, "STATIC", "third", WS_POPUP | WS_VISIBLE, 0, 0, width, height,
                                             nullptr, nullptr, nullptr, nullptr);
         {
-            ContextWindowed third(window, BufferFormat(BufferFormat::RGB8_D24), Context::eDoubleBuffered,
-                                  Context::eNoMultisample, &sharing);
-            third.makeCurrent();
+            const auto third = contextOn(window, &sharing, BufferFormat(BufferFormat::RGB8_D24));
+            third->makeCurrent();
             EXPECT_TRUE(glIsTexture(texture));
-            EXPECT_EQ(drawnIn(1, 1)[1], 255);
-            third.swapBuffers();
+            EXPECT_EQ(drawnIn(white), white);
+            third->swapBuffers();
         }
         EXPECT_TRUE(DestroyWindow(window));
         wrapped.makeCurrent();
@@ -384,7 +359,7 @@ TEST_P(AdoptionDriverTest, whatTheToolkitClosedIsNotTouchedAgain) {
     wrapped.reset();
     const ContextOffscreen own;
     own.makeCurrent();
-    EXPECT_EQ(drawnIn(0, 1)[1], 255);
+    EXPECT_EQ(drawnIn(green), green);
     releaseOGLContext();
 }
 
@@ -392,16 +367,15 @@ TEST_P(SecondWindowDriverTest, hasTheSizeThatTheProgramTellsAndStaysTheToolkits)
     const HWND window = window_->secondHandle(width, height);
     RECT area = {};
     {
-        ContextWindowed own(window, BufferFormat(BufferFormat::RGB8_D24), Context::eDoubleBuffered,
-                            Context::eNoMultisample, nullptr);
-        own.makeCurrent();
+        const auto own = contextOn(window, nullptr, BufferFormat(BufferFormat::RGB8_D24));
+        own->makeCurrent();
         for (const int scale : {1, 3}) {
             EXPECT_EQ(window_->secondHandle(scale * width, scale * height), window);
             EXPECT_TRUE(GetClientRect(window, &area));
             EXPECT_EQ(area.right, scale * width);
             EXPECT_EQ(area.bottom, scale * height);
-            EXPECT_EQ(drawnIn(0, 1, area.right - 1, area.bottom - 1)[1], 255) << "the last pixel";
-            own.swapBuffers();
+            EXPECT_EQ(drawnIn(green, area.right - 1, area.bottom - 1), green) << "the last pixel";
+            own->swapBuffers();
         }
         releaseOGLContext();
     }
@@ -410,8 +384,9 @@ TEST_P(SecondWindowDriverTest, hasTheSizeThatTheProgramTellsAndStaysTheToolkits)
 }
 
 const auto nameOf = [](const auto& info) { return std::string(info.param.name); };
-const Toolkit onWayland[] = {{"SdlByWayland", [] { return std::make_unique<SdlByWayland>(); }},
-                             {"GlfwByWayland", [] { return std::make_unique<GlfwByWayland>(); }}};
+const Toolkit onWayland[] = {
+    {"SdlByWayland", [] { return std::make_unique<ByWayland<Sdl, SDL_Window>>(true, "wayland"); }},
+    {"GlfwByWayland", [] { return std::make_unique<ByWayland<Glfw, GLFWwindow>>(GLFW_EGL_CONTEXT_API); }}};
 INSTANTIATE_TEST_SUITE_P(Wayland, AdoptionDriverTest, ::testing::ValuesIn(onWayland), nameOf);
 INSTANTIATE_TEST_SUITE_P(Wayland, SecondWindowDriverTest, ::testing::ValuesIn(onWayland), nameOf);
 INSTANTIATE_TEST_SUITE_P(

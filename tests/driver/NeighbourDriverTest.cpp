@@ -4,8 +4,6 @@
 #include "ForeignContext.h"
 #include "PlainWindow.h"
 #include "StartedDriver.h"
-#include "ogl/BufferFormat.h"
-#include "ogl/ContextWindowed.h"
 #include "ogl/ContextWrapped.h"
 #include "platform/WglTokens.h"
 
@@ -15,14 +13,11 @@
 #include <xcb/xcb.h>
 #include <xcb/xcbext.h>
 
-#include <array>
 #include <atomic>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <memory>
 #include <stdexcept>
-#include <string>
 #include <vector>
 
 using namespace ZLT::OGL;
@@ -104,7 +99,7 @@ EGLDisplay deviceDisplay() {
     return eglGetPlatformDisplay(EGL_PLATFORM_DEVICE_EXT, device, nullptr);
 }
 
-std::array<int, 3> drawn() {
+Colour drawn() {
     clear(0, 1, 0);
     return pixelAt(1, 1);
 }
@@ -158,12 +153,8 @@ TEST_F(NeighbourDriverTest, aDisplayThatSomebodyTerminatedIsOpenedAgain) {
     if (std::getenv("DISPLAY") || std::getenv("WAYLAND_DISPLAY"))
         GTEST_SKIP() << "no EGL device is shared";
     const PlainWindow window(64, 48);
-    const auto windowed = [&] {
-        return std::make_unique<ContextWindowed>(window.handle(), BufferFormat(BufferFormat::RGBA8_D24S8),
-                                                 Context::eDoubleBuffered, Context::eNoMultisample, nullptr);
-    };
     for (const bool openedAgain : {false, true}) {
-        const auto old = windowed();
+        const auto old = contextOn(window.handle());
         const ContextOffscreen current;
         current.makeCurrent();
         eglTerminate(deviceDisplay());
@@ -173,12 +164,12 @@ TEST_F(NeighbourDriverTest, aDisplayThatSomebodyTerminatedIsOpenedAgain) {
                   std::string::npos);
         EXPECT_NE(std::string(ZLT::Platform::lastErrorText()).find("terminated"), std::string::npos)
             << ZLT::Platform::lastErrorText();
-        const auto again = windowed();
+        const auto again = contextOn(window.handle());
         again->makeCurrent();
-        EXPECT_EQ(drawn(), (std::array{0, 255, 0}));
+        EXPECT_EQ(drawn(), green);
         const ContextOffscreen sharing(again.get());
         sharing.makeCurrent();
-        EXPECT_EQ(drawn(), (std::array{0, 255, 0}));
+        EXPECT_EQ(drawn(), green);
         releaseOGLContext();
     }
 }
@@ -211,14 +202,11 @@ TEST_F(NeighbourDriverTest, aWindowForWhichThereIsNoSurfaceIsRefused) {
 TEST_F(NeighbourDriverTest, aCurrentContextWhoseWindowIsGoneIsAskedForFormatsAndFunctions) {
     auto window = std::make_unique<PlainWindow>(64, 48);
     const PlainWindow other(64, 48);
-    const ContextWindowed context(window->handle(), BufferFormat(BufferFormat::RGBA8_D24S8),
-                                  Context::eDoubleBuffered, Context::eNoMultisample, nullptr);
-    context.makeCurrent();
+    const auto context = contextOn(window->handle());
+    context->makeCurrent();
     window.reset();
-    const std::string failure = messageOf([&] {
-        const ContextWindowed smooth(other.handle(), BufferFormat(BufferFormat::RGBA8_D24S8),
-                                     Context::eDoubleBuffered, Context::teMultisample(4), nullptr);
-    });
+    const std::string failure =
+        messageOf([&] { contextOn(other.handle(), nullptr, BufferFormat(BufferFormat::RGBA8_D24S8), 4); });
     EXPECT_TRUE(failure.empty() || failure == "Can't find suitable pixel format.") << failure;
     // Names the extension where the display has it.
     const bool has = ExtensionManager::Instance()->initialize(WGL_EXT_SWAP_CONTROL);
@@ -236,9 +224,7 @@ TEST_F(NeighbourDriverTest, aHundredStartsAndAThousandWindowsLeaveNoDescriptorOp
     }
     for (int i = 0; i < 1000; ++i) {
         const PlainWindow window(8, 8);
-        const ContextWindowed context(window.handle(), BufferFormat(BufferFormat::RGB8),
-                                      Context::eDoubleBuffered, Context::eNoMultisample, nullptr);
-        context.makeCurrent();
+        contextOn(window.handle())->makeCurrent();
         releaseOGLContext();
     }
     EXPECT_EQ(openDescriptors(), before);
@@ -248,19 +234,11 @@ TEST_F(NeighbourDriverTest, aHundredStartsAndAThousandWindowsLeaveNoDescriptorOp
 TEST_F(NeighbourDriverTest, aStartAndAContextAskTheServerLittle) {
     if (!std::getenv("DISPLAY"))
         GTEST_SKIP() << "no X server is asked";
-    const int withDisplays = roundTrips;
-    Library::terminate();
-    roundTrips = 0;
-    Library::initialize(Library::InitOptions());
-    const int start = roundTrips;
-    roundTrips = 0;
-    const auto context = std::make_unique<ContextOffscreen>();
-    const int made = roundTrips;
-    roundTrips = 0;
-    std::cout << "round trips: first start " << withDisplays << ", another " << start
-              << ", an off-screen context " << made << '\n';
-    EXPECT_LE(withDisplays, 57);
-    EXPECT_LE(made, 9);
+    const int start = roundTrips.exchange(0);
+    const ContextOffscreen context;
+    std::cout << "round trips: a start " << start << ", an off-screen context " << roundTrips << '\n';
+    EXPECT_LE(start, 57);
+    EXPECT_LE(roundTrips, 9);
 }
 
 // Each in a process of its own: the displays are opened once.

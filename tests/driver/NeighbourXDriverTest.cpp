@@ -4,9 +4,8 @@
 // In front of Xlib, whose macros have GoogleTest's names.
 #include "StartedDriver.h"
 
+#include "ForeignContext.h"
 #include "PlainWindow.h"
-#include "ogl/BufferFormat.h"
-#include "ogl/ContextWindowed.h"
 #include "ogl/ContextWrapped.h"
 
 #include <EGL/egl.h>
@@ -22,6 +21,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <optional>
 #include <thread>
 #include <vector>
 
@@ -65,16 +65,15 @@ struct Program {
     void makeError() const { XMapWindow(display, 1), XSync(display, False); }
 };
 
-std::unique_ptr<ContextWindowed> contextOn(const PlainWindow& window, const Context* share) {
+std::unique_ptr<ContextWindowed> contextShownOn(const PlainWindow& window, const Context* share) {
     ShowWindow(window.handle(), SW_SHOWNORMAL);
-    return std::make_unique<ContextWindowed>(window.handle(), BufferFormat(BufferFormat::RGB8_D24),
-                                             Context::eDoubleBuffered, Context::eNoMultisample, share);
+    return contextOn(window.handle(), share, BufferFormat(BufferFormat::RGB8_D24));
 }
 
 void expectDrawing(const Context& context) {
     context.makeCurrent();
     clear(0, 1, 0);
-    EXPECT_EQ(pixelAt(1, 1), (std::array<int, 3>{0, 255, 0}));
+    EXPECT_EQ(pixelAt(1, 1), green);
     releaseOGLContext();
 }
 
@@ -88,7 +87,7 @@ void killServer(Display* display) {
 void serverEnds() {
     Display* observer = XOpenDisplay(nullptr);
     const PlainWindow window(64, 48);
-    auto own = contextOn(window, nullptr);
+    auto own = contextShownOn(window, nullptr);
     own->makeCurrent();
     killServer(observer);
     for (int frame = 0; frame < 3; ++frame) { // the first one may be what notices it
@@ -123,7 +122,7 @@ void ownerClosesDisplay() {
         auto wrapped = std::make_unique<ContextWrapped>();
         auto window = std::make_unique<PlainWindow>(64, 48);
         std::unique_ptr<Context> own[] = {std::make_unique<ContextOffscreen>(wrapped.get()),
-                                          contextOn(*window, wrapped.get())};
+                                          contextShownOn(*window, wrapped.get())};
         for (const auto& context : own)
             expectDrawing(*context);
         XCloseDisplay(std::exchange(owner.display, nullptr));
@@ -139,19 +138,10 @@ void ownerClosesDisplay() {
 void ownerDestroysContext() {
     const ContextOffscreen first;
     first.makeCurrent();
-    const EGLDisplay display = eglGetCurrentDisplay();
-    const EGLint wanted[] = {EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RED_SIZE, 8, EGL_NONE};
-    EGLConfig config = nullptr;
-    EGLint count = 0;
-    eglBindAPI(EGL_OPENGL_API);
-    eglChooseConfig(display, wanted, &config, 1, &count);
-    const EGLSurface surface = eglCreatePbufferSurface(display, config, nullptr);
-    const EGLContext foreign = eglCreateContext(display, config, EGL_NO_CONTEXT, nullptr);
-    ASSERT_TRUE(eglMakeCurrent(display, surface, surface, foreign));
+    std::optional<ForeignContext> owner(eglGetCurrentDisplay());
+    const EGLContext foreign = owner->context;
     const ContextWrapped wrapped;
-    releaseOGLContext();
-    eglDestroyContext(display, foreign);
-    eglDestroySurface(display, surface);
+    owner.reset();
     const auto expectGone = [&] {
         EXPECT_EQ(messageOf<std::exception>([&] { wrapped.makeCurrent(); }), "ContextWrapped Object leaked");
         int red = -1, rest = 0;

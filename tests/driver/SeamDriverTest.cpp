@@ -6,8 +6,6 @@
 
 #include "ForeignContext.h"
 #include "PlainWindow.h"
-#include "ogl/BufferFormat.h"
-#include "ogl/ContextWindowed.h"
 #include "ogl/ContextWrapped.h"
 
 #include <EGL/egl.h>
@@ -19,8 +17,6 @@
 
 #include <chrono>
 #include <cstdlib>
-#include <memory>
-#include <string>
 #include <thread>
 
 using namespace ZLT::OGL;
@@ -143,14 +139,21 @@ TEST_F(SeamDriverTest, eachMonitorOfAnXServerIsADisplayDevice) {
         monitor.width = width;
         monitor.height = 1024;
         monitor.mwidth = monitor.mheight = 300;
-        if (!primary)
-            monitor.noutput = 1;
-        RROutput output = 0;
+        monitor.noutput = primary ? 0 : 1;
         XRRScreenResources* resources = XRRGetScreenResources(server, server.root());
-        output = resources->outputs[0];
-        monitor.outputs = &output;
+        monitor.outputs = resources->outputs;
         XRRSetMonitor(server, server.root(), &monitor);
         XRRFreeScreenResources(resources);
+    };
+    const auto forgetBoth = [&] {
+        for (const char* name : {"left", "right"})
+            XRRDeleteMonitor(server, server.root(), XInternAtom(server, name, False));
+        XSync(server, False);
+    };
+    const PlainWindow window(64, 48);
+    const auto deviceAt = [&](int x, int width) {
+        MoveWindow(window.handle(), x, 10, width, 48, FALSE);
+        return std::string(Context::displayDeviceFromWindow(window.handle()).DeviceName);
     };
     halve("left", 0, 640, false);
     halve("right", 640, 640, true);
@@ -172,26 +175,18 @@ TEST_F(SeamDriverTest, eachMonitorOfAnXServerIsADisplayDevice) {
         onRight.makeCurrent();
         EXPECT_NE(ExtensionManager::Instance(), leftManager) << "a manager for each name";
         releaseOGLContext();
-        const PlainWindow window(64, 48);
-        EXPECT_STREQ(Context::displayDeviceFromWindow(window.handle()).DeviceName, "left");
-        MoveWindow(window.handle(), 620, 10, 64, 48, FALSE);
-        EXPECT_STREQ(Context::displayDeviceFromWindow(window.handle()).DeviceName, "right") << "most of it";
-        MoveWindow(window.handle(), 5000, 10, 64, 48, FALSE);
-        EXPECT_STREQ(Context::displayDeviceFromWindow(window.handle()).DeviceName, "right") << "the nearest";
-        for (const char* name : {"left", "right"})
-            XRRDeleteMonitor(server, server.root(), XInternAtom(server, name, False));
+        EXPECT_EQ(deviceAt(0, 64), "left");
+        EXPECT_EQ(deviceAt(620, 64), "right") << "most of it";
+        EXPECT_EQ(deviceAt(5000, 64), "right") << "the nearest";
+        forgetBoth();
         // Between the two: 100 pixels from the left one, 50 from the right one, whatever its corner says.
         halve("left", 0, 100, false);
         halve("right", 700, 580, true);
         XSync(server, False);
-        MoveWindow(window.handle(), 200, 10, 450, 48, FALSE);
-        EXPECT_STREQ(Context::displayDeviceFromWindow(window.handle()).DeviceName, "right")
-            << "its rectangle";
+        EXPECT_EQ(deviceAt(200, 450), "right") << "its rectangle";
     }
     Library::terminate();
-    for (const char* name : {"left", "right"})
-        XRRDeleteMonitor(server, server.root(), XInternAtom(server, name, False));
-    XSync(server, False);
+    forgetBoth();
 }
 
 TEST_F(SeamDriverTest, aWindowOfAnotherClientIsDrawnToAndItsEndIsNoticed) {
@@ -206,12 +201,10 @@ TEST_F(SeamDriverTest, aWindowOfAnotherClientIsDrawnToAndItsEndIsNoticed) {
     };
     const ::Window window = open();
     {
-        ContextWindowed context(handle(window), BufferFormat(BufferFormat::RGBA8_D24S8),
-                                Context::eDoubleBuffered, Context::eNoMultisample, nullptr);
-        context.makeCurrent();
-        glClearColor(0, 1, 0, 1);
-        glClear(GL_COLOR_BUFFER_BIT);
-        context.swapBuffers();
+        const auto context = contextOn(handle(window));
+        context->makeCurrent();
+        clear(0, 1, 0);
+        context->swapBuffers();
         glFinish();
         // The server hears of it on another connection than this one.
         unsigned long shown = 0;
@@ -238,9 +231,8 @@ TEST_F(SeamDriverTest, aWindowOfAnotherClientIsDrawnToAndItsEndIsNoticed) {
         const ::Window other = XCreateWindow(server, server.root(), 0, 0, 64, 48, 0, 24, InputOutput,
                                              deep.visual, CWColormap | CWBorderPixel, &attributes);
         XSync(server, False);
-        ContextWindowed context(handle(other), BufferFormat(BufferFormat::RGBA8_D24S8),
-                                Context::eDoubleBuffered, Context::teMultisample(4), nullptr);
-        context.makeCurrent();
+        const auto context = contextOn(handle(other), nullptr, BufferFormat(BufferFormat::RGBA8_D24S8), 4);
+        context->makeCurrent();
         GLint samples = 0;
         glGetIntegerv(GL_SAMPLES, &samples);
         EXPECT_GE(samples, 4);
@@ -250,15 +242,14 @@ TEST_F(SeamDriverTest, aWindowOfAnotherClientIsDrawnToAndItsEndIsNoticed) {
     // A context whose window went first is refused what needs the window, and goes.
     const ::Window second = open();
     {
-        ContextWindowed context(handle(second), BufferFormat(BufferFormat::RGB8), Context::eDoubleBuffered,
-                                Context::eNoMultisample, nullptr);
-        context.makeCurrent();
+        const auto context = contextOn(handle(second));
+        context->makeCurrent();
         XDestroyWindow(server, second);
         XSync(server, False);
-        EXPECT_FALSE(SwapBuffers(context.deviceContext()));
+        EXPECT_FALSE(SwapBuffers(context->deviceContext()));
         EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
         releaseOGLContext();
-        EXPECT_THROW(context.makeCurrent(), ZLT::InternalException);
+        EXPECT_THROW(context->makeCurrent(), ZLT::InternalException);
     }
     const ContextOffscreen after;
     after.makeCurrent();

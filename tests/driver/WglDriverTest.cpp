@@ -1,21 +1,17 @@
 // The WGL chain on the real window system: WGL on Windows, EGL behind the same names on Linux.
 
 #include "PlainWindow.h"
+#include "StartedDriver.h"
 #include "extensionator/Load.h"
 #include "extensionator/win/wglInterceptor.h"
 #include "platform/WglTokens.h"
 
-#include <GL/gl.h>
-#include <GL/glext.h>
-#include <gtest/gtest.h>
-
-#include <array>
-#include <cstdint>
+#include <algorithm>
 #include <cstdlib>
-#include <memory>
+#include <map>
 #include <stdexcept>
-#include <string>
 #include <thread>
+#include <vector>
 
 using namespace ZLT::OGL;
 
@@ -53,12 +49,8 @@ TEST_F(WglDriverTest, aContextIsMadeUsedAndDeleted) {
     EXPECT_NE(CWGM(GetProcAddress, "glActiveTexture"), nullptr);
 
     glViewport(0, 0, 64, 48);
-    glClearColor(0, 0, 1, 1);
-    glClear(GL_COLOR_BUFFER_BIT);
-    std::array<std::uint8_t, 4> pixel{};
-    glReadPixels(63, 47, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, pixel.data());
-    EXPECT_EQ(pixel[0], 0);
-    EXPECT_EQ(pixel[2], 255);
+    clear(0, 0, 1);
+    EXPECT_EQ(pixelAt(63, 47), blue);
     EXPECT_TRUE(CWGM(SwapBuffers, window_->device()));
 
     EXPECT_TRUE(CWGM(MakeCurrent, nullptr, nullptr));
@@ -80,24 +72,6 @@ TEST_F(WglDriverTest, aFailureComesBackWithAnErrorNumber) {
     EXPECT_EQ(CWGM(CreateContext, nullptr), nullptr);
     EXPECT_NE(GetLastError(), 0u);
     EXPECT_EQ(CWGM(GetProcAddress, "glActiveTexture"), nullptr) << "without a context";
-}
-
-TEST_F(WglDriverTest, sharedListsShowATextureOfTheOtherContext) {
-    const HGLRC first = CWGM(CreateContext, window_->device());
-    const HGLRC second = CWGM(CreateContext, window_->device());
-    const HGLRC alone = CWGM(CreateContext, window_->device());
-    ASSERT_TRUE(CWGM(ShareLists, first, second));
-    ASSERT_TRUE(CWGM(MakeCurrent, window_->device(), first));
-    GLuint texture = 0;
-    glGenTextures(1, &texture);
-    glBindTexture(GL_TEXTURE_2D, texture);
-    ASSERT_TRUE(CWGM(MakeCurrent, window_->device(), second));
-    EXPECT_TRUE(glIsTexture(texture));
-    ASSERT_TRUE(CWGM(MakeCurrent, window_->device(), alone));
-    EXPECT_FALSE(glIsTexture(texture));
-    for (const HGLRC context : {alone, second, first})
-        EXPECT_TRUE(CWGM(DeleteContext, context)) << "the current one too";
-    EXPECT_EQ(CWGM(GetCurrentContext), nullptr);
 }
 
 TEST_F(WglDriverTest, aContextIsCurrentOnOneThreadAlone) {
@@ -158,6 +132,26 @@ protected:
         return value;
     }
 
+    // As WGL takes it.
+    static std::vector<int> listOf(const std::map<int, int>& attributes) {
+        std::vector<int> list;
+        for (const auto& [name, value] : attributes)
+            list.insert(list.end(), {name, value});
+        list.push_back(0);
+        return list;
+    }
+    // The formats, at most 16, that have at least these values.
+    std::vector<int> choose(const std::map<int, int>& wanted) const {
+        const std::vector<int> list = listOf(wanted);
+        std::vector<int> found(16);
+        UINT number = 0;
+        if (!find<BOOL(WINAPI*)(HDC, const int*, const FLOAT*, UINT, int*, UINT*)>("wglChoosePixelFormatARB")(
+                window_->device(), list.data(), nullptr, 16, found.data(), &number))
+            number = 0;
+        found.resize(std::min<std::size_t>(number, found.size()));
+        return found;
+    }
+
     HGLRC context_ = nullptr;
     std::string names_;
 };
@@ -188,44 +182,25 @@ TEST_F(WglExtensionDriverTest, allWaysToAFormatShareOneNumbering) {
         ASSERT_TRUE(DescribePixelFormat(device, format, sizeof(description), &description));
         if (description.iPixelType != PFD_TYPE_RGBA || !(description.dwFlags & PFD_SUPPORT_OPENGL))
             continue;
-        EXPECT_EQ(description.cRedBits, attribute(device, format, WGL_RED_BITS_ARB)) << format;
-        EXPECT_EQ(description.cAlphaBits, attribute(device, format, WGL_ALPHA_BITS_ARB)) << format;
-        EXPECT_EQ(description.cDepthBits, attribute(device, format, WGL_DEPTH_BITS_ARB)) << format;
-        EXPECT_EQ(description.cStencilBits, attribute(device, format, WGL_STENCIL_BITS_ARB)) << format;
-        EXPECT_EQ((description.dwFlags & PFD_DOUBLEBUFFER) != 0,
-                  attribute(device, format, WGL_DOUBLE_BUFFER_ARB));
-        EXPECT_EQ((description.dwFlags & PFD_DRAW_TO_WINDOW) != 0,
-                  attribute(device, format, WGL_DRAW_TO_WINDOW_ARB));
+        const auto flag = [&](DWORD bit) { return int((description.dwFlags & bit) != 0); };
+        for (const auto& [name, value] : {std::pair<int, int>{WGL_RED_BITS_ARB, description.cRedBits},
+                                          {WGL_ALPHA_BITS_ARB, description.cAlphaBits},
+                                          {WGL_DEPTH_BITS_ARB, description.cDepthBits},
+                                          {WGL_STENCIL_BITS_ARB, description.cStencilBits},
+                                          {WGL_DOUBLE_BUFFER_ARB, flag(PFD_DOUBLEBUFFER)},
+                                          {WGL_DRAW_TO_WINDOW_ARB, flag(PFD_DRAW_TO_WINDOW)}})
+            EXPECT_EQ(value, attribute(device, format, name)) << format << ": " << std::hex << name;
     }
-    const auto choose =
-        find<BOOL(WINAPI*)(HDC, const int*, const FLOAT*, UINT, int*, UINT*)>("wglChoosePixelFormatARB");
-    const int wanted[] = {WGL_SUPPORT_OPENGL_ARB,
-                          1,
-                          WGL_DRAW_TO_WINDOW_ARB,
-                          1,
-                          WGL_DOUBLE_BUFFER_ARB,
-                          1,
-                          WGL_RED_BITS_ARB,
-                          8,
-                          WGL_STENCIL_BITS_ARB,
-                          8,
-                          WGL_DEPTH_BITS_ARB,
-                          24,
-                          0};
-    std::array<int, 16> found{};
-    UINT number = 0;
-    ASSERT_TRUE(choose(device, wanted, nullptr, 16, found.data(), &number));
-    ASSERT_GT(number, 0u);
-    for (UINT i = 0; i < number; ++i) {
-        EXPECT_GE(attribute(device, found[i], WGL_RED_BITS_ARB), 8);
-        EXPECT_GE(attribute(device, found[i], WGL_STENCIL_BITS_ARB), 8);
-        EXPECT_GE(attribute(device, found[i], WGL_DEPTH_BITS_ARB), 24);
-        EXPECT_EQ(attribute(device, found[i], WGL_DOUBLE_BUFFER_ARB), 1);
-        EXPECT_EQ(attribute(device, found[i], WGL_DRAW_TO_WINDOW_ARB), 1);
-    }
+    const std::map<int, int> wanted = {{WGL_SUPPORT_OPENGL_ARB, 1}, {WGL_DRAW_TO_WINDOW_ARB, 1},
+                                       {WGL_DOUBLE_BUFFER_ARB, 1},  {WGL_RED_BITS_ARB, 8},
+                                       {WGL_STENCIL_BITS_ARB, 8},   {WGL_DEPTH_BITS_ARB, 24}};
+    const std::vector<int> found = choose(wanted);
+    ASSERT_FALSE(found.empty());
+    for (const int format : found)
+        for (const auto& [name, least] : wanted)
+            EXPECT_GE(attribute(device, format, name), least) << format << ": " << std::hex << name;
     EXPECT_EQ(attribute(device, found[0], WGL_SAMPLES_ARB), 0) << "the nearest first";
-    const int impossible[] = {WGL_RED_BITS_ARB, 500, 0};
-    EXPECT_TRUE(!choose(device, impossible, nullptr, 1, found.data(), &number) || number == 0);
+    EXPECT_TRUE(choose({{WGL_RED_BITS_ARB, 500}}).empty());
 }
 
 TEST_F(WglExtensionDriverTest, aPbufferIsADrawableOfItsSize) {
@@ -236,14 +211,10 @@ TEST_F(WglExtensionDriverTest, aPbufferIsADrawableOfItsSize) {
     const auto query = find<BOOL(WINAPI*)(HPBUFFERARB, int, int*)>("wglQueryPbufferARB");
     const auto release = find<int(WINAPI*)(HPBUFFERARB, HDC)>("wglReleasePbufferDCARB");
     const auto destroy = find<BOOL(WINAPI*)(HPBUFFERARB)>("wglDestroyPbufferARB");
-    const auto choose =
-        find<BOOL(WINAPI*)(HDC, const int*, const FLOAT*, UINT, int*, UINT*)>("wglChoosePixelFormatARB");
-    const int wanted[] = {WGL_SUPPORT_OPENGL_ARB, 1, WGL_DRAW_TO_PBUFFER_ARB, 1, WGL_RED_BITS_ARB, 8, 0};
-    int format = 0;
-    UINT number = 0;
-    ASSERT_TRUE(choose(window_->device(), wanted, nullptr, 1, &format, &number));
-    ASSERT_EQ(number, 1u);
-    const HPBUFFERARB pbuffer = create(window_->device(), format, 300, 200, nullptr);
+    const std::vector<int> formats =
+        choose({{WGL_SUPPORT_OPENGL_ARB, 1}, {WGL_DRAW_TO_PBUFFER_ARB, 1}, {WGL_RED_BITS_ARB, 8}});
+    ASSERT_FALSE(formats.empty());
+    const HPBUFFERARB pbuffer = create(window_->device(), formats[0], 300, 200, nullptr);
     ASSERT_NE(pbuffer, nullptr);
     int width = 0, height = 0;
     EXPECT_TRUE(query(pbuffer, WGL_PBUFFER_WIDTH_ARB, &width));
@@ -251,15 +222,12 @@ TEST_F(WglExtensionDriverTest, aPbufferIsADrawableOfItsSize) {
     EXPECT_EQ(width, 300);
     EXPECT_EQ(height, 200);
     const HDC device = deviceOf(pbuffer);
-    EXPECT_EQ(GetPixelFormat(device), format);
+    EXPECT_EQ(GetPixelFormat(device), formats[0]);
     const HGLRC context = wglCreateContext(device);
     ASSERT_TRUE(wglMakeCurrent(device, context));
     glViewport(0, 0, 300, 200);
-    glClearColor(0, 1, 0, 1);
-    glClear(GL_COLOR_BUFFER_BIT);
-    std::array<std::uint8_t, 4> pixel{};
-    glReadPixels(299, 199, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, pixel.data());
-    EXPECT_EQ(pixel[1], 255);
+    clear(0, 1, 0);
+    EXPECT_EQ(pixelAt(299, 199), green);
     EXPECT_TRUE(wglMakeCurrent(window_->device(), context_));
     EXPECT_EQ(release(pbuffer, device), 1);
     EXPECT_TRUE(destroy(pbuffer));
@@ -276,17 +244,12 @@ TEST_F(WglExtensionDriverTest, readingComesFromAnotherWindowThanDrawing) {
     PlainWindow other(64, 48);
     other.setPixelFormat();
     ASSERT_TRUE(wglMakeCurrent(other.device(), context_));
-    glClearColor(1, 0, 0, 1);
-    glClear(GL_COLOR_BUFFER_BIT);
+    clear(1, 0, 0);
     ASSERT_TRUE(makeCurrent(window_->device(), other.device(), context_));
     EXPECT_EQ(wglGetCurrentDC(), window_->device());
     EXPECT_EQ(readDevice(), other.device());
-    glClearColor(0, 0, 1, 1);
-    glClear(GL_COLOR_BUFFER_BIT);
-    std::array<std::uint8_t, 4> pixel{};
-    glReadPixels(1, 1, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, pixel.data());
-    EXPECT_EQ(pixel[0], 255);
-    EXPECT_EQ(pixel[2], 0);
+    clear(0, 0, 1);
+    EXPECT_EQ(pixelAt(1, 1), red);
     EXPECT_TRUE(wglMakeCurrent(window_->device(), context_));
 }
 
@@ -297,16 +260,11 @@ TEST_F(WglExtensionDriverTest, aContextIsMadeOfTheVersionAndProfileAskedFor) {
     GLuint texture = 0;
     glGenTextures(1, &texture);
     glBindTexture(GL_TEXTURE_2D, texture);
-    const int core[] = {WGL_CONTEXT_MAJOR_VERSION_ARB,
-                        3,
-                        WGL_CONTEXT_MINOR_VERSION_ARB,
-                        2,
-                        WGL_CONTEXT_PROFILE_MASK_ARB,
-                        WGL_CONTEXT_CORE_PROFILE_BIT_ARB,
-                        WGL_CONTEXT_FLAGS_ARB,
-                        WGL_CONTEXT_FORWARD_COMPATIBLE_BIT_ARB,
-                        0};
-    const HGLRC made = create(window_->device(), context_, core);
+    const std::vector<int> core = listOf({{WGL_CONTEXT_MAJOR_VERSION_ARB, 3},
+                                          {WGL_CONTEXT_MINOR_VERSION_ARB, 2},
+                                          {WGL_CONTEXT_PROFILE_MASK_ARB, WGL_CONTEXT_CORE_PROFILE_BIT_ARB},
+                                          {WGL_CONTEXT_FLAGS_ARB, WGL_CONTEXT_FORWARD_COMPATIBLE_BIT_ARB}});
+    const HGLRC made = create(window_->device(), context_, core.data());
     ASSERT_NE(made, nullptr);
     ASSERT_TRUE(wglMakeCurrent(window_->device(), made));
     GLint profile = 0;
@@ -322,7 +280,7 @@ TEST_F(WglExtensionDriverTest, aContextIsMadeOfTheVersionAndProfileAskedFor) {
     SetLastError(0);
     EXPECT_EQ(create(window_->device(), nullptr, future), nullptr);
     expectErrorNumber();
-    EXPECT_EQ(create(nullptr, nullptr, core), nullptr);
+    EXPECT_EQ(create(nullptr, nullptr, core.data()), nullptr);
 }
 
 #if !defined(_WIN32)
