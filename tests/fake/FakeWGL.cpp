@@ -12,6 +12,7 @@
 #include "platform/WglTokens.h"
 
 #include <algorithm>
+#include <concepts>
 #include <mutex>
 #include <set>
 #include <sstream>
@@ -61,11 +62,11 @@ struct FakeWindowSystem::State {
     explicit State(FakeWindowSystem& owner) : system(owner) {}
 
     // Notes the call; false when it is to fail.
-    bool enter(const std::string& function, std::initializer_list<std::string> arguments) {
-        std::string line = function + '(';
-        for (const std::string& argument : arguments)
-            line += (&argument == arguments.begin() ? "" : ", ") + argument;
-        calls.push_back(line + ')');
+    template <class... Arguments>
+    bool enter(const std::string& function, const Arguments&... arguments) {
+        std::string list;
+        ((list += (list.empty() ? "" : ", ") + name(arguments)), ...);
+        calls.push_back(function + '(' + list + ')');
         bool good = true;
         for (Failure& failure : failures)
             if ((failure.function.empty() || failure.function == function) && --failure.countdown == 0) {
@@ -91,6 +92,11 @@ struct FakeWindowSystem::State {
     std::string name(HWND window) { return alias('w', static_cast<const void*>(window)); }
     std::string name(HDC device) { return alias('d', static_cast<const void*>(device)); }
     std::string name(HGLRC context) { return alias('c', static_cast<const void*>(context)); }
+    static std::string name(const std::string& text) { return text; }
+    template <std::integral Number>
+    static std::string name(Number number) {
+        return hex(number);
+    }
 
     bool isLive(HDC device) const { return device && windows.contains(windowOf(device)); }
     int& formatOf(HDC device) { return windows[windowOf(device)].format; }
@@ -184,19 +190,21 @@ bool answerAsDriver(const char* function, std::initializer_list<FakeGL::Value> a
 
 // The functions of the WGL extensions.
 
+// For the rest of a function: notes its call, `good` unless it is to fail.
+#define ENTER_AS(function, ...)                                                                              \
+    const Lock lock(on->mutex);                                                                              \
+    const bool good = on->enter(function __VA_OPT__(, ) __VA_ARGS__)
+#define ENTER(...) ENTER_AS(__func__ __VA_OPT__(, ) __VA_ARGS__)
+
 const char* WINAPI getExtensionsStringARB(HDC device) {
-    const Lock lock(on->mutex);
-    if (!on->enter("wglGetExtensionsStringARB", {on->name(device)}) || !currentDriver())
-        return nullptr;
-    const std::optional<std::string>& names = currentDriver()->wglExtensions;
-    return names ? names->c_str() : nullptr;
+    ENTER_AS("wglGetExtensionsStringARB", device);
+    const FakeDriver* driver = currentDriver();
+    return good && driver && driver->wglExtensions ? driver->wglExtensions->c_str() : nullptr;
 }
 
 BOOL WINAPI choosePixelFormatARB(HDC device, const int* attributes, const FLOAT* floats, UINT maximum,
                                  int* formats, UINT* count) {
-    const Lock lock(on->mutex);
-    const bool good = on->enter("wglChoosePixelFormatARB", {on->name(device), list(attributes),
-                                                            hex(floats[0], floats[1]), hex(maximum)});
+    ENTER_AS("wglChoosePixelFormatARB", device, list(attributes), hex(floats[0], floats[1]), maximum);
     // As a driver does that finds nothing: it says so in the count alone.
     *count = good ? 1 : 0;
     *formats = good ? 9 : -1;
@@ -204,16 +212,14 @@ BOOL WINAPI choosePixelFormatARB(HDC device, const int* attributes, const FLOAT*
 }
 
 HGLRC WINAPI createContextAttribsARB(HDC device, HGLRC share, const int* attributes) {
-    const Lock lock(on->mutex);
-    if (!on->enter("wglCreateContextAttribsARB", {on->name(device), on->name(share), list(attributes)}) ||
-        !on->isLive(device) || on->formatOf(device) == 0)
-        return nullptr;
-    return on->system.makeContext(windowOf(device));
+    ENTER_AS("wglCreateContextAttribsARB", device, share, list(attributes));
+    const bool able = good && on->isLive(device) && on->formatOf(device) != 0;
+    return able ? on->system.makeContext(windowOf(device)) : nullptr;
 }
 
 BOOL WINAPI swapIntervalEXT(int interval) {
-    const Lock lock(on->mutex);
-    return on->enter("wglSwapIntervalEXT", {hex(interval)});
+    ENTER_AS("wglSwapIntervalEXT", interval);
+    return good;
 }
 int WINAPI getSwapIntervalEXT() { return 0; }
 
@@ -327,24 +333,28 @@ SCRIPTED(BOOL, wglSwapLayerBuffers, (HDC device, UINT planes), (device, planes))
 SCRIPTED(DWORD, wglSwapMultipleBuffers, (UINT count, const WGLSWAP* buffers), (count, buffers))
 
 // From here on: scripted without a window system, and modelled with one.
-#define MODEL(result, name, arguments)                                                                       \
+#define SCRIPT(result, ...)                                                                                  \
     if (!on)                                                                                                 \
-        return FakeGL::Function<result>{#name} arguments;                                                    \
-    const Lock lock(on->mutex)
+    return FakeGL::Function<result>{__func__}(__VA_ARGS__)
+#define MODEL(result, ...)                                                                                   \
+    SCRIPT(result, __VA_ARGS__);                                                                             \
+    ENTER(__VA_ARGS__)
 
 HGLRC WINAPI wglGetCurrentContext() {
-    MODEL(HGLRC, wglGetCurrentContext, ());
+    SCRIPT(HGLRC);
+    const Lock lock(on->mutex);
     return current().context;
 }
 
 HDC WINAPI wglGetCurrentDC() {
-    MODEL(HDC, wglGetCurrentDC, ());
+    SCRIPT(HDC);
+    const Lock lock(on->mutex);
     return current().device;
 }
 
 HGLRC WINAPI wglCreateContext(HDC device) {
-    MODEL(HGLRC, wglCreateContext, (device));
-    if (!on->enter("wglCreateContext", {on->name(device)}))
+    MODEL(HGLRC, device);
+    if (!good)
         return nullptr;
     if (!on->isLive(device) || on->formatOf(device) == 0)
         return on->refuse<HGLRC>(ERROR_INVALID_PIXEL_FORMAT);
@@ -352,8 +362,8 @@ HGLRC WINAPI wglCreateContext(HDC device) {
 }
 
 BOOL WINAPI wglDeleteContext(HGLRC context) {
-    MODEL(BOOL, wglDeleteContext, (context));
-    if (!on->enter("wglDeleteContext", {on->name(context)}))
+    MODEL(BOOL, context);
+    if (!good)
         return FALSE;
     if (on->contexts.erase(context) == 0)
         return on->refuse<BOOL>(ERROR_INVALID_HANDLE);
@@ -363,8 +373,7 @@ BOOL WINAPI wglDeleteContext(HGLRC context) {
 }
 
 BOOL WINAPI wglMakeCurrent(HDC device, HGLRC context) {
-    MODEL(BOOL, wglMakeCurrent, (device, context));
-    const bool good = on->enter("wglMakeCurrent", {on->name(device), on->name(context)});
+    MODEL(BOOL, device, context);
     // A failure leaves nothing current but where nothing was asked for.
     const Current before = std::exchange(current(), {on->serial, nullptr, nullptr});
     if (!good) {
@@ -381,21 +390,19 @@ BOOL WINAPI wglMakeCurrent(HDC device, HGLRC context) {
 }
 
 BOOL WINAPI wglShareLists(HGLRC first, HGLRC second) {
-    MODEL(BOOL, wglShareLists, (first, second));
-    if (!on->enter("wglShareLists", {on->name(first), on->name(second)}))
-        return FALSE;
-    return on->contexts.contains(first) && on->contexts.contains(second);
+    MODEL(BOOL, first, second);
+    return good && on->contexts.contains(first) && on->contexts.contains(second);
 }
 
 BOOL WINAPI SwapBuffers(HDC device) {
-    MODEL(BOOL, SwapBuffers, (device));
-    return on->enter("SwapBuffers", {on->name(device)});
+    MODEL(BOOL, device);
+    return good;
 }
 
 PROC WINAPI wglGetProcAddress(LPCSTR name) {
-    MODEL(PROC, wglGetProcAddress, (name));
-    const bool ofWgl = std::strncmp(name, "wgl", 3) == 0;
-    if (ofWgl && !on->enter("wglGetProcAddress", {name}))
+    SCRIPT(PROC, name);
+    const Lock lock(on->mutex);
+    if (std::strncmp(name, "wgl", 3) == 0 && !on->enter(__func__, name))
         return nullptr;
     const FakeDriver* driver = currentDriver();
     return driver ? functionOf(*driver, name) : nullptr;
@@ -404,9 +411,8 @@ PROC WINAPI wglGetProcAddress(LPCSTR name) {
 // And these are there with a window system alone.
 
 BOOL WINAPI EnumDisplayDevicesA(LPCSTR, DWORD index, DISPLAY_DEVICEA* record, DWORD) {
-    const Lock lock(on->mutex);
-    if (!on->enter("EnumDisplayDevicesA", {hex(index)}) || record->cb != sizeof(*record) ||
-        index >= on->system.devices.size())
+    ENTER(index);
+    if (!good || record->cb != sizeof(*record) || index >= on->system.devices.size())
         return FALSE;
     const FakeDevice& device = on->system.devices[index];
     *record = {};
@@ -417,27 +423,23 @@ BOOL WINAPI EnumDisplayDevicesA(LPCSTR, DWORD index, DISPLAY_DEVICEA* record, DW
 }
 
 BOOL WINAPI EnumDisplaySettingsA(LPCSTR name, DWORD mode, DEVMODEA* settings) {
-    const Lock lock(on->mutex);
-    if (!on->enter("EnumDisplaySettingsA", {name, hex(mode)}) || settings->dmSize != sizeof(*settings))
+    ENTER(name, mode);
+    const auto device = std::ranges::find(on->system.devices, name, &FakeDevice::name);
+    if (!good || settings->dmSize != sizeof(*settings) || device == on->system.devices.end())
         return FALSE;
-    for (const FakeDevice& device : on->system.devices)
-        if (device.name == name) {
-            settings->dmPosition.x = device.x;
-            settings->dmPosition.y = device.y;
-            return TRUE;
-        }
-    return FALSE;
+    settings->dmPosition.x = device->x;
+    settings->dmPosition.y = device->y;
+    return TRUE;
 }
 
 HMONITOR WINAPI MonitorFromWindow(HWND window, DWORD otherwise) {
-    const Lock lock(on->mutex);
-    const bool good = on->enter("MonitorFromWindow", {on->name(window), hex(otherwise)});
+    ENTER(window, otherwise);
     return good ? reinterpret_cast<HMONITOR>(on->deviceAt(window)) : nullptr;
 }
 
 BOOL WINAPI GetMonitorInfoA(HMONITOR monitor, MONITORINFO* information) {
-    const Lock lock(on->mutex);
-    if (!on->enter("GetMonitorInfoA", {}) || !monitor || information->cbSize != sizeof(MONITORINFOEXA))
+    ENTER();
+    if (!good || !monitor || information->cbSize != sizeof(MONITORINFOEXA))
         return FALSE;
     const auto& device = *reinterpret_cast<const FakeDevice*>(monitor);
     // The record came with zeros.
@@ -447,23 +449,21 @@ BOOL WINAPI GetMonitorInfoA(HMONITOR monitor, MONITORINFO* information) {
 }
 
 HCURSOR WINAPI LoadCursorA(HINSTANCE, LPCSTR name) {
-    const Lock lock(on->mutex);
-    return on->enter("LoadCursorA", {hex(reinterpret_cast<std::uintptr_t>(name))}) ? handle<HCURSOR>(1)
-                                                                                   : nullptr;
+    ENTER(reinterpret_cast<std::uintptr_t>(name));
+    return good ? handle<HCURSOR>(1) : nullptr;
 }
 
 ATOM WINAPI RegisterClassExA(const WNDCLASSEXA* description) {
-    const Lock lock(on->mutex);
     const std::string name = description->lpszClassName;
-    const bool whole = description->cbSize == sizeof(*description) && description->lpfnWndProc;
-    if (!on->enter("RegisterClassExA", {on->alias('k', name), hex(description->style)}) || !whole)
+    ENTER(on->alias('k', name), description->style);
+    if (!good || description->cbSize != sizeof(*description) || !description->lpfnWndProc)
         return 0;
     return on->classes.insert(name).second ? 1 : on->refuse<ATOM>(ERROR_CLASS_ALREADY_EXISTS);
 }
 
 BOOL WINAPI UnregisterClassA(LPCSTR name, HINSTANCE) {
-    const Lock lock(on->mutex);
-    if (!on->enter("UnregisterClassA", {on->alias('k', std::string(name))}))
+    ENTER(on->alias('k', std::string(name)));
+    if (!good)
         return FALSE;
     for (const auto& window : on->windows)
         if (window.second.windowClass == name)
@@ -475,19 +475,18 @@ LRESULT WINAPI DefWindowProcW(HWND, UINT, WPARAM, LPARAM) { return 0; }
 
 // The frame is that of a window with a caption.
 BOOL WINAPI AdjustWindowRectEx(RECT* frame, DWORD style, BOOL menu, DWORD exStyle) {
-    const Lock lock(on->mutex);
-    if (!on->enter("AdjustWindowRectEx", {hex(style, menu, exStyle)}))
-        return FALSE;
-    *frame = {frame->left - 3, frame->top - 20, frame->right + 3, frame->bottom + 4};
-    return TRUE;
+    ENTER(hex(style, menu, exStyle));
+    if (good)
+        *frame = {frame->left - 3, frame->top - 20, frame->right + 3, frame->bottom + 4};
+    return good;
 }
 
 HWND WINAPI CreateWindowExA(DWORD exStyle, LPCSTR name, LPCSTR, DWORD style, int x, int y, int width,
                             int height, HWND, HMENU, HINSTANCE, LPVOID) {
-    const Lock lock(on->mutex);
     std::ostringstream place;
     place << x << ' ' << y << ' ' << width << ' ' << height;
-    if (!on->enter("CreateWindowExA", {on->alias('k', std::string(name)), hex(style, exStyle), place.str()}))
+    ENTER(on->alias('k', std::string(name)), hex(style, exStyle), place.str());
+    if (!good)
         return nullptr;
     if (!on->classes.contains(name))
         return on->refuse<HWND>(ERROR_CANNOT_FIND_WND_CLASS);
@@ -497,39 +496,35 @@ HWND WINAPI CreateWindowExA(DWORD exStyle, LPCSTR name, LPCSTR, DWORD style, int
 }
 
 BOOL WINAPI DestroyWindow(HWND window) {
-    const Lock lock(on->mutex);
-    return on->enter("DestroyWindow", {on->name(window)}) && on->windows.erase(window) > 0;
+    ENTER(window);
+    return good && on->windows.erase(window) > 0;
 }
 
 HDC WINAPI GetDC(HWND window) {
-    const Lock lock(on->mutex);
-    const bool good = on->enter("GetDC", {on->name(window)}) && on->windows.contains(window);
-    return good ? deviceOf(window) : nullptr;
+    ENTER(window);
+    return good && on->windows.contains(window) ? deviceOf(window) : nullptr;
 }
 
 int WINAPI ReleaseDC(HWND window, HDC device) {
-    const Lock lock(on->mutex);
-    return on->enter("ReleaseDC", {on->name(window), on->name(device)}) && device == deviceOf(window);
+    ENTER(window, device);
+    return good && device == deviceOf(window);
 }
 
 int WINAPI ChoosePixelFormat(HDC device, const PIXELFORMATDESCRIPTOR* wanted) {
-    const Lock lock(on->mutex);
     // All the fields that are set, and the size and the version in front; the others must be 0.
     PIXELFORMATDESCRIPTOR rest = *wanted;
     rest.nSize = rest.nVersion = 0;
     rest.dwFlags = 0;
     rest.cColorBits = rest.cAlphaBits = rest.cDepthBits = rest.cStencilBits = 0;
     const PIXELFORMATDESCRIPTOR empty = {};
-    const bool good =
-        on->enter("ChoosePixelFormat",
-                  {on->name(device), hex(wanted->nSize, wanted->nVersion, wanted->dwFlags, wanted->cColorBits,
-                                         wanted->cAlphaBits, wanted->cDepthBits, wanted->cStencilBits)});
+    ENTER(device, hex(wanted->nSize, wanted->nVersion, wanted->dwFlags, wanted->cColorBits,
+                      wanted->cAlphaBits, wanted->cDepthBits, wanted->cStencilBits));
     return good && std::memcmp(&rest, &empty, sizeof(rest)) == 0 ? 7 : 0;
 }
 
 int WINAPI DescribePixelFormat(HDC device, int format, UINT size, PIXELFORMATDESCRIPTOR* description) {
-    const Lock lock(on->mutex);
-    if (!on->enter("DescribePixelFormat", {on->name(device), hex(format, size)}))
+    ENTER(device, hex(format, size));
+    if (!good)
         return 0;
     description->cRedBits = 255;
     description->cGreenBits = 2;
@@ -541,13 +536,13 @@ int WINAPI DescribePixelFormat(HDC device, int format, UINT size, PIXELFORMATDES
 }
 
 int WINAPI GetPixelFormat(HDC device) {
-    const Lock lock(on->mutex);
-    return on->enter("GetPixelFormat", {on->name(device)}) ? on->formatOf(device) : 0;
+    ENTER(device);
+    return good ? on->formatOf(device) : 0;
 }
 
 BOOL WINAPI SetPixelFormat(HDC device, int format, const PIXELFORMATDESCRIPTOR* description) {
-    const Lock lock(on->mutex);
-    if (!on->enter("SetPixelFormat", {on->name(device), hex(format, description->nSize)}))
+    ENTER(device, hex(format, description->nSize));
+    if (!good)
         return FALSE;
     int& known = on->formatOf(device);
     if (known != 0 && known != format)
