@@ -55,28 +55,6 @@ TEST_F(ChainDriverTest, aWrongCallIsAnExceptionWithTheCallersLine) {
     EXPECT_EQ(errorOf([] { CGM(LineWidth, -1.0f); }).errorNumber(), unsigned(GL_INVALID_VALUE));
 }
 
-TEST_F(ChainDriverTest, getErrorReturnsTheFirstErrorAndThrowsOnASecond) {
-    const auto raiseTwo = [] {
-        glEnable(GL_POSITION);
-        glLineWidth(-1.0f);
-    };
-    // A driver may keep one error flag or several: ask this one.
-    raiseTwo();
-    const GLenum first = glGetError();
-    const GLenum second = glGetError();
-    while (glGetError() != GL_NO_ERROR) {
-    }
-    EXPECT_EQ(first, unsigned(GL_INVALID_ENUM));
-
-    raiseTwo();
-    if (second == GL_NO_ERROR) {
-        EXPECT_EQ(CGM(GetError), first);
-        EXPECT_EQ(CGM(GetError), unsigned(GL_NO_ERROR));
-    } else {
-        EXPECT_EQ(errorOf([] { CGM(GetError); }).errorNumber(), second);
-    }
-}
-
 TEST_F(ChainDriverTest, anErrorBetweenBeginAndEndComesOutAtEnd) {
     CGM(Begin, GL_TRIANGLES);
     EXPECT_EQ(errorOf([] { CGM(Begin, GL_TRIANGLES); }).errorNumber(), 0u);

@@ -1,4 +1,4 @@
-// Textures and their units on the real driver: what goes in, what comes out, what is seen.
+// Textures on the real driver: what goes in comes out.
 
 #include "DriverObjects.h"
 
@@ -165,47 +165,6 @@ TEST_F(TextureDriverTest, everyFormatHoldsWhatItIsGiven) {
     EXPECT_EQ(illegal, 50 * (4 * 9 + 8 * 8));
 }
 
-TEST_F(TextureDriverTest, unpackParametersFindThePixelsInMemory) {
-    constexpr std::size_t width = 3, height = 2, depth = 2;
-    Texture3D block(Internal::RGBA16, width, height, depth, false);
-    bind(block);
-    std::vector<std::uint8_t> memory(2000);
-    for (std::size_t i = 0; i < memory.size(); ++i)
-        memory[i] = std::uint8_t(i * i / 7 + 3 * i);
-    int leftOut = 0;
-    for (unsigned choice = 0; choice < 256; ++choice) {
-        const auto chosen = [&](unsigned bit, std::size_t value) { return choice & bit ? value : 0; };
-        const std::size_t alignment = std::size_t(1) << choice % 4;
-        const std::size_t rowLength = chosen(4, 7), imageHeight = chosen(8, 5), skipPixels = chosen(16, 2);
-        const std::size_t skipRows = chosen(32, 1), skipImages = chosen(64, 1), swap = chosen(128, 1);
-        if (swap && skipPixels + skipRows + skipImages > 0 && ++leftOut)
-            continue;
-        PixelUnpackParameters layout;
-        layout.setAlignment(unsigned(alignment));
-        layout.setRowLength(rowLength);
-        layout.setImageHeight(imageHeight);
-        layout.setSkipPixels(skipPixels);
-        layout.setSkipRows(skipRows);
-        layout.setSkipImages(skipImages);
-        if (swap)
-            layout.enableSwapBytes();
-        std::vector<std::uint16_t> expected, read(3 * width * height * depth);
-        const std::size_t rowBytes =
-            ((rowLength ? rowLength : width) * 6 + alignment - 1) / alignment * alignment;
-        for (std::size_t i = 0; i < read.size(); ++i) {
-            const std::size_t x = i % (3 * width), y = i / 3 / width % height, z = i / 3 / width / height;
-            const std::size_t row = (z + skipImages) * (imageHeight ? imageHeight : height) + y + skipRows;
-            const std::uint8_t* at = &memory[row * rowBytes + skipPixels * 6 + 2 * x];
-            expected.push_back(std::uint16_t(at[1 - swap] << 8 | at[swap]));
-        }
-        block.subImage(0, 0, 0, 0, width, height, depth, Format::RGB, Type::UNSIGNED_SHORT, memory.data(),
-                       layout);
-        block.getPixelData(read.data(), 0, Format::RGB, Type::UNSIGNED_SHORT, 1);
-        EXPECT_EQ(read, expected) << choice;
-    }
-    refused(std::to_string(leftOut) + " layouts that swap and skip", "Mesa reads behind its own copy");
-}
-
 TEST_F(TextureDriverTest, texelsComeFromMemoryAndFromBuffersToEachEdgeAndCorner) {
     eachShape([]<class T>(T& texture) {
         const Box size = whole(texture);
@@ -239,54 +198,4 @@ TEST_F(TextureDriverTest, texelsComeFromMemoryAndFromBuffersToEachEdgeAndCorner)
         EXPECT_EQ(glGetError(), GLenum(understood ? GL_NO_ERROR : GL_INVALID_ENUM));
         EXPECT_EQ(texelsOf(texture), understood ? other : image) << TokenName(texture.target());
     });
-}
-
-TEST_F(TextureDriverTest, whatIsDrawnIsCopied) {
-    Canvas canvas;
-    const Texels drawn = numbered(whole(canvas.texture), 7);
-    fill(canvas.texture, drawn);
-    TextureUnit::Unit(0)->bind2DDefault();
-    eachShape([&]<class T>(T& texture) {
-        Texels image = numbered(whole(texture), 1),
-               part(&drawn[2 * Canvas::size + 5], &drawn[3 * Canvas::size]);
-        fill(texture, image);
-        if constexpr (std::is_base_of_v<Texture1, T>) {
-            texture.copyTexSubImage(0, 1, 0, 5, 3); // copies nothing
-        } else if constexpr (std::is_base_of_v<Texture2, T>) {
-            texture.copyTexSubImage(0, 2, 1, 5, 2, 3, 1);
-            paste(image, whole(texture), {2, 1, 0, 3, 1, 1}, part);
-        } else {
-            texture.copyTexSubImage(0, 1, 2, 2, 5, 2, 3, 1);
-            paste(image, whole(texture), {1, 2, 2, 3, 1, 1}, part);
-        }
-        EXPECT_EQ(texelsOf(texture), image) << TokenName(texture.target());
-    });
-}
-
-TEST_F(TextureDriverTest, unitsTextureWhatIsDrawn) {
-    const Canvas canvas;
-    Texture2D first(Internal::RGBA8, 1, 1, false, nullptr), second(Internal::RGBA8, 1, 1, false, nullptr);
-    using Mode = TextureUnit::Environment;
-    const TextureUnit* unit = TextureUnit::Unit(0);
-    // Each mode, with the texel (255, 102, 51) on the colour (102, 255, 0); what blends in is black.
-    const Colour modes[] = {{255, 255, 51}, {0, 153, 0},   {102, 102, 0},
-                            {255, 102, 51}, {102, 102, 0}, {255, 102, 51}};
-    fill(first, {0xFF3366FF});
-    unit->enable2D();
-    for (unsigned mode = 0; mode < std::size(modes); ++mode) {
-        unit->setEnv(Mode(mode));
-        EXPECT_EQ(unit->getEnv(), Mode(mode));
-        draw({102, 255, 0});
-        EXPECT_EQ(pixelAt(1, 1), modes[mode]) << mode;
-    }
-    // The second unit adds to what the first one gives, which is its texel now.
-    TextureState::setActiveTextureUnit(1);
-    EXPECT_EQ(unit->getEnv(), Mode::MODULATE) << "of the active unit, whichever is asked";
-    fill(second, {0xFFCC4400});
-    unit->enable2D();
-    unit->setEnv(Mode::ADD);
-    draw(black);
-    EXPECT_EQ(pixelAt(1, 1), (Colour{255, 102 + 68, 51 + 204}));
-    TextureState::setActiveTextureUnit(0);
-    EXPECT_TRUE(first.isBound());
 }

@@ -185,24 +185,6 @@ TEST_F(SweepTest, everyCallIsRecordedByItsTypesAndThenMade) {
         OpenGLInterceptor::Instance()->popInterceptor();
 }
 
-TEST_F(SweepTest, markersBySuffix) {
-    const std::map<std::string, int> expected = {{"", 298},     {"EXT", 245}, {"NV", 134},  {"ARB", 99},
-                                                 {"ATI", 34},   {"SUN", 25},  {"SGIX", 15}, {"MESA", 12},
-                                                 {"APPLE", 11}, {"IBM", 10},  {"SGIS", 10}, {"SGI", 6},
-                                                 {"HP", 4},     {"INTEL", 4}, {"OES", 2},   {"GREMEDY", 1}};
-    const std::set<std::string> own = ownForms();
-    std::map<std::string, int> counted;
-    for (const Entry& entry : entries())
-        if (entry.takesPointer && !own.contains(entry.name)) {
-            std::string suffix;
-            for (const auto& known : expected) // the empty one first
-                if (entry.name.ends_with(known.first))
-                    suffix = known.first;
-            ++counted[suffix];
-        }
-    EXPECT_EQ(expected, counted);
-}
-
 TEST_F(SweepTest, everyErrorComesBackWithTheCallersPlace) {
     int line = 100;
     forEachBut({"Begin"}, [&](const Entry& entry) {
