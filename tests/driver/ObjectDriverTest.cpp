@@ -73,7 +73,7 @@ constexpr float reals[] = {1,  2,  3,  4,  5,  6,  7,  8,  9,  10, 11, 12, 13, 1
                            17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29, 30, 31, 32};
 
 // A uniform for each kind of setter, what it is to equal, and the setter: by name and by location, and both
-// by location, and both without a test.
+// without a test.
 struct Uniform {
     std::string type, value;
     void (*set)(Program&, int form);

@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <array>
 #include <optional>
 
 using namespace ZLT::OGL;
@@ -153,16 +154,28 @@ TEST_F(FramebufferTest, theStateIsThatOfANewContextButForTheColor) {
     EXPECT_EQ(1.0f, one.currentColor()[0]);
     one = StateObject_2_0(*current);
     current.reset();
-    std::ostringstream text;
-    for (const ZLT::float4& value :
-         {one.currentColor(), one.currentSecondaryColor(), one.currentTextureCoords(2),
-          one.currentRasterPosition(), one.currentRasterColor(), one.currentRasterTextureCoords(2)})
-        text << value[0] << ' ' << value[1] << value[2] << value[3] << ' ';
+    const struct {
+        const char* name;
+        ZLT::float4 value, expected;
+    } vectors[] = {{"color", one.currentColor(), {0.5f, 0.25f, 0.75f, 1}},
+                   {"secondary color", one.currentSecondaryColor(), {0, 0, 0, 1}},
+                   {"texture coordinates", one.currentTextureCoords(2), {0, 0, 0, 1}},
+                   {"raster position", one.currentRasterPosition(), {0, 0, 0, 1}},
+                   {"raster color", one.currentRasterColor(), {1, 1, 1, 1}},
+                   {"raster texture coordinates", one.currentRasterTextureCoords(2), {0, 0, 0, 1}}};
+    for (const auto& [name, value, expected] : vectors)
+        for (std::size_t i = 0; i < 4; ++i)
+            EXPECT_EQ(expected[i], value[i]) << name << ' ' << i;
     const ZLT::float3 normal = one.currentNormal();
-    text << normal[0] << normal[1] << normal[2] << one.currentIndex() << one.currentFogCoord()
-         << one.currentRasterDistance() << one.currentRasterIndex() << one.activeTexture()
-         << one.maxTextureCoords() << one.currentRasterPositionValid() << one.edgeFlag();
-    EXPECT_EQ("0.5 0.250.751 0 001 0 001 0 001 1 111 0 001 00110010311", text.str());
+    EXPECT_THAT((std::array{normal[0], normal[1], normal[2]}), ElementsAre(0, 0, 1));
+    EXPECT_EQ(1, one.currentIndex());
+    EXPECT_EQ(0, one.currentFogCoord());
+    EXPECT_EQ(0, one.currentRasterDistance());
+    EXPECT_EQ(1, one.currentRasterIndex());
+    EXPECT_EQ(0u, one.activeTexture());
+    EXPECT_EQ(3u, one.maxTextureCoords());
+    EXPECT_TRUE(one.currentRasterPositionValid());
+    EXPECT_TRUE(one.edgeFlag());
     EXPECT_EQ("!iTexture < maxTextureCoords()", failureOf([&] { one.currentTextureCoords(3); }));
     EXPECT_EQ("!iTexture < maxTextureCoords()", failureOf([&] { one.currentRasterTextureCoords(3); }));
 }
@@ -171,8 +184,8 @@ const std::string formats = " GL_ARB_half_float_pixel GL_ARB_texture_float", gpu
 
 // Whether halves and floats filter, and the contexts made to find out; one byte of what is read isn't 0.
 struct Filtering {
-    std::string answers, vendor = "Vendor", version = "3.0", extensions = formats + gpu4,
-                         wgl = "WGL_ARB_render_texture";
+    std::string name, answers, vendor = "Vendor", version = "3.0", extensions = formats + gpu4,
+                               wgl = "WGL_ARB_render_texture";
     std::size_t at = 93;
     unsigned int value = 128, firstName = 5;
 
@@ -204,7 +217,7 @@ struct Filtering {
                 EXPECT_EQ("", failureOf([&] { EXPECT_EQ(&manager, ExtensionManager::Instance()); }));
                 EXPECT_EQ(1u, world.system.contexts());
             }
-            EXPECT_EQ(answers, found) << vendor << extensions << ' ' << at;
+            EXPECT_EQ(answers, found) << name;
             std::ranges::replace(answers, '1', '0');
             value ^= 128; // which nobody looks at any more
         }
@@ -213,19 +226,19 @@ struct Filtering {
 };
 
 TEST(FilteringProbeTest, vendorsAreKnownAndOthersAreTriedOnce) {
-    Filtering rows[] = {{"no 0 no 0 ", "NVIDIA", "3.0", formats},
-                        {"yes 0 yes 0 ", "NVIDIA", "2.1", gpu4},
-                        {"no 0 yes 0 ", "ATI", "3.0", formats},
-                        {"yes 0 yes 0 ", "ATI", "3.0", gpu4},
-                        {"yes 1 yes 1 ", "ATI", "2.1"},
-                        {"no 0 yes 1 ", "Intel", "3.0", formats},
-                        {"no 0 yes 1 ", "Vendor", "3.0", gpu4 + " GL_ARB_texture_float"},
-                        {.answers = "no 0 no 0 ", .wgl = ""},
-                        {.answers = "yes 1 yes 1 ", .at = 0, .value = 1}, // grey in the first row's red
-                        {.answers = "no 1 no 1 ", .at = 93, .value = 255},
-                        {.answers = "no 1 no 1 ", .at = 94},
-                        {.answers = "no 1 no 1 ", .at = 96},
-                        {.answers = "no 1 no 1 ", .firstName = 0}}; // the probe fails
+    Filtering rows[] = {{"NVIDIA", "no 0 no 0 ", "NVIDIA", "3.0", formats},
+                        {"NVIDIA, shader 4", "yes 0 yes 0 ", "NVIDIA", "2.1", gpu4},
+                        {"ATI", "no 0 yes 0 ", "ATI", "3.0", formats},
+                        {"ATI, shader 4", "yes 0 yes 0 ", "ATI", "3.0", gpu4},
+                        {"ATI below 3.0", "yes 1 yes 1 ", "ATI", "2.1"},
+                        {"Intel", "no 0 yes 1 ", "Intel", "3.0", formats},
+                        {"no half", "no 0 yes 1 ", "Vendor", "3.0", gpu4 + " GL_ARB_texture_float"},
+                        {.name = "no render texture", .answers = "no 0 no 0 ", .wgl = ""},
+                        {.name = "grey in the first red", .answers = "yes 1 yes 1 ", .at = 0, .value = 1},
+                        {.name = "white", .answers = "no 1 no 1 ", .at = 93, .value = 255},
+                        {.name = "grey in a green", .answers = "no 1 no 1 ", .at = 94},
+                        {.name = "grey in the second row", .answers = "no 1 no 1 ", .at = 96},
+                        {.name = "a probe that fails", .answers = "no 1 no 1 ", .firstName = 0}};
     for (Filtering& row : rows)
         row.run();
 }
@@ -239,7 +252,7 @@ TEST(FilteringProbeTest, itDrawsAnEdgeAndMagnifiesIt) {
     const std::string wrapS = setting + "WRAP_S, GL_CLAMP_TO_EDGE)",
                       wrapT = setting + "WRAP_T, GL_CLAMP_TO_EDGE)";
     EXPECT_THAT(
-        (Filtering{"yes 1 no 0 ", "Vendor", "3.0", gpu4 + " GL_ARB_half_float_pixel"}.run()),
+        (Filtering{"half alone", "yes 1 no 0 ", "Vendor", "3.0", gpu4 + " GL_ARB_half_float_pixel"}.run()),
         ElementsAre("glGenTextures(1, p)", bindTexture + "5)",
                     texImage + "GL_RGBA16F, 16, 16, 0, GL_BGRA, GL_UNSIGNED_BYTE, null)", minFilter,
                     magFilter, wrapS, wrapT, bindTexture + "0)", "glGenFramebuffersEXT(1, p)",

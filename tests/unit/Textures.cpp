@@ -1,4 +1,5 @@
 #include "ObjectsOnDriver.h"
+#include "extensionator/TokenName.h"
 
 #include <algorithm>
 #include <type_traits>
@@ -66,6 +67,7 @@ TEST_F(TextureTest, texturesAllocateTheirLevelsAndRestoreTheBinding) {
                  2,
                  {"-2147483648,4", "-1073741824,2", "-536870912,1"}}};
     for (const auto& row : rows) {
+        SCOPED_TRACE(row.target + ' ' + row.sizes[0]);
         std::string levels;
         for (std::size_t level = 0; level < row.sizes.size(); ++level)
             levels += "TexImage" + to_string(row.axes) + "D(" + row.target + "," + to_string(level) +
@@ -89,38 +91,50 @@ TEST_F(TextureTest, texturesAllocateTheirLevelsAndRestoreTheBinding) {
 }
 
 TEST(TextureFallbackTest, texturesDoWithWhatTheDriverHas) {
-    void (*const makes[])() = {[] { Texture1D(rgba8, 5, false); },
-                               [] { Texture1D(rgba8, 0x100000004, false); }, // the low 32 bits count
-                               [] { Texture2D(rgba8, 3, 4, false, nullptr); },
-                               [] { Texture2D(rgba8, 4, 3, false, nullptr); },
-                               [] { Texture3D(rgba8, 3, 4, 4, false); },
-                               [] { Texture3D(rgba8, 4, 3, 4, false); },
-                               [] { Texture2DArray(rgba8, 4, 4, 3, false); },
-                               [] { Texture3D(rgba8, 0, 4, 4, 3, RED, BYTE, nullptr, packed); },
-                               [] { Texture3D(rgba8, 4, 8, 16, false); }};
+    const struct {
+        const char* name;
+        void (*make)();
+    } shapes[] = {{"1D 5", [] { Texture1D(rgba8, 5, false); }},
+                  {"1D 2^32 + 4", [] { Texture1D(rgba8, 0x100000004, false); }}, // the low 32 bits count
+                  {"2D 3 x 4", [] { Texture2D(rgba8, 3, 4, false, nullptr); }},
+                  {"2D 4 x 3", [] { Texture2D(rgba8, 4, 3, false, nullptr); }},
+                  {"3D 3 x 4", [] { Texture3D(rgba8, 3, 4, 4, false); }},
+                  {"3D 4 x 3", [] { Texture3D(rgba8, 4, 3, 4, false); }},
+                  {"layers", [] { Texture2DArray(rgba8, 4, 4, 3, false); }},
+                  {"level", [] { Texture3D(rgba8, 0, 4, 4, 3, RED, BYTE, nullptr, packed); }},
+                  {"3D 4 x 8", [] { Texture3D(rgba8, 4, 8, 16, false); }}};
     const struct {
         const char *version, *extensions;
-        std::string refusals; // for each of these: the number of the shape that is named, or no function
+        std::string refused; // and by which class, or for which function that is missing
         bool generates, rectangles;
-    } rows[] = {{"1.1", "GL_ARB_texture_non_power_of_two", "----xxxxx", false, false},
-                {"1.3", "GL_SGIS_generate_mipmap", "2-223333-", true, false},
-                {"1.4", "GL_ARB_texture_rectangle", "2---3333-", true, true},
-                {"2.1", "", "---------", true, false},
-                {"3.0", "", "---------", false, false}};
+    } rows[] = {
+        {"1.1", "GL_ARB_texture_non_power_of_two",
+         "3D 3 x 4: glTexImage3D, 3D 4 x 3: glTexImage3D, layers: glTexImage3D, "
+         "level: glTexImage3D, 3D 4 x 8: glTexImage3D, ",
+         false, false},
+        {"1.3", "GL_SGIS_generate_mipmap",
+         "1D 5: Texture2, 2D 3 x 4: Texture2, 2D 4 x 3: Texture2, 3D 3 x 4: Texture3, "
+         "3D 4 x 3: Texture3, layers: Texture3, level: Texture3, ",
+         true, false},
+        {"1.4", "GL_ARB_texture_rectangle",
+         "1D 5: Texture2, 3D 3 x 4: Texture3, 3D 4 x 3: Texture3, layers: Texture3, level: Texture3, ", true,
+         true},
+        {"2.1", "", "", true, false},
+        {"3.0", "", "", false, false}};
+    const std::string rule = "::ctor hardware only supports power of two textures";
     for (const auto& row : rows) {
+        SCOPED_TRACE(std::string(row.version) + ' ' + row.extensions);
         ObjectsOnDriver world(row.version, row.extensions);
-        const std::string rule = "::ctor hardware only supports power of two textures";
-        std::string refusals;
-        for (const auto make : makes) {
+        std::string refused;
+        for (const auto& [name, make] : shapes) {
             const std::string text = failureOf(make);
-            refusals += text == "!Texture2" + rule                           ? '2'
-                        : text == "!Texture3" + rule                         ? '3'
-                        : text == "!The current context has no glTexImage3D" ? 'x'
-                                                                             : '-';
-            EXPECT_EQ(text.empty(), world.calls() != "GenTextures(1,p) DeleteTextures(1,p)");
+            for (const std::string by : {"Texture2", "Texture3", "glTexImage3D"})
+                if (text == '!' + by + rule || text == "!The current context has no " + by)
+                    refused += name + (": " + by) + ", ";
+            EXPECT_EQ(text.empty(), world.calls() != "GenTextures(1,p) DeleteTextures(1,p)") << name;
         }
-        EXPECT_EQ(row.refusals, refusals) << row.extensions;
-        EXPECT_EQ(row.generates, Texture::supportsAutoMIPGeneration()) << row.version << row.extensions;
+        EXPECT_EQ(row.refused, refused);
+        EXPECT_EQ(row.generates, Texture::supportsAutoMIPGeneration());
         EXPECT_EQ(row.rectangles, TextureRECT::isSupported());
         world.gl.integers[GL_TEXTURE_BINDING_2D] = 77;
         Texture2D(rgba8, 1, 1, true, memory);
@@ -134,13 +148,20 @@ TEST_F(TextureTest, sizesAreHalvedByLevelButNotTheLayers) {
     const Texture3D cube(Internal::RGB16F, 8, 4, 2, false);
     const Texture2DArray layers(rgba8, 8, 4, 6, false);
     const Texture1DArray rows(rgba8, 8, 6, false); // its layers are a height, which is halved
-    const Texture* const all[] = {&cube, &layers, &rows};
-    std::string sizes;
-    for (const unsigned int level : {0, 1, 4, 64})
-        for (const Texture* texture : all)
-            sizes += to_string(texture->width(level)) + to_string(texture->height(level)) +
-                     to_string(texture->depth(level)) + ' ';
-    EXPECT_EQ("842 846 861 421 426 431 000 006 001 842 846 861 ", sizes);
+    const struct {
+        const char* name;
+        const Texture& texture;
+        std::vector<std::string> sizes; // of the levels 0, 1, 4 and 64
+    } shapes[] = {{"3D", cube, {"8 x 4 x 2", "4 x 2 x 1", "0 x 0 x 0", "8 x 4 x 2"}},
+                  {"2D array", layers, {"8 x 4 x 6", "4 x 2 x 6", "0 x 0 x 6", "8 x 4 x 6"}},
+                  {"1D array", rows, {"8 x 6 x 1", "4 x 3 x 1", "0 x 0 x 1", "8 x 6 x 1"}}};
+    for (const auto& [name, texture, expected] : shapes) {
+        std::vector<std::string> sizes;
+        for (const unsigned int level : {0, 1, 4, 64})
+            sizes.push_back(to_string(texture.width(level)) + " x " + to_string(texture.height(level)) +
+                            " x " + to_string(texture.depth(level)));
+        EXPECT_EQ(expected, sizes) << name;
+    }
     EXPECT_EQ(8 * 4 * 2 * 3 * 2, cube.sizeInBytes());
     const Texture2D large(Internal::ALPHA, 0x10001, 0x10000, false, nullptr);
     const Texture2D odd(Internal::ALPHA4, 1, 1, false, nullptr);
@@ -160,21 +181,78 @@ TEST_F(TextureTest, sizesAreHalvedByLevelButNotTheLayers) {
 }
 
 TEST(TextureFormatTest, formatsHaveTheirSizes) {
-    // By format: values of a texel, and bytes of each. x: it has no size. -: the bytes aren't known.
-    std::string channels, bytes, ofPixels;
-    for (int i = 0; i <= 50; ++i) {
-        std::uint64_t count = 1, size = 0;
-        const std::string none = failureOf([&] { count = Texture::Channels(Internal(i)); });
-        const std::string text = failureOf([&] { size = Texture::SizeInBytes(Internal(i), 2, 3, 5); });
-        const bool unsized = none == "!InternalFormat enums are not all properly sized.";
-        const bool unknown = text.starts_with("!Texture::SizeInBytes Unknown color channels for format ");
-        channels += unsized ? "x" : to_string(count);
-        bytes += unsized && text == none ? "x" : unknown ? "-" : to_string(size / 30 / count);
-        ofPixels += i > 10 ? "" : to_string(Texture::Channels(Texture::Format(i)));
+    // The values of a texel, and the bytes of each where they are known.
+    const char* const stored[] = {"ALPHA 1 x 1",
+                                  "ALPHA4 1 x ?",
+                                  "ALPHA8 1 x 1",
+                                  "ALPHA12 1 x ?",
+                                  "ALPHA16 1 x 2",
+                                  "LUMINANCE 1 x 1",
+                                  "LUMINANCE4 1 x ?",
+                                  "LUMINANCE8 1 x 1",
+                                  "LUMINANCE12 1 x ?",
+                                  "LUMINANCE16 1 x 2",
+                                  "LUMINANCE_ALPHA 2 x 1",
+                                  "LUMINANCE4_ALPHA4 2 x ?",
+                                  "LUMINANCE6_ALPHA2 2 x ?",
+                                  "LUMINANCE8_ALPHA8 2 x 1",
+                                  "LUMINANCE12_ALPHA4 2 x ?",
+                                  "LUMINANCE12_ALPHA12 2 x ?",
+                                  "LUMINANCE16_ALPHA16 2 x 2",
+                                  "INTENSITY 1 x 1",
+                                  "INTENSITY4 1 x ?",
+                                  "INTENSITY8 1 x 1",
+                                  "INTENSITY12 1 x ?",
+                                  "INTENSITY16 1 x 2",
+                                  "R3_G3_B2 3 x ?",
+                                  "RGB 3 x 1",
+                                  "RGB4 unsized",
+                                  "RGB5 3 x ?",
+                                  "RGB8 3 x 1",
+                                  "RGB10 3 x ?",
+                                  "RGB12 3 x ?",
+                                  "RGB16 3 x 2",
+                                  "RGBA 4 x 1",
+                                  "RGBA2 4 x ?",
+                                  "RGBA4 4 x ?",
+                                  "RGB5_A1 4 x ?",
+                                  "RGBA8 4 x 1",
+                                  "RGB10_A2 4 x ?",
+                                  "RGBA12 4 x ?",
+                                  "RGBA16 4 x 2",
+                                  "RGBA32F 4 x 4",
+                                  "RGB32F 3 x 4",
+                                  "ALPHA_FLOAT32_APPLE 1 x 4",
+                                  "INTENSITY_FLOAT32_APPLE 1 x 4",
+                                  "LUMINANCE_FLOAT32_APPLE 1 x 4",
+                                  "LUMINANCE_ALPHA_FLOAT32_APPLE 2 x 4",
+                                  "RGBA16F 4 x 2",
+                                  "RGB16F 3 x 2",
+                                  "ALPHA_FLOAT16_APPLE 1 x 2",
+                                  "INTENSITY_FLOAT16_APPLE 1 x 2",
+                                  "LUMINANCE_FLOAT16_APPLE 1 x 2",
+                                  "LUMINANCE_ALPHA_FLOAT16_APPLE 2 x 2"};
+    const char* const ofPixels[] = {
+        "COLOR_INDEX 1", "RED 1",  "GREEN 1", "BLUE 1",      "ALPHA 1",          "RGB 3",
+        "BGR 3",         "RGBA 4", "BGRA 4",  "LUMINANCE 1", "LUMINANCE_ALPHA 2"};
+    const std::string unsized = "!InternalFormat enums are not all properly sized.";
+    const auto nameOf = [](unsigned int token) { return std::string(TokenName(token)).substr(3) + ' '; };
+    for (unsigned int i = 0; i < std::size(stored); ++i) {
+        const auto format = Internal(i);
+        std::uint64_t values = 0, size = 0;
+        const std::string none = failureOf([&] { values = Texture::Channels(format); });
+        const std::string text = failureOf([&] { size = Texture::SizeInBytes(format, 2, 3, 5); });
+        const std::string bytes = text.empty() ? to_string(size / 30 / values) : "?";
+        EXPECT_EQ(stored[i], nameOf(Texture::InternalFormat2GL(format)) +
+                                 (none.empty() ? to_string(values) + " x " + bytes : "unsized"));
+        EXPECT_EQ(none.empty() ? "" : unsized, none) << stored[i];
+        EXPECT_TRUE(text == none || text.starts_with("!Texture::SizeInBytes Unknown color channels for "))
+            << stored[i] << ": " << text;
     }
-    EXPECT_EQ("111111111122222221111133x3333344444444431112431112x", channels);
-    EXPECT_EQ("1-1-21-1-21--1--21-1-2-1x-1--21---1--2444444222222x", bytes);
-    EXPECT_EQ("11111334412", ofPixels);
+    EXPECT_FAILURE(unsized, Texture::Channels(Internal(50)));
+    for (unsigned int i = 0; i < std::size(ofPixels); ++i)
+        EXPECT_EQ(ofPixels[i], nameOf(Texture::Format2GL(Texture::Format(i))) +
+                                   to_string(Texture::Channels(Texture::Format(i))));
 }
 
 // `known`: ordinals, each with its token behind it. All come back by theirs, but for what is `refused`.
@@ -199,24 +277,39 @@ void expectTranslation(unsigned int (*toGL)(Enumeration), Enumeration (*fromGL)(
 
 TEST(EnumerationTest, enumerationsTranslateBothWays) {
     using T = Texture;
-    EXPECT_TRANSLATION(T, Filter, "Filter", 6, {0, 9728, 3, 9985, 4, 9986, 5, 9987});
+    EXPECT_TRANSLATION(T, Filter, "Filter", 6,
+                       {0, GL_NEAREST, 3, GL_LINEAR_MIPMAP_NEAREST, 4, GL_NEAREST_MIPMAP_LINEAR, 5,
+                        GL_LINEAR_MIPMAP_LINEAR});
     EXPECT_TRANSLATION(T, InternalFormat, "InternalFormat", 50,
-                       {0, 6406, 17, 32841, 22, 10768, 24, 32847, 38, 34836, 44, 34842, 49, 34847},
-                       {32846, 0});
-    EXPECT_TRANSLATION(T, Format, "Format", 11, {0, 6400, 6, 32992, 7, 6408, 10, 6410});
+                       {0, GL_ALPHA, 17, GL_INTENSITY, 22, GL_R3_G3_B2, 24, GL_RGB4, 38, GL_RGBA32F, 44,
+                        GL_RGBA16F, 49, GL_LUMINANCE_ALPHA16F_ARB},
+                       {GL_RGB2_EXT, 0});
+    EXPECT_TRANSLATION(T, Format, "Format", 11,
+                       {0, GL_COLOR_INDEX, 6, GL_BGR, 7, GL_RGBA, 10, GL_LUMINANCE_ALPHA});
     EXPECT_TRANSLATION(T, Type, "Type", 21,
-                       {0, 5121, 1, 5120, 2, 6656, 3, 5123, 6, 5124, 8, 32818, 15, 33638, 20, 5131});
-    EXPECT_TRANSLATION(T, WrapMode, "WrapMode", 5, {0, 10496, 2, 33071, 4, 10497});
+                       {0, GL_UNSIGNED_BYTE, 1, GL_BYTE, 2, GL_BITMAP, 3, GL_UNSIGNED_SHORT, 6, GL_INT, 8,
+                        GL_UNSIGNED_BYTE_3_3_2, 15, GL_UNSIGNED_SHORT_1_5_5_5_REV, 20, GL_HALF_FLOAT});
+    EXPECT_TRANSLATION(T, WrapMode, "WrapMode", 5, {0, GL_CLAMP, 2, GL_CLAMP_TO_EDGE, 4, GL_REPEAT});
     EXPECT_TRANSLATION(T, PixelStoreMode, "PixelStoreMode", 16,
-                       {0, 3328, 3, 32876, 4, 3332, 5, 3331, 6, 32875, 12, 3316, 13, 3315, 15, 3317});
+                       {0, GL_PACK_SWAP_BYTES, 3, GL_PACK_IMAGE_HEIGHT, 4, GL_PACK_SKIP_PIXELS, 5,
+                        GL_PACK_SKIP_ROWS, 6, GL_PACK_SKIP_IMAGES, 12, GL_UNPACK_SKIP_PIXELS, 13,
+                        GL_UNPACK_SKIP_ROWS, 15, GL_UNPACK_ALIGNMENT});
     // The two arrays don't come back.
-    EXPECT_TRANSLATION(T, Target, "Target", 6, {0, 3552, 2, 32879, 3, 35864, 4, 35866, 5, 34037},
-                       {35864, 35866, 32874});
-    EXPECT_TRANSLATION(T, TargetBinding, "Target", 6, {0, 32872, 2, 32874, 3, 35868, 4, 35869, 5, 34038},
-                       {35868, 35869, 3553});
-    EXPECT_TRANSLATION(Buffer, Type, "Buffer type", 4, {0, 35052, 1, 35051, 3, 34963});
-    EXPECT_TRANSLATION(Buffer, Usage, "Buffer type", 9, {0, 35040, 2, 35042, 3, 35044, 8, 35050}, {35043});
-    EXPECT_TRANSLATION(TextureUnit, Environment, "Environment", 6, {0, 260, 2, 34160, 3, 8449, 5, 7681});
+    EXPECT_TRANSLATION(T, Target, "Target", 6,
+                       {0, GL_TEXTURE_1D, 2, GL_TEXTURE_3D, 3, GL_TEXTURE_1D_ARRAY, 4, GL_TEXTURE_2D_ARRAY, 5,
+                        GL_TEXTURE_RECTANGLE},
+                       {GL_TEXTURE_1D_ARRAY, GL_TEXTURE_2D_ARRAY, GL_TEXTURE_BINDING_3D});
+    EXPECT_TRANSLATION(T, TargetBinding, "Target", 6,
+                       {0, GL_TEXTURE_BINDING_1D, 2, GL_TEXTURE_BINDING_3D, 3, GL_TEXTURE_BINDING_1D_ARRAY, 4,
+                        GL_TEXTURE_BINDING_2D_ARRAY, 5, GL_TEXTURE_BINDING_RECTANGLE},
+                       {GL_TEXTURE_BINDING_1D_ARRAY, GL_TEXTURE_BINDING_2D_ARRAY, GL_TEXTURE_2D});
+    EXPECT_TRANSLATION(Buffer, Type, "Buffer type", 4,
+                       {0, GL_PIXEL_UNPACK_BUFFER, 1, GL_PIXEL_PACK_BUFFER, 3, GL_ELEMENT_ARRAY_BUFFER});
+    EXPECT_TRANSLATION(Buffer, Usage, "Buffer type", 9,
+                       {0, GL_STREAM_DRAW, 2, GL_STREAM_COPY, 3, GL_STATIC_DRAW, 8, GL_DYNAMIC_COPY},
+                       {GL_STREAM_COPY + 1});
+    EXPECT_TRANSLATION(TextureUnit, Environment, "Environment", 6,
+                       {0, GL_ADD, 1, GL_BLEND, 2, GL_COMBINE, 3, GL_DECAL, 4, GL_MODULATE, 5, GL_REPLACE});
 }
 
 // A class whose base lets nothing out of its destructor may have them as members: that it compiles is the
