@@ -39,26 +39,6 @@ protected:
 
 } // namespace
 
-TEST_F(WglDriverTest, aContextIsMadeUsedAndDeleted) {
-    const HGLRC context = CWGM(CreateContext, window_->device());
-    ASSERT_NE(context, nullptr);
-    EXPECT_EQ(CWGM(GetCurrentContext), nullptr);
-    ASSERT_TRUE(CWGM(MakeCurrent, window_->device(), context));
-    EXPECT_EQ(CWGM(GetCurrentContext), context);
-    EXPECT_EQ(CWGM(GetCurrentDC), window_->device());
-    EXPECT_NE(CWGM(GetProcAddress, "glActiveTexture"), nullptr);
-
-    glViewport(0, 0, 64, 48);
-    clear(0, 0, 1);
-    EXPECT_EQ(pixelAt(63, 47), blue);
-    EXPECT_TRUE(CWGM(SwapBuffers, window_->device()));
-
-    EXPECT_TRUE(CWGM(MakeCurrent, nullptr, nullptr));
-    EXPECT_EQ(CWGM(GetCurrentContext), nullptr);
-    EXPECT_EQ(CWGM(GetCurrentDC), nullptr);
-    EXPECT_TRUE(CWGM(DeleteContext, context));
-}
-
 TEST_F(WglDriverTest, aFailureComesBackWithAnErrorNumber) {
     const HGLRC context = CWGM(CreateContext, window_->device());
     ASSERT_TRUE(CWGM(DeleteContext, context));

@@ -27,10 +27,14 @@ public:
         std::memcpy(&bits_, &value, size_);
     }
 
+    template <class T>
+    bool is() const {
+        return kind_ == kindOf<T>() && size_ == sizeOf<T>;
+    }
     /// The value back, in a type of the same kind and size.
     template <class T>
     T as() const {
-        if (kind_ != kindOf<T>() || size_ != sizeOf<T>)
+        if (!is<T>())
             throw std::logic_error("a value of another type");
         T value;
         std::memcpy(&value, &bits_, size_);

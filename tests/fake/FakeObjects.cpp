@@ -25,35 +25,22 @@ std::string number(std::uint64_t value) {
     return name == "Unknown Token" ? std::to_string(value) : name;
 }
 
-template <class T>
-bool textAs(const Value& value, std::string& text) {
-    try {
-        const T number_ = value.as<T>();
-        std::ostringstream out;
-        if constexpr (std::is_pointer_v<T>)
-            out << (number_ == nullptr ? "null"
-                    : reinterpret_cast<std::uintptr_t>(number_) > 0xFFFF
-                        ? "p"
-                        : std::to_string(reinterpret_cast<std::uintptr_t>(number_)));
-        else if constexpr (std::is_floating_point_v<T>)
-            out << number_;
-        else if constexpr (std::is_signed_v<T>)
-            out << (number_ < 0 ? std::to_string(number_) : number(static_cast<std::uint64_t>(number_)));
-        else
-            out << number(number_);
-        text = out.str();
-        return true;
-    } catch (const std::logic_error&) {
-        return false;
-    }
-}
-
 std::string textOf(const Value& value) {
-    std::string text;
-    textAs<const void*>(value, text) || textAs<unsigned int>(value, text) || textAs<int>(value, text) ||
-        textAs<float>(value, text) || textAs<double>(value, text) || textAs<unsigned char>(value, text) ||
-        textAs<std::int64_t>(value, text);
-    return text;
+    if (value.is<const void*>()) {
+        const auto address = reinterpret_cast<std::uintptr_t>(value.as<const void*>());
+        return address == 0 ? "null" : address > 0xFFFF ? "p" : std::to_string(address);
+    }
+    if (value.is<float>() || value.is<double>()) {
+        std::ostringstream out;
+        out << (value.is<float>() ? value.as<float>() : value.as<double>());
+        return out.str();
+    }
+    if (value.is<unsigned int>())
+        return number(value.as<unsigned int>());
+    if (value.is<unsigned char>())
+        return number(value.as<unsigned char>());
+    const std::int64_t whole = value.is<int>() ? value.as<int>() : value.as<std::int64_t>();
+    return whole < 0 ? std::to_string(whole) : number(static_cast<std::uint64_t>(whole));
 }
 
 std::string textOf(const Call& call) {

@@ -67,6 +67,7 @@ TEST_F(BufferTest, buffersChangeTheirRoleWhileTheyAreNotBound) {
     const std::string bound = "Buffer cannot convert buffer target while bound";
     calls();
     for (const auto& role : roles) {
+        SCOPED_TRACE(role.name);
         const std::string target = "BindBuffer(" + targets[&role - roles];
         (buffer.*role.convert)();
         EXPECT_FALSE(buffer.isBound());

@@ -275,6 +275,7 @@ TEST(ContextTest, aFailureWhileCleaningUpReplacesTheFirst) {
          "!ContextWindowed::ContextWindowed failed to destroy context: fatal exception!"},
     };
     for (const auto& row : rows) {
+        SCOPED_TRACE(std::string(row.first) + ", " + row.second);
         World world;
         world.system.fail(row.first);
         world.system.fail(row.second, row.nth);
@@ -305,23 +306,27 @@ TEST(ContextTest, theExtendedListHasTheseValuesInThisOrder) {
     const Format rgb8(Format::RGB8), odd(9, 10, 11, 12, 13, 14, false), real(Format::R32F);
     const auto one = Context::eSingleBuffered;
     const struct {
+        const char* name;
         const Format& format;
         Context::teBuffering buffering;
         unsigned int samples;
         int target;
         const char* outcome;
     } rows[] = {
-        {rgb8, one, 1, 1, "2014 18 2015 8 2017 8 2019 8 201b 0 2022 0 2023 0 2011 0 2001 1 0"},
-        {odd, twoSided, 0, 1, "2014 2a 2015 9 2017 a 2019 b 201b c 2022 e 2023 d 2011 1 2001 1 0"},
-        {odd, Context::teBuffering(2), 1, 2,
+        {"RGB8", rgb8, one, 1, 1, "2014 18 2015 8 2017 8 2019 8 201b 0 2022 0 2023 0 2011 0 2001 1 0"},
+        {"odd bits, double buffered", odd, twoSided, 0, 1,
+         "2014 2a 2015 9 2017 a 2019 b 201b c 2022 e 2023 d 2011 1 2001 1 0"},
+        {"odd bits, unknown buffering", odd, Context::teBuffering(2), 1, 2,
          "2014 2a 2015 9 2017 a 2019 b 201b c 2022 e 2023 d 2011 0 2001 1 0"},
-        {real, twoSided, 0xFFFFFFFF, 0,
+        {"R32F, all samples", real, twoSided, 0xFFFFFFFF, 0,
          "2014 20 2015 20 2017 0 2019 0 201b 0 2022 0 2023 0 2011 1 202d 1 2001 0 21a0 1 2041 1 2042 "
          "ffffffff 0"},
-        {rgb8, one, 4, 1, "!Double buffering required with multisampling."},
-        {rgb8, Context::teBuffering(2), 2, 0, "!Double buffering required with multisampling."},
+        {"4 samples, single buffered", rgb8, one, 4, 1, "!Double buffering required with multisampling."},
+        {"2 samples, unknown buffering", rgb8, Context::teBuffering(2), 2, 0,
+         "!Double buffering required with multisampling."},
     };
     for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
         std::string list = failureOf([&] {
             EXPECT_EQ(9, Bare::choosePixelFormat(device, row.format, row.buffering,
                                                  Context::teMultisample(row.samples),
@@ -539,19 +544,21 @@ TEST(ScopedContextWrapperTest, thePairIsPutBackWhateverItWas) {
     const HDC devices[] = {GetDC(system.makeWindow()), GetDC(system.makeWindow())};
     const HGLRC context = system.makeContext(system.makeWindow());
     const struct {
+        const char* name;
         HDC before, inside;
         bool fails;
         HDC after;
         std::vector<std::string> calls;
     } rows[] = {
-        {nullptr, devices[0], false, nullptr, {"wglMakeCurrent(0, 0)"}},
-        {devices[0], nullptr, false, devices[0], {"wglMakeCurrent(d1, c1)"}},
-        {devices[0], devices[1], false, devices[0], {"wglMakeCurrent(d1, c1)"}}, // the same context elsewhere
-        {devices[0], devices[0], false, devices[0], {}},
-        {nullptr, nullptr, false, nullptr, {}},
-        {devices[0], devices[1], true, nullptr, {"wglMakeCurrent(d1, c1)"}},
+        {"made current inside", nullptr, devices[0], false, nullptr, {"wglMakeCurrent(0, 0)"}},
+        {"released inside", devices[0], nullptr, false, devices[0], {"wglMakeCurrent(d1, c1)"}},
+        {"the same context elsewhere", devices[0], devices[1], false, devices[0], {"wglMakeCurrent(d1, c1)"}},
+        {"nothing changed", devices[0], devices[0], false, devices[0], {}},
+        {"nothing at all", nullptr, nullptr, false, nullptr, {}},
+        {"a failure", devices[0], devices[1], true, nullptr, {"wglMakeCurrent(d1, c1)"}},
     };
     for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
         wglMakeCurrent(row.before, row.before ? context : nullptr);
         {
             const ScopedContextWrapper scope;

@@ -79,9 +79,10 @@ TEST_F(DisplayTest, countsLeaveOutMirrorsAndIndicesDoNot) {
         {{DISPLAY_DEVICE_PRIMARY_DEVICE, attached}, 1, 0, "b b b"},
     };
     for (const auto& row : rows) {
+        SCOPED_TRACE(std::to_string(row.flags.size()) + " devices: " + row.names);
         setDevices(row.flags);
-        EXPECT_EQ(row.count, Context::numDisplayDevice()) << row.names;
-        EXPECT_EQ(row.primary, Context::primaryDisplayIndex()) << row.names;
+        EXPECT_EQ(row.count, Context::numDisplayDevice());
+        EXPECT_EQ(row.primary, Context::primaryDisplayIndex());
         EXPECT_EQ(row.names, nameAt(0) + ' ' + nameAt(1) + ' ' + nameAt(2));
     }
     setDevices({attached, primary});

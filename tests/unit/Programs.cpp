@@ -143,6 +143,8 @@ TEST_F(ProgramTest, compileAndLinkReadNoMoreThanTheyNeed) {
     Program program;
     VertexShader shader;
     for (const auto& row : rows) {
+        SCOPED_TRACE(std::string(row.link ? "link, " : "compile, ") + (row.check ? "" : "not ") +
+                     "checked, " + std::to_string(row.status) + ", " + std::to_string(row.length));
         objects.parameters = {{row.link ? GL_LINK_STATUS : GL_COMPILE_STATUS, row.status},
                               {GL_INFO_LOG_LENGTH, row.length}};
         objects.infoLog = row.log;

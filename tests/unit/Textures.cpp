@@ -286,9 +286,28 @@ TEST(EnumerationTest, enumerationsTranslateBothWays) {
                        {GL_RGB2_EXT, 0});
     EXPECT_TRANSLATION(T, Format, "Format", 11,
                        {0, GL_COLOR_INDEX, 6, GL_BGR, 7, GL_RGBA, 10, GL_LUMINANCE_ALPHA});
-    EXPECT_TRANSLATION(T, Type, "Type", 21,
-                       {0, GL_UNSIGNED_BYTE, 1, GL_BYTE, 2, GL_BITMAP, 3, GL_UNSIGNED_SHORT, 6, GL_INT, 8,
-                        GL_UNSIGNED_BYTE_3_3_2, 15, GL_UNSIGNED_SHORT_1_5_5_5_REV, 20, GL_HALF_FLOAT});
+    // The packed ones, each with its reverse behind it, count on from 8.
+    EXPECT_TRANSLATION(T, Type, "Type", 21, {0,  GL_UNSIGNED_BYTE,
+                                             1,  GL_BYTE,
+                                             2,  GL_BITMAP,
+                                             3,  GL_UNSIGNED_SHORT,
+                                             4,  GL_SHORT,
+                                             5,  GL_UNSIGNED_INT,
+                                             6,  GL_INT,
+                                             7,  GL_FLOAT,
+                                             8,  GL_UNSIGNED_BYTE_3_3_2,
+                                             9,  GL_UNSIGNED_BYTE_2_3_3_REV,
+                                             10, GL_UNSIGNED_SHORT_5_6_5,
+                                             11, GL_UNSIGNED_SHORT_5_6_5_REV,
+                                             12, GL_UNSIGNED_SHORT_4_4_4_4,
+                                             13, GL_UNSIGNED_SHORT_4_4_4_4_REV,
+                                             14, GL_UNSIGNED_SHORT_5_5_5_1,
+                                             15, GL_UNSIGNED_SHORT_1_5_5_5_REV,
+                                             16, GL_UNSIGNED_INT_8_8_8_8,
+                                             17, GL_UNSIGNED_INT_8_8_8_8_REV,
+                                             18, GL_UNSIGNED_INT_10_10_10_2,
+                                             19, GL_UNSIGNED_INT_2_10_10_10_REV,
+                                             20, GL_HALF_FLOAT});
     EXPECT_TRANSLATION(T, WrapMode, "WrapMode", 5, {0, GL_CLAMP, 2, GL_CLAMP_TO_EDGE, 4, GL_REPEAT});
     EXPECT_TRANSLATION(T, PixelStoreMode, "PixelStoreMode", 16,
                        {0, GL_PACK_SWAP_BYTES, 3, GL_PACK_IMAGE_HEIGHT, 4, GL_PACK_SKIP_PIXELS, 5,
