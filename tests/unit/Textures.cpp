@@ -267,7 +267,7 @@ void expectTranslation(unsigned int (*toGL)(Enumeration), Enumeration (*fromGL)(
         EXPECT_TRUE(!back || fromGL(token) == Enumeration(ordinal)) << name << ordinal;
     }
     for (std::size_t i = 0; i < known.size(); i += 2)
-        EXPECT_EQ(known[i + 1], toGL(Enumeration(known[i]))) << name << known[i];
+        EXPECT_EQ(known[i + 1], toGL(Enumeration(known[i]))) << name << ' ' << TokenName(known[i + 1]);
     for (const unsigned int token : refused)
         EXPECT_FAILURE(text, fromGL(token)) << token;
     for (const unsigned int ordinal : {count, ~0u})
