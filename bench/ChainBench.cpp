@@ -4,13 +4,17 @@
 #include "HandWrittenChecker.h"
 #include "LibraryContext.h"
 #include "extensionator/ExtensionManager.h"
-#include "extensionator/OpenGLInterceptor.h"
+#include "extensionator/OpenGLErrorReporter.h"
+#include "extensionator/OpenGLForwarder.h"
+#include "extensionator/OpenGLWatcher.h"
+#include "extensionator/ScopedInterceptor.h"
 
 #include <GL/gl.h>
 #include <GL/glext.h>
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
+#include <vector>
 
 namespace {
 
@@ -66,6 +70,33 @@ void chainByHead(benchmark::State& state) {
                  [=](GLuint texture) { head->cgmBindTexture(__FILE__, __LINE__, GL_TEXTURE_2D, texture); });
 }
 BENCHMARK(chainByHead)->Name("head->cgmBindTexture");
+
+// One more layer in front of the checker.
+void throughLayer(benchmark::State& state, ZLT::OGL::OpenGLInterceptorDecorator& layer) {
+    const ZLT::OGL::ScopedInterceptor installed(layer);
+    chainByHead(state);
+}
+
+void forwarder(benchmark::State& state) {
+    ZLT::OGL::OpenGLForwarder layer;
+    throughLayer(state, layer);
+}
+BENCHMARK(forwarder)->Name("forwarder, head->cgmBindTexture");
+
+void counter(benchmark::State& state) {
+    struct Counter : ZLT::OGL::OpenGLWatcher {
+        bool before(const ZLT::OGL::OpenGLCall& call) override { return ++calls[call.number()]; }
+        std::vector<int> calls = std::vector<int>(ZLT::OGL::openGLEntryCount());
+    } watcher;
+    throughLayer(state, watcher.layer());
+}
+BENCHMARK(counter)->Name("watcher that counts, head->cgmBindTexture");
+
+void reporter(benchmark::State& state) {
+    ZLT::OGL::OpenGLErrorReporter layer;
+    throughLayer(state, layer);
+}
+BENCHMARK(reporter)->Name("reporter, head->cgmBindTexture");
 
 // An entry outside GL 1.1, which goes by its address: the chain looks it up in the table of the current
 // context's driver. The hand-written checker does so too, or knows one driver alone.
@@ -138,6 +169,9 @@ int main(int argc, char** argv) {
          {"CGM(BindTexture)", "hand-written bindTexture", 1, By::nanoseconds},
          {"CGM(BindTexture)", "hand-written bindTexture, head asked for", 1, By::nanoseconds},
          {"CGM(BindTexture)", "glBindTexture, glGetError", 0, By::nanoseconds},
+         {"forwarder, head->cgmBindTexture", "head->cgmBindTexture", 1.5, By::nanoseconds},
+         {"reporter, head->cgmBindTexture", "head->cgmBindTexture", 1.5, By::nanoseconds},
+         {"watcher that counts, head->cgmBindTexture", "head->cgmBindTexture", 0, By::nanoseconds},
          {"head->cgmActiveTexture", "hand-written activeTexture, table asked for", 1, By::nanoseconds},
          {"CGM(ActiveTexture)", "hand-written activeTexture, table asked for", 1, By::nanoseconds},
          {"head->cgmActiveTexture", "hand-written activeTexture", 0, By::nanoseconds},

@@ -1,10 +1,9 @@
 #include "extensionator/DriverMessages.h"
 
+#include "extensionator/DriverStrings.h"
 #include "extensionator/Load.h"
 #include "extensionator/ReporterThread.h"
-
-#include <GL/gl.h>
-#include <GL/glext.h>
+#include "platform/GL.h"
 
 #include <algorithm>
 #include <deque>
@@ -119,39 +118,14 @@ void APIENTRY received(GLenum source, GLenum type, GLuint id, GLenum severity, G
         previous->function(source, type, id, severity, length, text, previous->user);
 }
 
-bool names(const char* extensions, std::string_view wanted) {
-    const std::string_view all = extensions ? extensions : "";
-    for (std::size_t at = 0; (at = all.find(wanted, at)) != std::string_view::npos; at += wanted.size()) {
-        const std::size_t end = at + wanted.size();
-        if ((at == 0 || all[at - 1] == ' ') && (end == all.size() || all[end] == ' '))
-            return true;
-    }
-    return false;
-}
-
-bool hasExtension(const char* wanted) {
-    if (const auto* all = reinterpret_cast<const char*>(glGetString(GL_EXTENSIONS)))
-        return names(all, wanted);
-    // A core profile gives its names one by one. A driver without any context gives nothing at all.
-    glGetError();
-    const auto getStringi = find<PFNGLGETSTRINGIPROC>("glGetStringi");
-    GLint count = 0;
-    if (getStringi)
-        glGetIntegerv(GL_NUM_EXTENSIONS, &count);
-    for (GLint i = 0; i < count; ++i)
-        if (const auto* name = reinterpret_cast<const char*>(getStringi(GL_EXTENSIONS, GLuint(i))))
-            if (std::string_view(name) == wanted)
-                return true;
-    return false;
-}
-
 // The function that sets the callback, or null.
 PFNGLDEBUGMESSAGECALLBACKPROC callbackSetter(bool& isKhr) {
-    isKhr = hasExtension("GL_KHR_debug");
+    const String names = ' ' + driverExtensions(3) + ' ';
+    isKhr = names.find(" GL_KHR_debug ") != String::npos;
     if (isKhr)
-        return find<PFNGLDEBUGMESSAGECALLBACKPROC>("glDebugMessageCallback");
-    if (hasExtension("GL_ARB_debug_output"))
-        return find<PFNGLDEBUGMESSAGECALLBACKPROC>("glDebugMessageCallbackARB");
+        return functionAddress<PFNGLDEBUGMESSAGECALLBACKPROC>("glDebugMessageCallback");
+    if (names.find(" GL_ARB_debug_output ") != String::npos)
+        return functionAddress<PFNGLDEBUGMESSAGECALLBACKPROC>("glDebugMessageCallbackARB");
     return nullptr;
 }
 

@@ -1,7 +1,7 @@
 // How a manager is filled from the driver's strings.
 
+#include "extensionator/DriverStrings.h"
 #include "extensionator/ExtensionManager.h"
-#include "extensionator/Load.h"
 #include "ogl/Context.h"
 #include "zlt/core/Memory.h"
 #include "zlt/core/memory/ZLTDeleter.h"
@@ -20,30 +20,6 @@ namespace {
 constexpr std::string_view extensionNames[] = {
 #include "extensionator/ExtensionNames.inl"
 };
-
-String driverString(GLenum name) {
-    const auto* text = reinterpret_cast<const char*>(glGetString(name));
-    return text ? text : "";
-}
-
-// A core profile has no string of all names: it gives them one by one.
-String extensionString(unsigned int majorVersion) {
-    if (const auto* text = reinterpret_cast<const char*>(glGetString(GL_EXTENSIONS)))
-        return text;
-    if (majorVersion < 3)
-        return "";
-    glGetError(); // the null string was an error, and it was ours
-    const auto getStringi = functionAddress<PFNGLGETSTRINGIPROC>("glGetStringi");
-    if (!getStringi)
-        return "";
-    GLint count = 0;
-    glGetIntegerv(GL_NUM_EXTENSIONS, &count);
-    String names;
-    for (GLint i = 0; i < count; ++i)
-        if (const auto* name = reinterpret_cast<const char*>(getStringi(GL_EXTENSIONS, GLuint(i))))
-            (names += name) += ' ';
-    return names;
-}
 
 // As a stream extracts it. Without any text, `value` stays; 0 where another text stands than a number.
 template <class Number>
@@ -81,7 +57,7 @@ ExtensionManager::ExtensionManager(Context* context)
         vendor_ = VENDOR_INTEL;
     TokenizeVersionString(driverString(GL_VERSION), nMajorVersion_, nMinorVersion_, nReleaseVersion_,
                           additionalVersionInfo_);
-    const String extensions = extensionString(nMajorVersion_);
+    const String extensions = driverExtensions(nMajorVersion_);
 
     loadVersions();
     loadExtensions(extensions);

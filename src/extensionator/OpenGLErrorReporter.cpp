@@ -5,9 +5,8 @@
 #include "extensionator/NextLayer.h"
 #include "extensionator/OpenGLEntry.h"
 #include "extensionator/OpenGLErrorReporter.inl"
+#include "platform/GL.h"
 #include "platform/Platform.h"
-
-#include <GL/gl.h>
 
 #include <algorithm>
 #include <atomic>

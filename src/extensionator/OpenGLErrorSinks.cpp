@@ -1,7 +1,7 @@
 #include "extensionator/OpenGLErrorSinks.h"
 
-#include <GL/gl.h>
-#include <GL/glext.h>
+#include "platform/GL.h"
+
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
