@@ -117,6 +117,7 @@ TEST(ManagerTest, everyNameHasItsValueAndIsSupportedWhenNamed) {
 TEST(ManagerTest, oneMissingFunctionLeavesOutItsExtensionAlone) {
     // Some drivers answer with a small number for what they don't know.
     for (const int address : {0, 1, 2, 3, -1}) {
+        SCOPED_TRACE(address);
         FakeDriver driver =
             driverOf("1.3", " GL_EXT_fog_coord  GL_ARB_multitexture GL_SGIX_sprite_ GL_EXT_abgr ");
         driver.wglExtensions = "WGL_EXT_swap_control WGL_EXT_multisample";
@@ -151,6 +152,7 @@ TEST(ManagerTest, wglExtensionsAreKnownByTheArbStringAlone) {
     FakeDriver driver = driverOf("3.0");
     for (const std::optional<std::string>& names :
          {std::optional<std::string>(), std::optional<std::string>("")}) {
+        SCOPED_TRACE(names ? "an empty string" : "no function");
         driver.wglExtensions = names;
         driver.functions["wglGetExtensionsStringEXT"] = at<PROC>(0x1000);
         OnDriver world(driver);
@@ -175,14 +177,14 @@ TEST(ManagerTest, vendorsAndTheirRuleForOddTextureSizes) {
     for (const auto& row : rows)
         for (const char* version : {"1.5", "2.0"})
             for (const char* extensions : {"", byName}) {
+                SCOPED_TRACE(row.vendor + std::string(", ") + version + ' ' + extensions);
                 FakeDriver driver = driverOf(version, extensions);
                 driver.vendor = row.vendor;
                 OnDriver world(driver);
-                EXPECT_EQ(row.value, world.manager().vendor()) << row.vendor;
+                EXPECT_EQ(row.value, world.manager().vendor());
                 const bool supported =
                     extensions == byName || (row.byVersion && version == std::string("2.0"));
-                EXPECT_EQ(supported, world.manager().supportsNonPowerOfTwoTextures())
-                    << row.vendor << version;
+                EXPECT_EQ(supported, world.manager().supportsNonPowerOfTwoTextures());
                 EXPECT_EQ(supported, TextureState::supportsNonPowerOfTwo());
             }
 }
@@ -194,6 +196,7 @@ TEST(ManagerTest, aCoreProfileNamesItsExtensionsOneByOne) {
         bool supported;
     } rows[] = {{"3.2", true, true}, {"3.2", false, false}, {"2.1", true, false}};
     for (const auto& row : rows) {
+        SCOPED_TRACE(row.version + std::string(row.hasGetStringi ? "" : " without glGetStringi"));
         FakeDriver driver = driverOf(row.version);
         driver.extensions.reset();
         driver.indexedExtensions = {"GL_EXT_abgr", "GL_ARB_multitexture"};
@@ -351,6 +354,7 @@ TEST(ManagerTest, capabilitiesFoldVersionAndExtensions) {
                 {"1.3", "", "multi clamp 3d "},
                 {"2.0", "", "multi buffers clamp 3d npot "}};
     for (const auto& row : rows) {
+        SCOPED_TRACE(row.version + std::string(" ") + row.extensions);
         FakeDriver driver = driverOf(row.version, row.extensions);
         driver.wglExtensions = row.extensions;
         for (const char* name :
@@ -363,7 +367,7 @@ TEST(ManagerTest, capabilitiesFoldVersionAndExtensions) {
         std::string supported, withoutContext, expected;
         for (const auto& query : queries)
             supported += (manager.*query.query)() ? query.name + std::string(" ") : "";
-        EXPECT_EQ(row.supported, supported) << row.extensions;
+        EXPECT_EQ(row.supported, supported);
         releaseOGLContext();
         for (const auto& query : queries) {
             const std::string name = query.name + std::string(" ");
@@ -385,10 +389,11 @@ TEST(ManagerTest, unitsAndTargetsFollowTheDriver) {
                 {"1.1", "GL_ARB_multitexture GL_ARB_texture_rectangle", 4, true, false},
                 {"1.1", "GL_NV_fragment_program GL_NV_texture_rectangle", 1, false, false}};
     for (const auto& row : rows) {
+        SCOPED_TRACE(row.version + std::string(" ") + row.extensions);
         FakeDriver driver = driverOf(row.version, row.extensions);
         driver.integers = {{GL_MAX_TEXTURE_IMAGE_UNITS, 16}, {GL_MAX_TEXTURE_UNITS, 4}};
         OnDriver world(driver);
-        EXPECT_EQ(row.units, world.manager().numberOfTextureUnits()) << row.extensions;
+        EXPECT_EQ(row.units, world.manager().numberOfTextureUnits());
         for (const unsigned int target : {GL_TEXTURE_1D, GL_TEXTURE_2D, GL_TEXTURE_3D})
             EXPECT_TRUE(TextureState::IsTargetSupported(target));
         EXPECT_EQ(row.rectangles, TextureState::IsTargetSupported(GL_TEXTURE_RECTANGLE_ARB));
