@@ -69,7 +69,7 @@ ExtensionManager::ExtensionManager(Context* context)
 }
 
 // A version is loaded when the driver's is exactly it, or a later one was: one that is neither (1.1, 2.2)
-// loads nothing, on purpose.
+// loads nothing, and existing clients rely on it.
 void ExtensionManager::loadVersions() {
     bool atOrAbove = false;
     if (nMajorVersion_ >= 3) {

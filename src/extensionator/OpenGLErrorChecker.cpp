@@ -29,7 +29,8 @@ void OpenGLErrorChecker::cgmEnd(const char* file, unsigned int line) {
     check(file, line);
 }
 
-// Checked like every other entry, on purpose: the first error is the caller's, a second one is thrown.
+// Checked like every other entry, and existing clients rely on it: the first error is the caller's, a second
+// one is thrown.
 unsigned int OpenGLErrorChecker::cgmGetError(const char* file, unsigned int line) {
     const GLenum code = glGetError();
     check(file, line);

@@ -147,7 +147,7 @@ void OpenGLRekorder::cgmGetTexLevelParameteriv(const char* file, unsigned int li
     interceptor()->cgmGetTexLevelParameteriv(file, line, target, level, pname, params);
 }
 
-// int here and GLint below, on purpose.
+// int here and GLint below: replays are written for it.
 void OpenGLRekorder::cgmGetProgramiv(const char* file, unsigned int line, unsigned int program,
                                      unsigned int pname, int* params) {
     *outputStream_ << "{\n    int data;\n    glGetProgramiv(" << Number(program) << comma << Enumerant(pname)
@@ -162,7 +162,7 @@ void OpenGLRekorder::cgmGetShaderiv(const char* file, unsigned int line, unsigne
     interceptor()->cgmGetShaderiv(file, line, shader, pname, params);
 }
 
-// The log of a program has a form of its own, that of a shader is a marker, on purpose.
+// The log of a program has a form of its own, that of a shader is a marker: replays are written for it.
 void OpenGLRekorder::cgmGetProgramInfoLog(const char* file, unsigned int line, unsigned int program,
                                           int bufSize, int* length, char* infoLog) {
     *outputStream_ << "{\n    std::vector<char> data(" << Number(bufSize) << ");\n    glGetProgramInfoLog("
@@ -193,7 +193,7 @@ void OpenGLRekorder::cgmGetActiveUniformARB(const char* file, unsigned int line,
     interceptor()->cgmGetActiveUniformARB(file, line, programObj, index, maxLength, length, size, type, name);
 }
 
-// GL writes one count; the local has maxCount of them, on purpose.
+// GL writes one count; the local has maxCount of them: replays are written for it.
 void OpenGLRekorder::cgmGetAttachedShaders(const char* file, unsigned int line, unsigned int program,
                                            int maxCount, int* count, unsigned int* shaders) {
     *outputStream_ << "{\n"
@@ -212,8 +212,8 @@ void OpenGLRekorder::cgmGetAttachedObjectsARB(const char* file, unsigned int lin
     interceptor()->cgmGetAttachedObjectsARB(file, line, containerObj, maxCount, count, obj);
 }
 
-// Deletions count 8 bytes for each name though a name has 4, on purpose: the record holds what lies behind
-// the array as well.
+// Deletions count 8 bytes for each name though a name has 4: the record holds what lies behind the array as
+// well, and replays are written for it.
 
 void OpenGLRekorder::cgmDeleteTextures(const char* file, unsigned int line, int n,
                                        const unsigned int* textures) {
@@ -261,7 +261,7 @@ void OpenGLRekorder::cgmShaderSource(const char* file, unsigned int line, unsign
     interceptor()->cgmShaderSource(file, line, shader, count, string, length);
 }
 
-// Frees one string whatever the count, unlike above, on purpose.
+// Frees one string whatever the count, unlike above: replays are written for it.
 void OpenGLRekorder::cgmShaderSourceARB(const char* file, unsigned int line, unsigned int shaderObj,
                                         int count, const char** string, const int* length) {
     const unsigned int position = binaryOffset_;

@@ -253,7 +253,7 @@ inline std::ostream& operator<<(std::ostream& out, Handle form) {
     return out << "(GLhandleARB)" << Number(form.value, form.after);
 }
 
-/// GLintptr and GLsizeiptr: the low 32 bits, signed. The high half is dropped on purpose.
+/// GLintptr and GLsizeiptr: the low 32 bits, signed. The high half is dropped: tools match on it.
 struct Low32 {
     explicit Low32(long long value, std::string_view after = "")
         : value(static_cast<std::int32_t>(value)), after(after) {}
@@ -264,7 +264,7 @@ inline std::ostream& operator<<(std::ostream& out, Low32 form) {
     return out << Number(form.value, form.after);
 }
 
-/// GLbyte and GLubyte by value: the byte itself, on purpose, and not its number.
+/// GLbyte and GLubyte by value: the byte itself and not its number: tools match on it.
 struct Character {
     explicit Character(signed char value, std::string_view after = "")
         : value(static_cast<char>(value)), after(after) {}

@@ -50,7 +50,7 @@ Buffer::Buffer(std::int64_t nSize, Type type, Usage usage, const void* data)
         convertToArrayBuffer();
         break;
     case Type::ELEMENT_ARRAY_BUFFER:
-        // On purpose not the element array: the caller converts it.
+        // Not the element array: existing clients convert it.
         changeTarget(GL_PIXEL_UNPACK_BUFFER, GL_PIXEL_UNPACK_BUFFER_BINDING);
         break;
     }

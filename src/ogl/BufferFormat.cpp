@@ -13,7 +13,8 @@ struct Channels {
     bool floatingPoint;
 };
 
-// Each with three forms of depth and stencil. The last repeats the one before it, on purpose.
+// Each with three forms of depth and stencil. The last repeats the one before it: existing clients count
+// on its numbers.
 constexpr Channels channels[] = {{16, 0, 0, 0, true},    {32, 0, 0, 0, true},   {16, 16, 0, 0, true},
                                  {32, 32, 0, 0, true},   {8, 8, 8, 0, false},   {8, 8, 8, 8, false},
                                  {16, 16, 16, 16, true}, {16, 16, 16, 16, true}};

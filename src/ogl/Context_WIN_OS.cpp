@@ -256,8 +256,8 @@ int Context::choosePixelFormat(HDC hdc, const BufferFormat& format, teBuffering 
     } else {
         add(WGL_DRAW_TO_WINDOW_ARB, 1);
     }
-    // A value of the pixel type in the place of an attribute, beside the unchanged type: on purpose, and
-    // drivers are known to read it so.
+    // A value of the pixel type in the place of an attribute, beside the unchanged type: drivers are known to
+    // read it so.
     if (format.floatingPointColor())
         add(WGL_TYPE_RGBA_FLOAT_ARB, 1);
     if (multisample > eNoMultisample) {
@@ -385,7 +385,7 @@ std::size_t Context::numDisplayDevice() {
     return count;
 }
 
-// Mirroring drivers count here and in displayDevice(), unlike above: on purpose.
+// Mirroring drivers count here and in displayDevice(), unlike above: existing clients rely on the numbers.
 std::size_t Context::primaryDisplayIndex() {
     std::size_t index = 0;
     bool found = false;

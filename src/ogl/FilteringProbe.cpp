@@ -55,7 +55,7 @@ bool ExtensionManager::supportsHalfFiltering() {
 }
 
 bool ExtensionManager::supportsFloatFiltering() {
-    // On purpose not as above: this extension decides for one vendor alone.
+    // Not as above, and existing clients rely on it: this extension decides for one vendor alone.
     if (vendor_ == VENDOR_NVIDIA)
         return isSupported(GL_EXT_GPU_SHADER4);
     if (vendor_ == VENDOR_ATI && isSupported(OPEN_GL_3_0))

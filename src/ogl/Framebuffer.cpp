@@ -121,7 +121,7 @@ void Framebuffer::detach(Renderbuffer* poBuffer, unsigned int colorIndex) {
     ZLT_ENFORCE(poBuffer != NULL);
     requireBound(notBoundToDetach);
     requireIndexOf(*poBuffer, colorIndex);
-    // On purpose once: as the stencil it stays.
+    // Once: as the stencil it stays, and existing clients rely on it.
     ZLT_GL(glFramebufferRenderbufferEXT)
     (target(), colorIndex + poBuffer->attachment(), poBuffer->target(), 0);
 }

@@ -30,12 +30,12 @@ void Program::checked(const char* name, const Set& set) {
     if constexpr (row == Row::Scalar || row == Row::Matrix)
         checked<row>(location, set);
     else
-        set(location); // On purpose: arrays by name are not tested.
+        set(location); // Arrays by name are not tested: existing clients rely on it.
 }
 
 template <Program::Row row, class Set>
 void Program::unsafe(int location, const Set& set) {
-    // On purpose: arrays of floats are handed on.
+    // Arrays of floats are handed on: existing clients rely on it.
     if (row != Row::Floats && location == -1)
         return;
     set(location);
@@ -44,7 +44,7 @@ void Program::unsafe(int location, const Set& set) {
 template <Program::Row row, class Set>
 void Program::unsafe(const char* name, const Set& set) {
     const int location = getUniformLocation(name);
-    // On purpose: arrays of both kinds are handed on.
+    // Arrays of both kinds are handed on: existing clients rely on it.
     if ((row == Row::Scalar || row == Row::Matrix) && location == -1)
         return;
     set(location);
@@ -101,7 +101,7 @@ ZLT_UNIFORM(Floats, setUniform2, glUniform2fv, (int count, const float* values),
 ZLT_UNIFORM(Integers, setUniform3, glUniform3iv, (int count, const int* values), count, values)
 ZLT_UNIFORM(Floats, setUniform3, glUniform3fv, (int count, const float* values), count, values)
 ZLT_UNIFORM(Integers, setUniform4, glUniform4iv, (int count, const int* values), count, values)
-// On purpose three components for four.
+// Three components for four: existing clients rely on it.
 ZLT_UNIFORM(Floats, setUniform4, glUniform3fv, (int count, const float* values), count, values)
 
 } // namespace ZLT::OGL

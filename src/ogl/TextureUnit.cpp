@@ -48,7 +48,7 @@ void TextureUnit::Create(Context*) {
     for (unsigned int unit = 0; unit < count; ++unit)
         made.push_back(new (MemoryType(0), ZLT_SOURCE_FILE, __LINE__) TextureUnit(unit));
     nMaxTextureUnit_ = count;
-    // On purpose: the set can't shrink here, as it can below.
+    // The set can't shrink here, as it can below: existing clients rely on it.
     pavUnits_->resize(count, nullptr);
     pavUnits_->swap(made);
 }

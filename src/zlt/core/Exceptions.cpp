@@ -7,8 +7,8 @@
 
 namespace ZLT {
 
-// The standard allocator on purpose: an exception that a client keeps past the end of the core is not one of
-// the objects that it forgot to destroy.
+// The standard allocator, for the core's list of what is left: an exception that a client keeps past the end
+// of the core is not one of the objects that it forgot to destroy.
 struct ExceptionBase::Texts {
     std::string file;
     int line;
