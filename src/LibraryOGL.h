@@ -26,7 +26,8 @@ public:
     /// Whether it is started: true when all of initialize() has run.
     static bool isInitialized();
     /// Stops the library. Destroy all contexts and pop all layers before. The chains are destroyed first,
-    /// even if the call then fails.
+    /// even if the call then fails. A context that is left can be destroyed later, and is unknown to
+    /// ExtensionManager::Instance() until then.
     /// @throws InternalException as OpenGLInterceptor::destroy() does while a layer is installed,
     ///         "isInitialized_" when the library is not started, "ZLT::Core::Library::isInitialized()"
     ///         when the core is not

@@ -39,14 +39,19 @@ ExtensionManager* ExtensionManager::cachedNullExtMgrInstance = nullptr;
 bool ExtensionManager::answersWithoutContext_ = false;
 const ExtensionManager::InitOptions ExtensionManager::oInitOptions_;
 
-ExtensionManager::~ExtensionManager() = default;
+// Contexts that outlive it stay on record without a manager, so that their own end finds them.
+ExtensionManager::~ExtensionManager() {
+    for (auto& [context, manager] : perContextMap_)
+        if (manager == this)
+            manager = nullptr;
+}
 
 ExtensionManager* ExtensionManager::Instance() {
     const HGLRC context = wglGetCurrentContext();
     if (!context && answersWithoutContext_)
         return nullExtensionManager();
     PerContextMap::const_accessor entry;
-    if (!perContextMap_.find(entry, context)) [[unlikely]]
+    if (!perContextMap_.find(entry, context) || !entry->second) [[unlikely]]
         raiseUnknownContext();
     return entry->second;
 }
@@ -81,7 +86,7 @@ void ExtensionManager::RegisterContext(Context& context) {
 
 void ExtensionManager::file(HGLRC context, ExtensionManager* manager) {
     PerContextMap::accessor entry;
-    if (perContextMap_.insert(entry, context))
+    if (perContextMap_.insert(entry, context) || !entry->second)
         entry->second = manager;
 }
 

@@ -59,8 +59,8 @@ public:
     /// started, it is a manager that supports nothing and whose table is all null. Callable from any thread;
     /// each call makes one lookup, without allocation.
     /// @throws InternalException "currentContext either not created with ZLT::OGL" when the current context
-    ///         is not known to the library (wrap it in a ContextWrapped), or when none is current and the
-    ///         library is not started
+    ///         is not known to the library (wrap it in a ContextWrapped) or has outlived a stop of it, or
+    ///         when none is current and the library is not started
     static ExtensionManager* Instance();
 
     /// The entry points, null where the version or extension was not loaded or the driver had none. Lives as

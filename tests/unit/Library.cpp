@@ -2,6 +2,7 @@
 #include "StartedLibrary.h"
 #include "extensionator/OpenGLTracer.h"
 #include "extensionator/win/wglInterceptor.h"
+#include "ogl/ContextWrapped.h"
 #include "ogl/TextureUnit.h"
 
 #include <string>
@@ -133,6 +134,31 @@ TEST(LibraryTest, aLayerKeepsItFromStopping) {
     AutoInitializer(); // and stops it
     Core::Library::terminate();
     EXPECT_EQ(allocated, Core::allocationCount());
+}
+
+TEST(LibraryTest, aContextThatOutlivesItIsUnknownUntilItIsWrapped) {
+    const std::string unknown = "!currentContext either not created with ZLT::OGL";
+    const auto ask = [] { return failureOf([] { ExtensionManager::Instance()->majorVersion(); }); };
+    for (const bool wraps : {false, true}) {
+        FakeWindowSystem system;
+        Core::Library::initialize();
+        start();
+        const Context* old = new ContextOffscreen;
+        old->makeCurrent();
+        OGL::Library::terminate();
+        EXPECT_EQ(unknown, ask());
+        start();
+        EXPECT_EQ(unknown, ask());
+        if (wraps) {
+            const ContextWrapped again;
+            EXPECT_EQ("", ask());
+        }
+        // The one that ends first takes the record along.
+        EXPECT_EQ(wraps ? "!found" : "", failureOf([&] { delete old; }));
+        releaseOGLContext();
+        OGL::Library::terminate();
+        Core::Library::terminate();
+    }
 }
 
 TEST(LibraryTest, theOlderRouteLeavesManagersAndChainsToTheNextStop) {
