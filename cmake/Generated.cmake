@@ -1,7 +1,7 @@
 # Runs the generator over tables/ and lists what it writes.
 #   zlt_generated_headers   for clients, below ${zlt_generated}/include
 #   zlt_generated_sources   of the library, below ${zlt_generated}/src
-#   zlt_generated_tests     rows for the fake driver, the sweeps and examples/oglinfo, below ${zlt_generated}/tests
+#   zlt_generated_tests     rows for the fake driver and the sweeps, below ${zlt_generated}/tests
 set(zlt_generated ${PROJECT_BINARY_DIR}/generated)
 set(zlt_tables ${PROJECT_SOURCE_DIR}/tables)
 
@@ -39,13 +39,10 @@ foreach(topic GL12to30 ARB EXT NV Vendors)
 endforeach()
 list(APPEND zlt_generated_sources ${zlt_generated}/src/extensionator/win/wglErrorCheckerEntries.cpp)
 set(zlt_generated_rows)
-foreach(name TokenRows EntryTable EntriesByType ExtensionNames ExtensionCases WglFunctions WglCases)
+foreach(name TokenRows EntryTable EntriesByType ExtensionNames ExtensionCases WglFunctions WglCases WglEntryPoints)
   list(APPEND zlt_generated_rows ${zlt_generated}/src/extensionator/${name}.inl)
 endforeach()
-set(zlt_generated_tests)
-foreach(name EntryPoints Extensions WglEntryPoints)
-  list(APPEND zlt_generated_tests ${zlt_generated}/tests/${name}.inl)
-endforeach()
+set(zlt_generated_tests ${zlt_generated}/tests/EntryPoints.inl)
 
 add_custom_command(
   OUTPUT ${zlt_generated_headers} ${zlt_generated_sources} ${zlt_generated_rows} ${zlt_generated_tests}

@@ -103,9 +103,7 @@ void emitTokenHeader(const std::vector<Token>& tokens, const std::filesystem::pa
 void emitTokens(const std::vector<Token>& tokens, const std::filesystem::path& directory);
 /// EntryPoints.inl: one macro call for each entry, for fakes and sweeps.
 void emitEntryRows(const std::vector<EntryPoint>& entries, const std::filesystem::path& directory);
-/// Extensions.inl: the same for extensions.
-void emitExtensionRows(const std::vector<Extension>& extensions, const std::filesystem::path& directory);
-/// WglEntryPoints.inl: the same for the functions of the WGL extensions.
+/// WglEntryPoints.inl: one macro call for each of the functions of the WGL extensions.
 void emitWglRows(const std::vector<WglFunction>& functions, const std::filesystem::path& directory);
 
 } // namespace generator

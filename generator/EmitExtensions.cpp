@@ -84,11 +84,4 @@ void emitExtensionLoading(const std::vector<Extension>& extensions, const std::v
     }
 }
 
-void emitExtensionRows(const std::vector<Extension>& extensions, const std::filesystem::path& directory) {
-    std::string rows = extensionNotice;
-    for (const Extension& extension : extensions)
-        rows += "ZLT_EXTENSION(" + extension.enumerator() + ", \"" + extension.name + "\")\n";
-    writeFile(directory / "Extensions.inl", rows);
-}
-
 } // namespace generator

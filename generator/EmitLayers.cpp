@@ -189,7 +189,7 @@ void emitForwarder(const std::vector<Topic>& topics, const std::filesystem::path
 }
 
 void emitWatchLayer(const std::vector<Topic>& topics, const std::filesystem::path& directory) {
-    emitSharedLayer(topics, directory, "OpenGLWatchLayer", "OpenGLWatchLayer.h", "watched", {});
+    emitSharedLayer(topics, directory, "OpenGLWatchLayer", "OpenGLWatcher.inl", "watched", {});
 }
 
 void emitErrorReporter(const std::vector<Topic>& topics, const std::filesystem::path& directory) {

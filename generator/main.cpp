@@ -53,8 +53,7 @@ void generate(const std::filesystem::path& tables, const std::filesystem::path& 
     emitTokens(tokens, sources);
     emitTokenHeader(tokens, headers);
     emitEntryRows(entries, output / "tests");
-    emitExtensionRows(extensions, output / "tests");
-    emitWglRows(wglFunctions, output / "tests");
+    emitWglRows(wglFunctions, sources);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "LibraryOGL.h"
 
+#include "extensionator/Managers.h"
 #include "extensionator/OpenGLInterceptor.h"
 #include "extensionator/win/wglInterceptor.h"
 #include "ogl/ContextOffscreen.h"
@@ -8,10 +9,8 @@
 #include "ogl/internal/ContextBootstrap.h"
 #include "zlt/core/Core.h"
 #include "zlt/core/Enforce.h"
-#include "zlt/core/memory/ZLTDeleter.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace ZLT::OGL {
 
@@ -21,23 +20,14 @@ Library::InitOptions Library::initOptions_;
 // What a start that failed has left behind, but for the managers of the devices, which are found again, and
 // the texture units, which are the client's to take down.
 void Library::clearFailedStart() {
-    destroyNullExtensionManager();
+    internal::Managers::pause();
     if (Context::isWglCreateContextAttribsSupportKnown_)
         Context::unInitializeWglCreateContextAttribsPtr();
 }
 
-void Library::createNullExtensionManager() {
-    ExtensionManager::cachedNullExtMgrInstance =
-        new (MemoryType(0), ZLT_SOURCE_FILE, __LINE__) ExtensionManager(nullptr);
-}
-
-void Library::destroyNullExtensionManager() {
-    ZLTDeleter<ExtensionManager>()(std::exchange(ExtensionManager::cachedNullExtMgrInstance, nullptr));
-}
-
 void Library::setInitialized(bool on) {
     isInitialized_ = on;
-    ExtensionManager::answersWithoutContext_ = on;
+    internal::Managers::answerWithoutContext(on);
 }
 
 void Library::initialize(const InitOptions& options) {
@@ -47,14 +37,14 @@ void Library::initialize(const InitOptions& options) {
     const ScopedContextWrapper restore;
     TextureUnit::initialize();
     clearFailedStart();
-    createNullExtensionManager();
+    internal::Managers::start(ZLT_SOURCE_FILE, __LINE__);
     unsigned int maxUnits = 0;
     for (std::size_t index = 0; index < Context::numDisplayDevice(); ++index) {
         DISPLAY_DEVICEA device = {};
         Context::displayDevice(index, device);
         internal::ContextBootstrap bootstrap(device);
         bootstrap.makeCurrent();
-        const ExtensionManager* extMan = ExtensionManager::Create(device);
+        const ExtensionManager* extMan = internal::Managers::make(device);
         ZLT_ASSERT(extMan);
         maxUnits = std::max(maxUnits, extMan->numberOfTextureUnits());
     }
@@ -69,7 +59,7 @@ void Library::initialize_DEPRECATED_2_5(Context* context, const ExtensionManager
     ZLT_ASSERT(Core::Library::isInitialized());
     TextureUnit::initialize();
     clearFailedStart();
-    createNullExtensionManager();
+    internal::Managers::start(ZLT_SOURCE_FILE, __LINE__);
     if (context) {
         context->makeCurrent();
         TextureUnit::Create(context);
@@ -96,10 +86,7 @@ void Library::terminate() {
     Context::unInitializeWglCreateContextAttribsPtr();
     TextureUnit::terminate();
     setInitialized(false);
-    for (ExtensionManager* manager : ExtensionManager::perDeviceEM_)
-        ZLTDeleter<ExtensionManager>()(manager);
-    ExtensionManager::perDeviceEM_.clear();
-    destroyNullExtensionManager();
+    internal::Managers::stop();
 }
 
 void Library::terminate_DEPRECATED_2_5() {
@@ -108,7 +95,7 @@ void Library::terminate_DEPRECATED_2_5() {
     if (TextureUnit::isInitialized())
         TextureUnit::Destroy();
     Context::unInitializeWglCreateContextAttribsPtr();
-    destroyNullExtensionManager();
+    internal::Managers::pause();
     TextureUnit::terminate();
     setInitialized(false);
 }

@@ -52,8 +52,6 @@ public:
 
 private:
     static void clearFailedStart();
-    static void createNullExtensionManager();
-    static void destroyNullExtensionManager();
     static void setInitialized(bool on);
 
     static bool isInitialized_;

@@ -9,6 +9,8 @@
 #include "extensionator/OpenGLWatcher.h"
 #include "extensionator/ScopedInterceptor.h"
 
+#include <GL/gl.h>
+
 #include <algorithm>
 #include <iostream>
 #include <vector>

@@ -23,6 +23,7 @@ struct DeviceReport {
     std::string vendorKind; // the library's
     std::string renderer;
     std::string version; // the driver's own text
+    std::string shadingLanguage;
     unsigned majorVersion = 0;
     unsigned minorVersion = 0;
     int releaseVersion = -1; // -1: none

@@ -24,6 +24,7 @@ void writeDevice(std::ostream& out, const DeviceReport& device) {
         << "  vendor:         " << device.vendor << " (" << device.vendorKind << ")\n"
         << "  renderer:       " << device.renderer << '\n'
         << "  driver says:    " << device.version << '\n'
+        << "  GLSL:           " << device.shadingLanguage << '\n'
         << "  version:        " << device.majorVersion << '.' << device.minorVersion << '\n'
         << "  release:        "
         << (device.releaseVersion < 0 ? std::string("none") : std::to_string(device.releaseVersion)) << '\n'
@@ -64,6 +65,7 @@ nlohmann::ordered_json jsonOf(const DeviceReport& device) {
         {"vendorKind", device.vendorKind},
         {"renderer", device.renderer},
         {"versionText", device.version},
+        {"shadingLanguageText", device.shadingLanguage},
         {"majorVersion", device.majorVersion},
         {"minorVersion", device.minorVersion},
         {"releaseVersion", device.releaseVersion < 0 ? nlohmann::ordered_json()

@@ -17,25 +17,12 @@ namespace ZLT::OGL {
 
 namespace {
 
-constexpr std::string_view extensionNames[] = {
-#include "extensionator/ExtensionNames.inl"
-};
-
 // As a stream extracts it. Without any text, `value` stays; 0 where another text stands than a number.
 template <class Number>
 void extract(const String& text, Number& value) {
     std::istringstream in{std::string(text)};
     in.imbue(std::locale::classic());
     in >> value;
-}
-
-// The value of the exact name; `kind` is what it must begin with. Those of a kind don't all stand together.
-teExtension valueOf(std::string_view name, std::string_view kind) {
-    if (!name.starts_with(kind))
-        return EXTENSION_NOT_FOUND;
-    const auto* const found = std::ranges::find(extensionNames, name);
-    return found == std::end(extensionNames) ? EXTENSION_NOT_FOUND
-                                             : teExtension(found - std::begin(extensionNames));
 }
 
 } // namespace
@@ -57,7 +44,7 @@ ExtensionManager::ExtensionManager(Context* context)
         vendor_ = VENDOR_INTEL;
     TokenizeVersionString(driverString(GL_VERSION), nMajorVersion_, nMinorVersion_, nReleaseVersion_,
                           additionalVersionInfo_);
-    const String extensions = driverExtensions(nMajorVersion_);
+    const String extensions = OGL::driverExtensions(nMajorVersion_);
 
     loadVersions();
     loadExtensions(extensions);
@@ -135,10 +122,6 @@ void ExtensionManager::TokenizeExtensionString(const String& extensions,
         begin = end;
     }
 }
-
-teExtension ExtensionManager::nameToEnumGL(const char* name) { return valueOf(name, "GL_"); }
-
-teExtension ExtensionManager::nameToEnumWGL(const char* name) { return valueOf(name, "WGL_"); }
 
 bool ExtensionManager::initializeGL(teExtension extension) {
     switch (extension) {

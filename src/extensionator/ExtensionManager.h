@@ -14,6 +14,9 @@
 namespace ZLT::OGL {
 
 class Context;
+namespace internal {
+class Managers;
+}
 
 /// Options of a start. Kept for clients that set them: neither changes what the library does.
 class ZLT_OGL_API StartOptions {
@@ -93,6 +96,48 @@ public:
     /// "GL_VERSION_2_0", or EXTENSION_NOT_FOUND. `name` must not be null.
     teExtension nameToEnumGL(const char* name);
 
+    /// @name What is known, and what the driver has of it
+    /// By number is by teExtension, by name is "GL_VERSION_2_0", "GL_ARB_multitexture", "WGL_ARB_pbuffer".
+    ///
+    ///     const ExtensionManager& manager = *ExtensionManager::Instance();
+    ///     for (const String& name : manager.driverExtensions())
+    ///         if (!manager.isSupported(name.c_str()))
+    ///             for (const String& function :
+    ///             manager.missingEntryPoints(manager.extensionByName(name.c_str())))
+    ///                 std::cerr << name << " lacks " << function << '\n';
+    /// @{
+
+    /// All versions and extensions that the library knows, in the order of their values. Needs no context.
+    static std::vector<teExtension> knownExtensions();
+    /// The name, a constant that lives as long as the library; null for a value that is none. Needs no
+    /// context.
+    static const char* extensionName(teExtension extension);
+    /// The value of the GL or WGL version or extension of exactly this name, or EXTENSION_NOT_FOUND, for null
+    /// too. Needs no context.
+    static teExtension extensionByName(const char* name);
+    /// As isSupported() of the value; false for a name that is not known and for null.
+    bool isSupported(const char* name) const;
+    /// Whether the driver has all of this version of GL: (2, 1). True for 1.1 and before with any driver,
+    /// false for a version after 3.0, which the library does not know.
+    bool isVersionSupported(unsigned int major, unsigned int minor) const;
+    /// What isSupported() is true for, in the order of the values.
+    std::vector<teExtension> supportedExtensions() const;
+    /// The functions of the version or extension that have no address: "glGenBuffersARB". All of them, where
+    /// the driver did not name it. Those of WGL are looked for in the `_wcgm` pointers of the process.
+    std::vector<String> missingEntryPoints(teExtension extension) const;
+
+    /// The driver's own strings. A context of this manager must be current; empty where the driver gives
+    /// none.
+    String driverVendor() const;
+    String driverRenderer() const;
+    String driverVersion() const;
+    /// Empty before GLSL.
+    String driverShadingLanguageVersion() const;
+    /// All names that the driver gives, known or not: those of GL, then those of WGL. A context of this
+    /// manager must be current.
+    std::vector<String> driverExtensions() const;
+    /// @}
+
     /// The options with which the managers are made: the default ones.
     static const InitOptions& initOptions();
 
@@ -134,23 +179,10 @@ public:
     /// @}
 
 private:
-    // Managers are made and kept by the library itself, one thread at a time.
-    friend class Context;
-    friend class ContextOffscreen;
-    friend class ContextWindowed;
-    friend class ContextWrapped;
-    friend class Library;
+    friend class internal::Managers; // which makes and keeps them
 
     // Reads the driver of `context`, which is left current. With null: the manager that supports nothing.
     explicit ExtensionManager(Context* context);
-    // The manager of the device, made if there is none yet.
-    static ExtensionManager* Create(const DISPLAY_DEVICEA& device);
-    // Files the context's handle under the manager of its device.
-    static void RegisterContext(Context& context);
-    // Does nothing if it is filed already.
-    static void file(HGLRC context, ExtensionManager* manager);
-    static void UnRegisterContext(Context& context);
-    static ExtensionManager* nullExtensionManager();
 
     static void TokenizeVersionString(const String& version, unsigned int& major, unsigned int& minor,
                                       int& release, String& additional);
@@ -168,10 +200,6 @@ private:
     bool testFloatFiltering();
     bool testFiltering(unsigned int internalFormat);
 
-    static std::vector<ExtensionManager*> perDeviceEM_; // owns them, in order of creation
-    static ExtensionManager* cachedNullExtMgrInstance;  // while the library is started
-    // Set by Library, which is a floor above: a start that failed leaves the instance, but not this.
-    static bool answersWithoutContext_;
     static const InitOptions oInitOptions_;
 
     std::set<teExtension, std::less<>, ZLTAllocator<teExtension>> extensions_;

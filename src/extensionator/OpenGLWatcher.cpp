@@ -1,6 +1,6 @@
 #include "extensionator/OpenGLWatcher.h"
 
-#include "extensionator/OpenGLWatchLayer.h"
+#include "extensionator/OpenGLWatcher.inl"
 
 namespace ZLT::OGL {
 

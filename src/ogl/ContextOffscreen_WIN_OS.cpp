@@ -1,6 +1,6 @@
 #include "ogl/ContextOffscreen.h"
 
-#include "extensionator/ExtensionManager.h"
+#include "extensionator/Managers.h"
 #include "ogl/BufferFormat.h"
 #include "ogl/internal/WindowOwner.h"
 #include "zlt/core/Enforce.h"
@@ -25,7 +25,7 @@ void ContextOffscreen::create(const DISPLAY_DEVICEA& display, const Context* sha
     displayDevice_ = display;
     initialize(GetDC(window.window()), BufferFormat(BufferFormat::RGB8), eSingleBuffered, eNoMultisample,
                share);
-    ExtensionManager::RegisterContext(*this);
+    internal::Managers::enter(*this);
     registerSharedContext(share);
     window_ = window.release();
 }

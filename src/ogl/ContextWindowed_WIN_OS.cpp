@@ -1,7 +1,7 @@
 #include "ogl/ContextWindowed.h"
 
-#include "extensionator/ExtensionManager.h"
 #include "extensionator/Load.h"
+#include "extensionator/Managers.h"
 #include "extensionator/win/WglFunctions.h"
 #include "zlt/core/Enforce.h"
 
@@ -23,7 +23,7 @@ ContextWindowed::ContextWindowed(HWND window, const BufferFormat& format, teBuff
                                  teMultisample multisample, const Context* share) {
     displayDevice_ = displayDeviceFromWindow(window);
     initialize(GetDC(window), format, buffering, multisample, share);
-    ExtensionManager::RegisterContext(*this);
+    internal::Managers::enter(*this);
     registerSharedContext(share);
 }
 

@@ -1,6 +1,6 @@
 #include "ogl/ContextWrapped.h"
 
-#include "extensionator/ExtensionManager.h"
+#include "extensionator/Managers.h"
 #include "extensionator/ReporterThread.h"
 #include "zlt/core/Enforce.h"
 #include "zlt/core/Exceptions.h"
@@ -30,7 +30,7 @@ void ContextWrapped::adopt(HWND window) {
         displayDevice_ = displayDeviceFromWindow(window);
     else
         Context::displayDevice(primaryDisplayIndex(), displayDevice_);
-    ExtensionManager::RegisterContext(*this);
+    internal::Managers::enter(*this);
     Detail::noticeContextChange();
     _registerContextWrapped(this);
 }

@@ -1,5 +1,6 @@
 #include "extensionator/ExtensionManager.h"
 #include "extensionator/Load.h"
+#include "extensionator/Managers.h"
 #include "extensionator/ReporterThread.h"
 #include "ogl/BufferFormat.h"
 #include "ogl/Context.h"
@@ -105,7 +106,7 @@ void Context::initializeExtensions() {
 
 void Context::unregisterWithExtensionMgr() {
     if (renderContext_)
-        ExtensionManager::UnRegisterContext(*this);
+        internal::Managers::leave(*this);
 }
 
 void releaseOGLContext() {

@@ -1,6 +1,6 @@
 // Whether textures of floats can be filtered linearly, which no extension tells.
 
-#include "extensionator/ExtensionManager.h"
+#include "extensionator/Managers.h"
 
 #include "extensionator/TextureState.h"
 #include "ogl/ContextOffscreen.h"
@@ -87,7 +87,7 @@ bool ExtensionManager::testFiltering(unsigned int internalFormat) {
     struct PutBack {
         HGLRC context = Context::currentContext();
         ExtensionManager* manager = Instance();
-        ~PutBack() { file(context, manager); }
+        ~PutBack() { internal::Managers::enter(context, manager); }
     };
     const PutBack clientEntry;
     const ContextWrapped client;

@@ -2,9 +2,13 @@
 
 #include "ExceptionOGL.h"
 #include "StartedDriver.h"
-#include "extensionator/OpenGLInterceptor.h"
+#include "extensionator/ExtensionManager.h"
+#include "extensionator/OpenGLErrorReporter.h"
 #include "extensionator/OpenGLTracer.h"
+#include "extensionator/ScopedInterceptor.h"
 
+#include <algorithm>
+#include <cstdlib>
 #include <sstream>
 
 using namespace ZLT::OGL;
@@ -77,4 +81,49 @@ TEST_F(ChainDriverTest, whatIsTracedIsDrawn) {
     EXPECT_EQ(pixelAt(6, 1), black);
     EXPECT_NE(trace.str().find(": glColor3ub(\xFF, "), std::string::npos);
     EXPECT_NE(trace.str().find(": glRectf(makeFloat(-1082130432) /* -1 */, "), std::string::npos);
+}
+
+// ZLT_MESSAGES is "no" where the driver's own messages are hidden from it.
+TEST_F(ChainDriverTest, theReporterSaysWhatTheDriverSaysAndWhoRaisedAnError) {
+    const char* setting = std::getenv("ZLT_MESSAGES");
+    const bool hidden = setting && std::string(setting) == "no";
+    const ExtensionManager& manager = *ExtensionManager::Instance();
+    const auto names = manager.driverExtensions();
+    const bool speaks =
+        std::ranges::count(names, "GL_KHR_debug") || std::ranges::count(names, "GL_ARB_debug_output");
+    EXPECT_FALSE(hidden && speaks);
+    std::ostringstream text;
+    const auto newText = [&] {
+        const std::string told = text.str();
+        text.str("");
+        return told;
+    };
+    glEnable(GL_FOG_MODE); // nobody asked yet
+    OpenGLErrorReporter reporter(text);
+    const ScopedInterceptor installed(reporter);
+    CGM(Finish);
+    EXPECT_NE(newText().find(": warning: GL_INVALID_ENUM raised before this call, outside the chain\n"),
+              std::string::npos);
+
+    CGM(Enable, 0xDEAD);
+    const std::string told = newText();
+    EXPECT_NE(told.find(": error: GL_INVALID_ENUM in glEnable(0xDEAD)\n"), std::string::npos) << told;
+    EXPECT_EQ(speaks, told.find(": note: the driver says: ") != std::string::npos) << told;
+    EXPECT_EQ(GLenum(GL_INVALID_ENUM), CGM(GetError));
+    CGM(Finish);
+    EXPECT_EQ("", newText());
+    if (!speaks)
+        return;
+
+    glEnable(GL_FOG_MODE); // between two calls
+    CGM(Finish);
+    EXPECT_NE(newText().find(": warning: GL_INVALID_ENUM raised before this call, outside the chain\n"),
+              std::string::npos);
+    reporter.setMessageFilter([](const OpenGLDriverMessage& message) { return !message.text.empty(); });
+    const GLuint shader = CGM(CreateShader, GL_VERTEX_SHADER);
+    const GLchar* source = "nonsense";
+    CGM(ShaderSource, shader, 1, &source, nullptr);
+    CGM(CompileShader, shader);
+    CGM(DeleteShader, shader);
+    EXPECT_NE(newText().find(" says: 0:1"), std::string::npos) << "the shader compiler speaks too";
 }

@@ -1,7 +1,10 @@
 #include "StartedLibrary.h"
 #include "extensionator/OpenGLErrorChecker.h"
+#include "extensionator/OpenGLErrorReporter.h"
+#include "extensionator/OpenGLForwarder.h"
 #include "extensionator/OpenGLRekorder.h"
 #include "extensionator/OpenGLTracer.h"
+#include "extensionator/OpenGLWatcher.h"
 
 #include <gtest/gtest.h>
 
@@ -29,7 +32,7 @@ struct FixedBuffer : std::streambuf {
     char text[4096];
 };
 
-TEST(AllocationTest, aTracedOrRecordedAndCheckedCallMakesNone) {
+TEST(AllocationTest, aCallThroughAnyLayerMakesNone) {
     const ZLT::OGL::LibraryWithAllOfGL library;
     FakeGL::setRecording(false);
     ZLT::OGL::OpenGLErrorChecker checker;
@@ -37,6 +40,12 @@ TEST(AllocationTest, aTracedOrRecordedAndCheckedCallMakesNone) {
     std::ostream traceOut(&trace), textOut(&text), dataOut(&data);
     ZLT::OGL::OpenGLTracer tracer(traceOut, &checker);
     ZLT::OGL::OpenGLRekorder recorder(textOut, dataOut, &checker, true);
+    ZLT::OGL::OpenGLForwarder forwarder(&checker);
+    ZLT::OGL::OpenGLErrorReporter reporter(&forwarder);
+    struct Watcher : ZLT::OGL::OpenGLWatcher {
+    } watcher;
+    watcher.layer().setInterceptor(&reporter);
+    reporter.cgmFinish("", 0); // it looks at the thread once
     const char name[] = "a name that is too long for the short form of a string";
     const float matrix[16] = {};
     const int before = allocations;
@@ -44,7 +53,7 @@ TEST(AllocationTest, aTracedOrRecordedAndCheckedCallMakesNone) {
     ASSERT_EQ(before + 1, allocations) << "the count works";
 
     for (ZLT::OGL::OpenGLInterceptor* gl :
-         std::initializer_list<ZLT::OGL::OpenGLInterceptor*>{&tracer, &recorder}) {
+         std::initializer_list<ZLT::OGL::OpenGLInterceptor*>{&tracer, &recorder, &watcher.layer()}) {
         gl->cgmBindTexture(name, 1, 0x0DE1, 5);
         gl->cgmColor4f(name, 2, 0.1f, -1e10f, 3e-20f, 1);
         gl->cgmVertex2d(name, 3, 1.0 / 3, 1e-300);

@@ -1,6 +1,7 @@
 #include "FakeGL.h"
 #include "extensionator/OpenGLErrorChecker.h"
 #include "extensionator/OpenGLTracer.h"
+#include "extensionator/ScopedInterceptor.h"
 #include "extensionator/win/wglErrorChecker.h"
 #include "extensionator/win/wglRekorder.h"
 #include "zlt/core/Exceptions.h"
@@ -19,6 +20,7 @@ namespace {
 struct GL {
     using Interceptor = OpenGLInterceptor;
     using Checker = OpenGLErrorChecker;
+    using Scoped = ScopedInterceptor;
     struct Layer : OpenGLTracer {
         explicit Layer(std::ostream& text, Interceptor* next = nullptr) : OpenGLTracer(text, next) {}
     };
@@ -30,6 +32,7 @@ struct GL {
 struct WGL {
     using Interceptor = wglInterceptor;
     using Checker = wglErrorChecker;
+    using Scoped = wglScopedInterceptor;
     struct Layer : wglRekorder {
         explicit Layer(std::ostream& text, Interceptor* next = nullptr)
             : wglRekorder(text, text, nullptr, next, false) {}
@@ -111,6 +114,36 @@ TYPED_TEST(ChainTest, layersAreStackedAndGivenBackAndTheCheckerStaysUnderThem) {
     EXPECT_EQ(&layer, Interceptor::Instance()->popInterceptor());
     EXPECT_EQ(nullptr, Interceptor::Instance()->popInterceptor());
     EXPECT_EQ(checker, Interceptor::Instance());
+}
+
+TYPED_TEST(ChainTest, aScopeTakesItsLayerOutWhereverItIs) {
+    using Scoped = typename TypeParam::Scoped;
+    using Interceptor = typename TypeParam::Interceptor;
+    auto &layer = this->layer, &second = this->second;
+    EXPECT_FALSE(Scoped::isInstalled(layer));
+    EXPECT_FALSE(Scoped::remove(layer));
+    {
+        const Scoped first(layer);
+        {
+            const Scoped again(layer), above(second);
+            EXPECT_TRUE(Scoped::isInstalled(layer) && Scoped::isInstalled(second));
+        }
+        EXPECT_TRUE(Scoped::isInstalled(layer)) << "it was there before the inner scope";
+        Interceptor::Instance()->addInterceptor(&second);
+    }
+    this->text.str("");
+    this->secondText.str("");
+    EXPECT_FALSE(Scoped::isInstalled(layer)) << "out from under the other";
+    EXPECT_EQ(&second, Interceptor::Instance());
+    TypeParam::call(*Interceptor::Instance());
+    EXPECT_EQ("", this->text.str());
+    EXPECT_EQ(TypeParam::text, this->secondText.str());
+    {
+        const Scoped scope(layer);
+        EXPECT_TRUE(Scoped::remove(layer));
+    }
+    EXPECT_TRUE(Scoped::remove(second));
+    EXPECT_EQ(nullptr, Interceptor::Instance()->popInterceptor());
 }
 
 TYPED_TEST(ChainTest, aLayerOnAnEmptyChainEndsInNothing) {

@@ -33,7 +33,7 @@ const std::vector<std::vector<std::string>> floors = {
 
 // A manager reads its driver on a context, and a context registers with the manager of its device: each needs
 // the other by nature, and their headers don't.
-const Names knot = {"extensionator/ExtensionManager", "ogl/Context", "ogl/internal/ContextBootstrap"};
+const Names knot = {"extensionator/Managers", "ogl/Context", "ogl/internal/ContextBootstrap"};
 
 int floorOf(const std::string& file) {
     int found = -1;

@@ -269,7 +269,7 @@ const Addition additions[] = {
      place(entryPoints, 1835) + "the name 'Begin' stands twice"},
 };
 
-TEST(Table, TakesWhatIsNewAtItsEndAlone) {
+TEST(TableTest, takesWhatIsNewAtItsEndAlone) {
     for (const Addition& addition : additions) {
         SCOPED_TRACE(addition.name);
         Rows extensionRows = readRows(extensions), entryRows = readRows(entryPoints);
@@ -307,7 +307,7 @@ const Change changes[] = {
      "857 functions without pointers instead of 856, 909 functions that leave a marker instead of 910"},
 };
 
-TEST(Table, TheRecorderSaysWhichCountDiffersFromTheDocumentedOne) {
+TEST(TableTest, theRecorderSaysWhichCountDiffersFromTheDocumentedOne) {
     std::istringstream extensionRows = streamOf(readRows(extensions)),
                        entryRows = streamOf(readRows(entryPoints));
     const std::vector<EntryPoint> entries = readEntryPoints(entryRows, readExtensions(extensionRows));

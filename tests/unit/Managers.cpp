@@ -13,6 +13,8 @@
 
 using namespace ZLT::OGL;
 using EM = ExtensionManager;
+using testing::ElementsAre;
+using testing::IsEmpty;
 
 namespace {
 
@@ -95,6 +97,9 @@ TEST(ManagerTest, everyNameHasItsValueAndIsSupportedWhenNamed) {
         EXPECT_EQ(ofWgl ? EXTENSION_NOT_FOUND : teExtension(value),
                   manager.nameToEnumGL(names[value].c_str()));
         EXPECT_TRUE(manager.isSupported(teExtension(value))) << names[value];
+        EXPECT_TRUE(manager.isSupported(names[value].c_str()));
+        EXPECT_EQ(names[value], EM::extensionName(teExtension(value)));
+        EXPECT_THAT(manager.missingEntryPoints(teExtension(value)), IsEmpty()) << names[value];
         EXPECT_EQ(!ofWgl, manager.initializeGL(teExtension(value)));
         EXPECT_TRUE(manager.initialize(teExtension(value)));
     }
@@ -104,7 +109,11 @@ TEST(ManagerTest, everyNameHasItsValueAndIsSupportedWhenNamed) {
     for (const int value : {368, 415, 416, 417, -1}) {
         EXPECT_FALSE(manager.isSupported(teExtension(value)));
         EXPECT_FALSE(manager.initialize(teExtension(value)));
+        EXPECT_EQ(nullptr, EM::extensionName(teExtension(value)));
+        EXPECT_THAT(manager.missingEntryPoints(teExtension(value)), IsEmpty());
     }
+    EXPECT_EQ(EM::knownExtensions(), manager.supportedExtensions());
+    EXPECT_EQ(EXTENSION_NOT_FOUND, EM::extensionByName(nullptr));
     // The pointers, by the values that the driver gave.
     EXPECT_EQ(driver.functions.at("wglSetStereoEmitterState3DL"),
               at<PROC>(std::intptr_t(_wcgmSetStereoEmitterState3DL)));
@@ -132,6 +141,16 @@ TEST(ManagerTest, oneMissingFunctionLeavesOutItsExtensionAlone) {
              {OPEN_GL_1_2, GL_ARB_MULTITEXTURE, WGL_EXT_SWAP_CONTROL, GL_SGIX_SPRITE})
             EXPECT_FALSE(manager.isSupported(left)) << left;
         EXPECT_EQ(nullptr, table.glActiveTextureARB);
+        EXPECT_THAT(manager.missingEntryPoints(GL_ARB_MULTITEXTURE), ElementsAre("glActiveTextureARB"));
+        EXPECT_THAT(manager.missingEntryPoints(OPEN_GL_1_2), ElementsAre("glTexImage3D"));
+        EXPECT_THAT(manager.missingEntryPoints(WGL_EXT_SWAP_CONTROL), ElementsAre("wglSwapIntervalEXT"));
+        EXPECT_TRUE(manager.isVersionSupported(1, 1) && manager.isVersionSupported(1, 3));
+        EXPECT_FALSE(manager.isVersionSupported(1, 2) || manager.isVersionSupported(3, 1));
+        EXPECT_EQ("1.3", manager.driverVersion());
+        EXPECT_EQ("", manager.driverShadingLanguageVersion());
+        EXPECT_THAT(manager.driverExtensions(),
+                    ElementsAre("GL_EXT_fog_coord", "GL_ARB_multitexture", "GL_SGIX_sprite_", "GL_EXT_abgr",
+                                "WGL_EXT_swap_control", "WGL_EXT_multisample"));
         EXPECT_NE(nullptr, table.glMultiTexCoord4svARB)
             << "loading goes on behind a function that is missing";
         EXPECT_EQ(nullptr, _wcgmSwapIntervalEXT);

@@ -14,7 +14,8 @@ namespace ZLT {
 namespace ZLT::OGL {
 
 void ExtensionManager::loadWglExtensions() {
-    // WGL_EXT_extensions_string is not tried in its place, on purpose.
+    // WGL_EXT_extensions_string is not tried in its place: clients know a driver without the ARB one as one
+    // without WGL extensions.
     if (!initializeWGL(WGL_ARB_EXTENSIONS_STRING))
         return;
     const char* text = _wcgmGetExtensionsStringARB(wglGetCurrentDC());

@@ -20,7 +20,7 @@ wglRekorder::wglRekorder(std::ostream& text, std::ostream& data, HDC device, wgl
 
 wglRekorder::~wglRekorder() = default;
 
-// Without casts and "0x", unlike every other handle, on purpose.
+// Without casts and "0x", unlike every other handle: replays are written for it.
 BOOL wglRekorder::wcgmCopyContext(const char* file, unsigned int line, HGLRC source, HGLRC destination,
                                   UINT mask) {
     *outputStream_ << "wglCopyContext(" << Pointer(source) << comma << Pointer(destination) << comma
