@@ -11,12 +11,13 @@
 #include <set>
 #include <vector>
 
+namespace ZLT::OGL::internal {
+class Managers;
+}
+
 namespace ZLT::OGL {
 
 class Context;
-namespace internal {
-class Managers;
-}
 
 /// Options of a start. Kept for clients that set them: neither changes what the library does.
 class ZLT_OGL_API StartOptions {

@@ -107,6 +107,7 @@ struct OpenGLErrorReporter::State : Detail::MessageReceiver {
     std::map<std::tuple<String, unsigned int, std::string_view, int, String>, std::size_t, std::less<>> known;
     std::vector<OpenGLErrorTotal> totals;
     std::atomic<unsigned long long> errors = 0;
+    bool finished = false; // and nothing was told since
 
     std::mutex lock;
     std::map<HGLRC, KnownContext> contexts;
@@ -115,6 +116,7 @@ struct OpenGLErrorReporter::State : Detail::MessageReceiver {
 
 void OpenGLErrorReporter::State::tell(OpenGLErrorReport report) {
     const std::lock_guard guard(tellLock);
+    finished = false;
     const bool isMessage = report.kind == OpenGLErrorReport::Kind::DriverMessage;
     if (!isMessage)
         errors.fetch_add(1, std::memory_order_relaxed);
@@ -197,7 +199,8 @@ OpenGLErrorReporter::OpenGLErrorReporter(std::ostream& out, OpenGLInterceptor* n
 
 OpenGLErrorReporter::~OpenGLErrorReporter() {
     try {
-        finish();
+        if (!state_->finished)
+            finish();
         if (reporterThread.settledFor == serial_ && wglGetCurrentContext())
             Detail::stopListening();
     } catch (...) { // NOLINT(bugprone-empty-catch): a sink's exception has nowhere to go
@@ -220,6 +223,7 @@ void OpenGLErrorReporter::finish() {
     const std::lock_guard guard(state_->tellLock);
     const std::vector<OpenGLErrorTotal> totals = std::exchange(state_->totals, {});
     state_->known.clear();
+    state_->finished = true;
     const auto told = state_->sinks;
     for (const std::shared_ptr<OpenGLErrorSink>& sink : told)
         sink->finish(totals);

@@ -57,7 +57,8 @@ public:
     /// Reports as lines of text.
     /// @param out  not owned; must live as long as the reporter
     ZLT_OGL_API explicit OpenGLErrorReporter(std::ostream& out, OpenGLInterceptor* next = nullptr);
-    /// Finishes, and takes the driver's messages of the current context no more. Take the layer off first.
+    /// Finishes, unless that was done and nothing was reported since, and takes the driver's messages of the
+    /// current context no more. Take the layer off first.
     ZLT_OGL_API ~OpenGLErrorReporter() override;
 
     /// Reports to `sink` as well. Not while another thread is in a call.

@@ -6,11 +6,7 @@
 #include <concepts>
 #include <type_traits>
 
-namespace ZLT::OGL {
-
-class Shader;
-
-namespace internal {
+namespace ZLT::OGL::internal {
 
 template <class... Values>
 inline constexpr bool isScalarArray = false;
@@ -21,7 +17,11 @@ inline constexpr bool isScalarArray<Count, T*> =
 template <class... Values>
 concept PointerAsBoolean = (std::is_pointer_v<Values> || ...) && !isScalarArray<Values...>;
 
-} // namespace internal
+} // namespace ZLT::OGL::internal
+
+namespace ZLT::OGL {
+
+class Shader;
 
 /// A GLSL program of OpenGL 2.0, and its uniforms.
 ///

@@ -100,6 +100,7 @@ protected:
         return told;
     }
 
+    std::ostringstream out;
     OpenGLErrorReporter reporter{text};
     ScopedInterceptor installed{reporter};
 };
@@ -260,7 +261,6 @@ TEST_F(ReporterTest, whatTheLibraryRefusesIsReportedAndOtherExceptionsPass) {
 
 // What the published schema of SARIF 2.1.0 requires, and what viewers need.
 TEST_F(ReporterTest, theSarifLogHasWhatItsSchemaRequires) {
-    std::ostringstream out;
     reporter.addSink(std::make_shared<OpenGLSarifSink>(out));
     std::vector<std::string> heard;
     reporter.addSink(std::make_shared<OpenGLCallbackSink>(
