@@ -28,6 +28,7 @@ set(public_headers
   InternalWindow.h
   LibraryOGL.h
   extensionator/ExtensionManager.h
+  extensionator/InterceptCall.h
   extensionator/OpenGLCall.h
   extensionator/OpenGLErrorChecker.h
   extensionator/OpenGLErrorReporter.h

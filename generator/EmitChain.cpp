@@ -19,6 +19,14 @@ std::vector<std::string> glArguments(const EntryPoint& entry) {
     return parts;
 }
 
+// A pointer to void takes any pointer by itself, others need a cast.
+bool takesTypedPointer(const EntryPoint& entry) {
+    return std::ranges::any_of(entry.parameters, [](const Parameter& parameter) {
+        const Type& type = parameter.type;
+        return type.pointer && type.plain != "void*" && type.plain != "const void*";
+    });
+}
+
 } // namespace
 
 void emitDeclarations(const std::vector<EntryPoint>& entries, const std::filesystem::path& directory) {
@@ -62,8 +70,9 @@ void emitInterceptMacros(const std::vector<EntryPoint>& entries, const std::file
 /// @file
 /// Sends the GL calls of an existing program through the chain: compile its sources again with this header in
 /// front (`-include extensionator/gl_intercept.h`), or include it after the GL headers. Each `glName(...)`
-/// then stands for the `cgm` entry of that name with the file and line of the call. The calls are C++, and a
-/// GL error is an exception. What is not a call (an address such as `&glFlush`) still means GL itself.
+/// then stands for the `cgm` entry of that name with the file and line of the call. The calls are C++, of 2011
+/// or later, and a GL error is an exception. What is not a call (an address such as `&glFlush`) still means GL
+/// itself.
 ///
 /// The macros take every name that is followed by an opening bracket. So all headers that declare GL functions
 /// or call them inline, and sources that call members of these names (`table().glUniform1i(...)`), come
@@ -77,33 +86,20 @@ void emitInterceptMacros(const std::vector<EntryPoint>& entries, const std::file
 // The GL headers come first: their declarations must not meet the macros.
 #include "platform/GL.h"
 
-#include "extensionator/OpenGLInterceptor.h"
+#include "extensionator/InterceptCall.h"
 
 )";
     for (const EntryPoint& entry : entries) {
-        std::vector<std::string> names;
-        std::vector<std::string> arguments = {"__FILE__", "__LINE__"};
-        for (const Parameter& parameter : entry.parameters) {
-            names.push_back(parameter.name);
-            // The cast accepts what a C compiler does, a void* for any pointer, and either spelling where GL
-            // headers differ: a const inside a pointer to pointers, two names of the 64-bit integers.
-            const std::string& plain = parameter.type.plain;
-            const bool typed = parameter.type.pointer && plain != "void*" && plain != "const void*";
-            arguments.push_back(typed ? "(" + plain + ")(" + parameter.name + ")" : parameter.name);
-        }
-        std::string head = list(0, "#define gl" + entry.name + "(", names, ") \\\n");
-        std::string body =
-            list(4, "::ZLT::OGL::OpenGLInterceptor::Instance()->cgm" + entry.name + "(", arguments, ")");
-        // A line end inside a macro needs its backslash.
-        for (std::string* part : {&head, &body}) {
-            for (std::string::size_type at = 0; (at = part->find('\n', at)) != std::string::npos; ++at)
-                if (at > 0 && (*part)[at - 1] != '\\') {
-                    part->insert(at, " \\");
-                    at += 2;
-                }
-        }
-        text += "#undef gl" + entry.name + '\n';
-        text += head + body + '\n';
+        // The arguments stay together, since one of them may be a macro that stands for several.
+        const bool none = entry.parameters.empty();
+        text +=
+            "#undef gl" + entry.name + "\n#define gl" + entry.name + (none ? "()" : "(...)") + " \\\n    ";
+        if (takesTypedPointer(entry))
+            text += "::ZLT::OGL::Intercept::call(&::ZLT::OGL::OpenGLInterceptor::cgm" + entry.name +
+                    ", __FILE__, __LINE__)(__VA_ARGS__)\n";
+        else
+            text += "::ZLT::OGL::OpenGLInterceptor::Instance()->cgm" + entry.name +
+                    (none ? "(__FILE__, __LINE__)\n" : "(__FILE__, __LINE__, __VA_ARGS__)\n");
     }
     writeFile(directory / "gl_intercept.h", text);
 }

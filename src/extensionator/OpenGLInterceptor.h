@@ -7,7 +7,9 @@
 
 struct __GLsync; // NOLINT(bugprone-reserved-identifier): GL's own name
 
-namespace ZLT::OGL {
+// Old programs see this header, by gl_intercept.h: it keeps to C++11.
+namespace ZLT {
+namespace OGL {
 
 class OpenGLInterceptorDecorator;
 
@@ -60,9 +62,15 @@ protected:
     OpenGLInterceptor();
 };
 
-} // namespace ZLT::OGL
+} // namespace OGL
+} // namespace ZLT
 
 /// Calls `gl<name>` through the chain, with the file and line of this place:
 /// `CGM(Clear, GL_COLOR_BUFFER_BIT)`, `CGM(Finish)`.
+#if __cplusplus >= 202002L
 #define CGM(name, ...)                                                                                       \
     (::ZLT::OGL::OpenGLInterceptor::Instance()->cgm##name(__FILE__, __LINE__ __VA_OPT__(, ) __VA_ARGS__))
+#else
+#define CGM(name, ...)                                                                                       \
+    (::ZLT::OGL::OpenGLInterceptor::Instance()->cgm##name(__FILE__, __LINE__, ##__VA_ARGS__))
+#endif

@@ -11,7 +11,11 @@ static struct {
     GLenum target;
     GLuint textures[2];
     GLfloat vertices[2][3];
-} mesh = {GL_TEXTURE_2D, {7, 8}, {{0}}};
+} mesh = {GL_TEXTURE_2D, {7, 8}, {{0, 0, 0}, {1.5f, 2.5f, 3.5f}}};
+
+#define V3(p) p[0], p[1], p[2]
+#define NAMES(m) 2, m.textures
+#define TWICE(call) (call) + (call)
 
 // clang-format off
 // NOLINTBEGIN(modernize-use-nullptr)
@@ -28,6 +32,8 @@ static void drawFrame(void* memory, const char* const* sources)
     for (list = 0; list < 2; ++list) glVertex3fv(mesh.vertices[list]);
     glMultiDrawElements(GL_QUADS, (const GLint*)memory, GL_UNSIGNED_INT, (const void* const*)memory, 1);
     glShaderSource(5, 2, sources, NULL);
+    glNormal3f(V3(mesh.vertices[1])); glDeleteTextures(NAMES(mesh)); glGenTextures(1, memory);
+    list = TWICE(glGenLists(5)); if (list == 0) glFlush(); else glFinish();
     {
         void (APIENTRY *flush)(void) = glFlush;
         flush();
@@ -67,7 +73,13 @@ TEST(InterceptTest, aProgramGoesThroughTheChainAsItStands) {
                           {"glVertex3fv", {mesh.vertices[0]}},
                           {"glVertex3fv", {mesh.vertices[1]}},
                           {"glMultiDrawElements", {0x0007u, numbers, 0x1405u, numbers, 1}},
-                          {"glShaderSource", {5u, 2, sources, null}}};
+                          {"glShaderSource", {5u, 2, sources, null}},
+                          {"glNormal3f", {1.5f, 2.5f, 3.5f}},
+                          {"glDeleteTextures", {2, mesh.textures}},
+                          {"glGenTextures", {1, numbers}},
+                          {"glGenLists", {5}},
+                          {"glGenLists", {5}},
+                          {"glFinish", {}}};
     std::vector<Call> expected;
     for (const Call& call : calls)
         expected.insert(expected.end(), {call, getError});
