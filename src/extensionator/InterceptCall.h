@@ -15,8 +15,10 @@ namespace Intercept {
 /// integers.
 template <class T>
 struct Pointer {
+    // By reference, so that a class's own conversion to a pointer counts. It is made of an argument and
+    // passed on as a T, so it stands in for no copy.
     template <class From>
-    Pointer(From&& from) : value((T)from) {}
+    Pointer(From&& from) : value((T)from) {} // NOLINT(bugprone-forwarding-reference-overload)
     /// A null that is written as 0.
     Pointer(int null) : value((T)(long long)null) {}
     operator T() const { return value; }
