@@ -13,7 +13,7 @@
 
 namespace ZLT::OGL::internal {
 class Managers;
-}
+} // namespace ZLT::OGL::internal
 
 namespace ZLT::OGL {
 

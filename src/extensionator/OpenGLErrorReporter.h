@@ -9,7 +9,7 @@
 
 namespace ZLT {
 class LogicalException;
-}
+} // namespace ZLT
 
 namespace ZLT::OGL {
 
