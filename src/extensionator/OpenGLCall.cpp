@@ -32,7 +32,8 @@ T as(CallValue value) {
     else if constexpr (std::is_same_v<T, double>)
         return std::bit_cast<double>(value.bits);
     else if constexpr (std::is_pointer_v<T>)
-        return reinterpret_cast<T>(static_cast<std::uintptr_t>(value.bits));
+        return reinterpret_cast<T>(
+            std::uintptr_t(value.bits)); // NOLINT(performance-no-int-to-ptr): it was one
     else
         return static_cast<T>(value.bits);
 }
@@ -113,11 +114,12 @@ void writeQuoted(std::ostream& out, const char* text) {
 void writeReadable(std::ostream& out, char form, CallValue value) {
     using namespace ValueForms;
     const auto hexadecimal = [&](std::uint64_t number) {
-        char digits[17];
-        const char* end = std::to_chars(digits, std::end(digits), number, 16).ptr;
-        out << "0x";
-        for (const char* digit = digits; digit != end; ++digit)
-            out << char(*digit >= 'a' ? *digit - 'a' + 'A' : *digit);
+        char text[16];
+        std::size_t at = sizeof(text);
+        do
+            text[--at] = "0123456789ABCDEF"[number & 15];
+        while (number >>= 4);
+        out << "0x" << std::string_view(text + at, sizeof(text) - at);
     };
     switch (form) {
     case 'e':

@@ -277,7 +277,7 @@ void OpenGLErrorReporter::failed(const LogicalException& failure, const OpenGLCa
             return message.isError() && message.insideCall == inside;
         };
     };
-    const auto firstInside = std::ranges::stable_partition(messages, isOf(false)).begin();
+    const auto firstInside = std::stable_partition(messages.begin(), messages.end(), isOf(false));
     std::vector<OpenGLDriverMessage> outside(std::make_move_iterator(messages.begin()),
                                              std::make_move_iterator(firstInside));
     messages.erase(messages.begin(), firstInside);

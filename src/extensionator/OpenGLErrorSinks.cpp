@@ -95,8 +95,9 @@ String OpenGLErrorReport::sentence() const {
     if (messages.empty())
         return reason;
     const OpenGLDriverMessage& message = messages.front();
-    return quoted(message) + " [" + message.typeName() + ", " + message.severityName() + ", id " +
-           std::to_string(message.id).c_str() + ']';
+    String text = quoted(message) + " [" + message.typeName() + ", " + message.severityName() + ", id ";
+    text += std::to_string(message.id);
+    return text + ']';
 }
 
 String OpenGLErrorReport::rule() const {

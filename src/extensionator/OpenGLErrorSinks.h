@@ -13,7 +13,7 @@
 namespace ZLT::OGL {
 
 /// A message of the driver, by `GL_KHR_debug` or `GL_ARB_debug_output`. The numbers are GL's own.
-struct OpenGLDriverMessage {
+struct OpenGLDriverMessage {   // NOLINT(bugprone-exception-escape): a move allocates nothing
     unsigned int source = 0;   ///< GL_DEBUG_SOURCE_API, ...
     unsigned int type = 0;     ///< GL_DEBUG_TYPE_ERROR, ...
     unsigned int id = 0;       ///< the driver's number for this kind of message
