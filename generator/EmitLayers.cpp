@@ -162,10 +162,11 @@ void emitEntriesByType(const std::vector<Topic>& topics, const std::filesystem::
         std::string(generatedNotice) + "// The entries that share their types, each with its number.\n";
     const EntriesByType byType(topics);
     for (const auto& [types, entries] : byType.groups()) {
-        text += "\ntemplate <>\ninline constexpr TypedEntry<" + types + "> entriesOf<" + types + ">[] = {\n";
+        text.append("\ntemplate <>\ninline constexpr TypedEntry<").append(types);
+        text.append("> entriesOf<").append(types).append(">[] = {\n");
         for (const EntryPoint* entry : entries)
-            text +=
-                "    {&OpenGLInterceptor::cgm" + entry->name + ", " + std::to_string(entry->slot) + "},\n";
+            text.append("    {&OpenGLInterceptor::cgm" + entry->name + ", ")
+                .append(std::to_string(entry->slot) + "},\n");
         text += "};\n";
     }
     writeFile(directory / "EntriesByType.inl", text);

@@ -32,8 +32,8 @@ T as(CallValue value) {
     else if constexpr (std::is_same_v<T, double>)
         return std::bit_cast<double>(value.bits);
     else if constexpr (std::is_pointer_v<T>)
-        return reinterpret_cast<T>(
-            std::uintptr_t(value.bits)); // NOLINT(performance-no-int-to-ptr): it was one
+        // It was one. NOLINTNEXTLINE(performance-no-int-to-ptr)
+        return reinterpret_cast<T>(std::uintptr_t(value.bits));
     else
         return static_cast<T>(value.bits);
 }
