@@ -132,6 +132,11 @@ struct World {
     DISPLAY_DEVICEA displays[2] = {};
 };
 
+ContextWindowed* windowed(const World& world, const Format& format, unsigned int samples = 1,
+                          const Context* share = nullptr) {
+    return new ContextWindowed(world.window, format, twoSided, Context::teMultisample(samples), share);
+}
+
 struct Kind {
     const char* world;
     std::function<Context*(World& world)> make;
@@ -141,19 +146,13 @@ struct Kind {
 const Kind kinds[] = {
     // Plain formats need no context beforehand.
     {"library wrapped",
-     [](World& world) {
-         return new ContextWindowed(world.window, Format(Format::RGBA8_D24S8), twoSided,
-                                    Context::eNoMultisample, &*world.wrapped);
-     },
+     [](World& world) { return windowed(world, Format(Format::RGBA8_D24S8), 1, &*world.wrapped); },
      onMonitor() + formatSet("d1", "25 20 8 18 8") + Steps{attribsTried("d1"), lists("c1, c2")} +
          madeCurrent("d1, c2"),
      {deleted("")}},
     // Others need one, which is made for the purpose,
     {"library",
-     [](World& world) {
-         return new ContextWindowed(world.window, Format(Format::RGBA16F_D24S8), twoSided,
-                                    Context::teMultisample(4), nullptr);
-     },
+     [](World& world) { return windowed(world, Format(Format::RGBA16F_D24S8), 4); },
      onMonitor() + windowMade("k1", "0 0 14 32", "") +
          Steps{{"GetDC(w2)", "Context:choosePixelFormat invalid device context"}} +
          formatSet("d1", "24 18 0 0 0") +
@@ -164,11 +163,7 @@ const Kind kinds[] = {
          madeCurrent("d2, c2"),
      {deleted("")}},
     // or is there.
-    {"library current",
-     [](World& world) {
-         return new ContextWindowed(world.window, Format(Format::RGBA16F_D24S8), twoSided,
-                                    Context::teMultisample(4), nullptr);
-     },
+    {"library current", [](World& world) { return windowed(world, Format(Format::RGBA16F_D24S8), 4); },
      onMonitor() + extended + Steps{{"SetPixelFormat(d2, 9 28)", notSet}, attribsTried("d2")} +
          madeCurrent("d2, c1", "d1, c2"),
      goneUnderAnother("")},
@@ -260,29 +255,25 @@ TEST(ContextTest, aStepOfTheDestructionThatFailsIsReportedAndTheRestLeftOut) {
 }
 
 TEST(ContextTest, aFailureWhileCleaningUpReplacesTheFirst) {
+    const std::string failedTo = "!ContextWindowed::ContextWindowed failed to ",
+                      fatal = " context: fatal exception!";
     const struct {
         Format::tePredefined format;
         int nth; // of the second
         const char *first, *second;
-        const char* message;
+        std::string message;
     } rows[] = {
-        {Format::RGBA16F, 2, "wglChoosePixelFormatARB", "wglMakeCurrent",
-         "!ContextWindowed::ContextWindowed failed to release context: fatal exception!"},
-        {Format::RGBA16F, 1, "wglChoosePixelFormatARB", "wglDeleteContext",
-         "!ContextWindowed::ContextWindowed failed to destroy context: fatal exception!"},
+        {Format::RGBA16F, 2, "wglChoosePixelFormatARB", "wglMakeCurrent", failedTo + "release" + fatal},
+        {Format::RGBA16F, 1, "wglChoosePixelFormatARB", "wglDeleteContext", failedTo + "destroy" + fatal},
         {Format::RGBA16F, 1, "wglChoosePixelFormatARB", "ReleaseDC", "!Unable to release the device context"},
-        {Format::RGB8, 1, "wglMakeCurrent", "wglDeleteContext",
-         "!ContextWindowed::ContextWindowed failed to destroy context: fatal exception!"},
+        {Format::RGB8, 1, "wglMakeCurrent", "wglDeleteContext", failedTo + "destroy" + fatal},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(std::string(row.first) + ", " + row.second);
         World world;
         world.system.fail(row.first);
         world.system.fail(row.second, row.nth);
-        EXPECT_EQ(row.message, failureOf([&] {
-                      const ContextWindowed made(world.window, Format(row.format), twoSided,
-                                                 Context::eNoMultisample, nullptr);
-                  }));
+        EXPECT_EQ(row.message, failureOf([&] { windowed(world, Format(row.format)); }));
     }
 }
 
@@ -341,15 +332,12 @@ TEST(ContextTest, theExtendedListHasTheseValuesInThisOrder) {
                                 row.outcome + ", 0 0, 1)",
                   list);
     }
-    EXPECT_EQ("!Context:choosePixelFormat invalid device context", failureOf([&] {
-                  Bare::choosePixelFormat(nullptr, rgb8, one, Context::eNoMultisample,
-                                          Context::eWindowedTarget);
-              }));
+    const auto chooseOnNothing = [&] {
+        Bare::choosePixelFormat(nullptr, rgb8, one, Context::eNoMultisample, Context::eWindowedTarget);
+    };
+    EXPECT_EQ("!Context:choosePixelFormat invalid device context", failureOf(chooseOnNothing));
     wglMakeCurrent(nullptr, nullptr);
-    EXPECT_EQ("!wglChoosePixelFormatARB extension not supported", failureOf([&] {
-                  Bare::choosePixelFormat(nullptr, rgb8, one, Context::eNoMultisample,
-                                          Context::eWindowedTarget);
-              }))
+    EXPECT_EQ("!wglChoosePixelFormatARB extension not supported", failureOf(chooseOnNothing))
         << "the function is looked for first";
 }
 
@@ -358,8 +346,8 @@ TEST(ContextTest, eightBitsOfEachChannelAreTheLastThatNeedNoExtension) {
         unsigned int bits[6] = {8, 8, 8, 8, 0, 1}; // the last: the samples
         bits[channel] += channel == 4 ? 0 : 1;
         World world;
-        const ContextWindowed made(world.window, Format(bits[0], bits[1], bits[2], bits[3], 8, 24, false),
-                                   twoSided, Context::teMultisample(bits[5]), nullptr);
+        const std::unique_ptr<Context> made(
+            windowed(world, Format(bits[0], bits[1], bits[2], bits[3], 8, 24, false), bits[5]));
         const auto asked = testing::Contains(testing::StartsWith("wglChoosePixelFormatARB"));
         EXPECT_EQ(channel != 4, testing::Matches(asked)(world.system.takeCalls())) << channel;
     }
