@@ -164,15 +164,14 @@ TEST(TableTest, aGroupThatIsCutShortOrRunsOverIsNoticed) {
 // Rows at the end of the tables, or above, with slots and values as they should be there.
 struct Addition {
     const char* name;
-    std::vector<std::string> extensions;
-    std::vector<std::string> entryPoints;
-    void (*change)(Rows& extensions, Rows& entryPoints);
     std::string message; // "" when the tables are right
+    std::vector<std::string> extensions{}, entryPoints{};
+    void (*change)(Rows& extensions, Rows& entryPoints) = nullptr;
 };
 
-// Moves the number in a row's first columns.
-void renumber(Rows& rows, std::size_t from, std::size_t columns) {
-    for (std::size_t i = from; i < rows.size(); ++i) {
+// Puts a row in, and moves the numbers in the first columns of those below.
+void insert(Rows& rows, std::size_t at, std::size_t columns, const std::string& row) {
+    for (std::size_t i = at; i < rows.size(); ++i) {
         std::size_t begin = 0;
         for (std::size_t column = 0; column < columns; ++column) {
             const std::size_t end = rows[i].find('\t', begin);
@@ -181,102 +180,71 @@ void renumber(Rows& rows, std::size_t from, std::size_t columns) {
             begin += number.size() + 1;
         }
     }
+    rows.insert(rows.begin() + static_cast<std::ptrdiff_t>(at), row);
 }
 
+const char* const arc = "340\t4\tGL_VERSION_1_2\tArc\tvoid\t";
 const std::string move = ": rows were put in or taken out above, but new ones belong at the end";
+
+const std::string paths = "1833\t1497\tGL_KHR_paths\t";
 
 const Addition additions[] = {
     {"a group of GL behind those of WGL",
+     "",
      {"368\tGL_KHR_paths\t2"},
-     {"1833\t1497\tGL_KHR_paths\tArcKHR\tvoid\tGLfloat angle",
-      "1834\t1498\tGL_KHR_paths\tIsArcKHR\tGLboolean\tGLuint arc"},
-     nullptr,
-     ""},
-    {"groups of GL and WGL without functions",
-     {"368\tGL_ARB_paths\t0", "369\tWGL_ARB_paths\t0"},
-     {},
-     nullptr,
-     ""},
+     {paths + "ArcKHR\tvoid\tGLfloat angle", "1834\t1498\tGL_KHR_paths\tIsArcKHR\tGLboolean\tGLuint arc"}},
+    {"groups of GL and WGL without functions", "", {"368\tGL_ARB_paths\t0", "369\tWGL_ARB_paths\t0"}},
     {"a function too few",
+     place(entryPoints, 1836) + "the table ends at entry 1 of 'GL_KHR_paths'",
      {"368\tGL_KHR_paths\t2"},
-     {"1833\t1497\tGL_KHR_paths\tArcKHR\tvoid\t"},
-     nullptr,
-     place(entryPoints, 1836) + "the table ends at entry 1 of 'GL_KHR_paths'"},
+     {paths + "ArcKHR\tvoid\t"}},
     {"a function of a group that isn't there",
+     place(entryPoints, 1835) + "more entries than extensions.tsv gives the groups",
      {},
-     {"1833\t1497\tGL_KHR_paths\tArcKHR\tvoid\t"},
-     nullptr,
-     place(entryPoints, 1835) + "more entries than extensions.tsv gives the groups"},
-    {"an extension in the order of the names",
-     {},
-     {},
-     [](Rows& extensions, Rows&) {
-         renumber(extensions, 24, 1);
-         extensions.insert(extensions.begin() + 24, "23\tGL_ARB_a\t0");
-     },
-     place(extensions, 330) + "value 328 is 'GL_WIN_specular_fog' instead of 'GL_WIN_swap_hint'" + move},
-    {"an extension in front of those of WGL",
-     {},
-     {},
-     [](Rows& extensions, Rows&) {
-         renumber(extensions, 330, 1);
-         extensions.insert(extensions.begin() + 330, "329\tGL_WIN_z\t0");
-     },
-     place(extensions, 369) + "value 367 is 'WGL_NV_video_output' instead of 'WGL_OML_sync_control'" + move},
-    {"an extension of neither GL nor WGL",
-     {"368\tGLX_KHR_paths\t0"},
-     {},
-     nullptr,
-     place(extensions, 370) + "'GLX_KHR_paths' begins neither with GL_ nor with WGL_"},
-    {"a version that isn't loaded",
-     {"368\tGL_VERSION_3_1\t0"},
-     {},
-     nullptr,
-     place(extensions, 370) +
-         "'GL_VERSION_3_1' is a version that ExtensionManager::loadVersions() never loads"},
-    {"an extension that is there",
-     {"368\tGL_ARB_sync\t0"},
-     {},
-     nullptr,
-     place(extensions, 370) + "the name 'GL_ARB_sync' stands twice"},
-    {"an extension whose enumerator is there",
-     {"368\tGL_ARB_Sync\t0"},
-     {},
-     nullptr,
-     place(extensions, 370) + "the name 'GL_ARB_SYNC' stands twice"},
-    {"an extension whose enumerator is a macro of GL",
-     {"368\tGL_ARB_SYNC2\t0"},
-     {},
-     nullptr,
-     place(extensions, 370) + "'GL_ARB_SYNC2' has no small letter"},
-    {"a table without its end",
-     {},
-     {},
-     [](Rows& extensions, Rows&) { extensions.pop_back(); },
-     place(extensions, 369) + "the table ends in front of 'WGL_OML_sync_control'"},
-    {"an entry more than its group has",
-     {},
-     {},
-     [](Rows&, Rows& entryPoints) {
-         renumber(entryPoints, 341, 2);
-         entryPoints.insert(entryPoints.begin() + 341, "340\t4\tGL_VERSION_1_2\tArc\tvoid\t");
-     },
-     place(entryPoints, 342) + "'GL_VERSION_1_2' has more entries than the 4 that extensions.tsv gives it"},
-    {"an entry in a group above",
-     {},
-     {},
-     [](Rows& extensions, Rows& entryPoints) {
-         extensions[1].back() = '5';
-         renumber(entryPoints, 341, 2);
-         entryPoints.insert(entryPoints.begin() + 341, "340\t4\tGL_VERSION_1_2\tArc\tvoid\t");
-     },
-     place(entryPoints, 1834) + "virtual slot 1832 is 'FinishTextureSUNX' instead of 'AddSwapHintRectWIN'" +
-         move},
+     {paths + "ArcKHR\tvoid\t"}},
     {"an entry that is there",
+     place(entryPoints, 1835) + "the name 'Begin' stands twice",
      {"368\tGL_KHR_paths\t1"},
-     {"1833\t1497\tGL_KHR_paths\tBegin\tvoid\t"},
-     nullptr,
-     place(entryPoints, 1835) + "the name 'Begin' stands twice"},
+     {paths + "Begin\tvoid\t"}},
+    {"an extension of neither GL nor WGL",
+     place(extensions, 370) + "'GLX_KHR_paths' begins neither with GL_ nor with WGL_",
+     {"368\tGLX_KHR_paths\t0"}},
+    {"a version that isn't loaded",
+     place(extensions, 370) +
+         "'GL_VERSION_3_1' is a version that ExtensionManager::loadVersions() never loads",
+     {"368\tGL_VERSION_3_1\t0"}},
+    {"an extension that is there",
+     place(extensions, 370) + "the name 'GL_ARB_sync' stands twice",
+     {"368\tGL_ARB_sync\t0"}},
+    {"an extension whose enumerator is there",
+     place(extensions, 370) + "the name 'GL_ARB_SYNC' stands twice",
+     {"368\tGL_ARB_Sync\t0"}},
+    {"an extension whose enumerator is a macro of GL",
+     place(extensions, 370) + "'GL_ARB_SYNC2' has no small letter",
+     {"368\tGL_ARB_SYNC2\t0"}},
+    {.name = "an extension in the order of the names",
+     .message =
+         place(extensions, 330) + "value 328 is 'GL_WIN_specular_fog' instead of 'GL_WIN_swap_hint'" + move,
+     .change = [](Rows& extensions, Rows&) { insert(extensions, 24, 1, "23\tGL_ARB_a\t0"); }},
+    {.name = "an extension in front of those of WGL",
+     .message = place(extensions, 369) +
+                "value 367 is 'WGL_NV_video_output' instead of 'WGL_OML_sync_control'" + move,
+     .change = [](Rows& extensions, Rows&) { insert(extensions, 330, 1, "329\tGL_WIN_z\t0"); }},
+    {.name = "a table without its end",
+     .message = place(extensions, 369) + "the table ends in front of 'WGL_OML_sync_control'",
+     .change = [](Rows& extensions, Rows&) { extensions.pop_back(); }},
+    {.name = "an entry more than its group has",
+     .message = place(entryPoints, 342) +
+                "'GL_VERSION_1_2' has more entries than the 4 that extensions.tsv gives it",
+     .change = [](Rows&, Rows& entryPoints) { insert(entryPoints, 341, 2, arc); }},
+    {.name = "an entry in a group above",
+     .message = place(entryPoints, 1834) +
+                "virtual slot 1832 is 'FinishTextureSUNX' instead of 'AddSwapHintRectWIN'" + move,
+     .change =
+         [](Rows& extensions, Rows& entryPoints) {
+             extensions[1].back() = '5';
+             insert(entryPoints, 341, 2, arc);
+         }},
 };
 
 TEST(TableTest, takesWhatIsNewAtItsEndAlone) {
