@@ -17,13 +17,10 @@ struct Linked : Program {
     explicit Linked(const std::string& fragment) {
         const char* text = fragment.c_str();
         loadFragmentShader(1, &text, nullptr);
-        relink();
-    }
-    ~Linked() override { disable(); }
-    void relink() { // all uniforms are 0 then
         link(true);
         enable();
     }
+    ~Linked() override { disable(); }
 };
 
 GLint bitsOf(GLenum query) {
@@ -47,45 +44,26 @@ struct Client {
     }
 };
 
-using byte = unsigned char;
-constexpr int ints[] = {5, -6, 7, -8, 9, -10, 11, -12};
-constexpr float reals[] = {1,  2,  3,  4,  5,  6,  7,  8,  9,  10, 11, 12, 13, 14, 15, 16,
-                           17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29, 30, 31, 32};
+constexpr int ints[] = {5, -6, 7, -8};
+constexpr float reals[] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16};
 
-// A uniform for each kind of setter, what it is to equal, and the setter: by name and by location, and both
-// without a test.
-struct Uniform {
-    std::string type, value;
-    void (*set)(Program&, int form);
+// What the driver makes of a value of each kind, a matrix by rows and by columns, and an array.
+const struct {
+    std::string type, value; // of u, and what it is to equal
+    void (*set)(Program& p);
+} uniforms[] = {
+    {"bvec4", "true, true, false, true", [](Program& p) { p.setUniform("u", true, true, false, true); }},
+    {"vec4", ".5, -2, 3, 4", [](Program& p) { p.setUniform("u", .5f, -2.f, 3.f, 4.f); }},
+    {"sampler2D", "texture2D(u, vec2(0.5))", [](Program& p) { p.setUniformSampler2D("u", 1); }},
+    {"sampler2DRect", "texture2DRect(u, vec2(0.5))", [](Program& p) { p.setUniformSampler2DRECT("u", 1); }},
+    {"mat2[2]", "mat2(1, 2, 3, 4), mat2(5, 6, 7, 8)",
+     [](Program& p) { p.setUniformMatrices2("u", 2, reals, 0); }},
+    {"mat3", "1, 4, 7, 2, 5, 8, 3, 6, 9", [](Program& p) { p.setUniformMatrix3("u", reals, 1); }},
+    {"mat4", "1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15, 4, 8, 12, 16",
+     [](Program& p) { p.setUniformMatrix4("u", reals, 1); }},
+    {"ivec2[2]", "ivec2(5, -6), ivec2(7, -8)", [](Program& p) { p.setUniform2("u", 2, ints); }},
+    {"vec3[2]", "vec3(1, 2, 3), vec3(4, 5, 6)", [](Program& p) { p.setUniform3("u", 2, reals); }},
 };
-// clang-format off
-#define ROW(type, value, member, ...) Uniform{type, value, [](Program& p, int form) { \
-        const int at = p.getUniformLocation("u"); \
-        form == 0 ? p.member("u", __VA_ARGS__) : form == 1 ? p.member(at, __VA_ARGS__) : \
-        form == 2 ? p.member##_Unsafe("u", __VA_ARGS__) : p.member##_Unsafe(at, __VA_ARGS__); }}
-#define SET(type, ...) ROW(type, #__VA_ARGS__, setUniform, __VA_ARGS__)
-const Uniform uniforms[] = {
-    SET("bvec4", true, true, false, true), SET("ivec4", byte(200), byte(1), byte(2), byte(255)),
-    SET("ivec4", -3, 4, 5, 1000), SET("vec4", .5f, -2.f, 3.f, 4.f),
-    ROW("sampler2D", "texture2D(u, vec2(0.5))", setUniformSampler2D, 1),
-    ROW("sampler2DRect", "texture2DRect(u, vec2(0.5))", setUniformSampler2DRECT, 1),
-    ROW("mat2[2]", "mat2(1, 2, 3, 4), mat2(5, 6, 7, 8)", setUniformMatrices2, 2, reals, 0),
-    ROW("mat3[2]", "mat3(1, 2, 3, 4, 5, 6, 7, 8, 9), mat3(10, 11, 12, 13, 14, 15, 16, 17, 18)",
-        setUniformMatrices3, 2, reals, 0),
-    ROW("mat4[2]", "mat4(v(1), v(5), v(9), v(13)), mat4(v(17), v(21), v(25), v(29))",
-        setUniformMatrices4, 2, reals, 0), // v() makes a vector that counts on
-    ROW("mat2", "1, 3, 2, 4", setUniformMatrix2, reals, 1),
-    ROW("mat3", "1, 4, 7, 2, 5, 8, 3, 6, 9", setUniformMatrix3, reals, 1),
-    ROW("mat4", "1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15, 4, 8, 12, 16", setUniformMatrix4, reals, 1),
-    ROW("int[2]", "5, -6", setUniform, 2, ints), ROW("float[2]", "1.0, 2.0", setUniform, 2, reals),
-    ROW("ivec2[2]", "ivec2(5, -6), ivec2(7, -8)", setUniform2, 2, ints),
-    ROW("vec2[2]", "vec2(1, 2), vec2(3, 4)", setUniform2, 2, reals),
-    ROW("ivec3[2]", "ivec3(5, -6, 7), ivec3(-8, 9, -10)", setUniform3, 2, ints),
-    ROW("vec3[2]", "vec3(1, 2, 3), vec3(4, 5, 6)", setUniform3, 2, reals),
-    ROW("ivec4[2]", "ivec4(5, -6, 7, -8), ivec4(9, -10, 11, -12)", setUniform4, 2, ints),
-    ROW("vec3[2]", "vec3(1, 2, 3), vec3(4, 5, 6)", setUniform4, 2, reals), // three of four components
-};
-// clang-format on
 
 } // namespace
 
@@ -194,21 +172,16 @@ TEST_F(ObjectDriverTest, uniformsOfEachKindArrive) {
     fill(rectangle, {0xFF00FF00});
     TextureState::setActiveTextureUnit(0);
     const Canvas canvas;
-    const std::string head = "#version 120\n#extension GL_ARB_texture_rectangle : enable\n"
-                             "#define byte int\n#define v(x) vec4(x, x + 1, x + 2, x + 3)\nuniform ";
     for (const auto& [type, value, set] : uniforms) {
         const std::string isThere =
             type[0] == 's' ? value + " == vec4(0, 1, 0, 1)" : "u == " + type + "(" + value + ")";
-        Linked program(head + type + " u; void main() { bool is = " + isThere +
-                       "; gl_FragColor = vec4(!is, is, 0, 1); }");
-        for (int form = 0; form < 4; ++form) {
-            program.relink();
-            draw(black);
-            EXPECT_EQ(pixelAt(1, 1), red) << type << ", before";
-            set(program, form);
-            draw(black);
-            EXPECT_EQ(pixelAt(1, 1), green) << type << ", form " << form;
-        }
+        Linked program("#version 120\n#extension GL_ARB_texture_rectangle : enable\nuniform " + type +
+                       " u; void main() { bool is = " + isThere + "; gl_FragColor = vec4(!is, is, 0, 1); }");
+        draw(black);
+        EXPECT_EQ(pixelAt(1, 1), red) << type << ", before";
+        set(program);
+        draw(black);
+        EXPECT_EQ(pixelAt(1, 1), green) << type;
     }
 }
 
