@@ -2,6 +2,7 @@
 #include "extensionator/TokenName.h"
 
 #include <algorithm>
+#include <sstream>
 #include <type_traits>
 
 using namespace ZLT::OGL;
@@ -181,93 +182,48 @@ TEST_F(TextureTest, sizesAreHalvedByLevelButNotTheLayers) {
 }
 
 TEST(TextureFormatTest, formatsHaveTheirSizes) {
-    // The values of a texel, and the bytes of each where they are known.
-    const char* const stored[] = {"ALPHA 1 x 1",
-                                  "ALPHA4 1 x ?",
-                                  "ALPHA8 1 x 1",
-                                  "ALPHA12 1 x ?",
-                                  "ALPHA16 1 x 2",
-                                  "LUMINANCE 1 x 1",
-                                  "LUMINANCE4 1 x ?",
-                                  "LUMINANCE8 1 x 1",
-                                  "LUMINANCE12 1 x ?",
-                                  "LUMINANCE16 1 x 2",
-                                  "LUMINANCE_ALPHA 2 x 1",
-                                  "LUMINANCE4_ALPHA4 2 x ?",
-                                  "LUMINANCE6_ALPHA2 2 x ?",
-                                  "LUMINANCE8_ALPHA8 2 x 1",
-                                  "LUMINANCE12_ALPHA4 2 x ?",
-                                  "LUMINANCE12_ALPHA12 2 x ?",
-                                  "LUMINANCE16_ALPHA16 2 x 2",
-                                  "INTENSITY 1 x 1",
-                                  "INTENSITY4 1 x ?",
-                                  "INTENSITY8 1 x 1",
-                                  "INTENSITY12 1 x ?",
-                                  "INTENSITY16 1 x 2",
-                                  "R3_G3_B2 3 x ?",
-                                  "RGB 3 x 1",
-                                  "RGB4 unsized",
-                                  "RGB5 3 x ?",
-                                  "RGB8 3 x 1",
-                                  "RGB10 3 x ?",
-                                  "RGB12 3 x ?",
-                                  "RGB16 3 x 2",
-                                  "RGBA 4 x 1",
-                                  "RGBA2 4 x ?",
-                                  "RGBA4 4 x ?",
-                                  "RGB5_A1 4 x ?",
-                                  "RGBA8 4 x 1",
-                                  "RGB10_A2 4 x ?",
-                                  "RGBA12 4 x ?",
-                                  "RGBA16 4 x 2",
-                                  "RGBA32F 4 x 4",
-                                  "RGB32F 3 x 4",
-                                  "ALPHA_FLOAT32_APPLE 1 x 4",
-                                  "INTENSITY_FLOAT32_APPLE 1 x 4",
-                                  "LUMINANCE_FLOAT32_APPLE 1 x 4",
-                                  "LUMINANCE_ALPHA_FLOAT32_APPLE 2 x 4",
-                                  "RGBA16F 4 x 2",
-                                  "RGB16F 3 x 2",
-                                  "ALPHA_FLOAT16_APPLE 1 x 2",
-                                  "INTENSITY_FLOAT16_APPLE 1 x 2",
-                                  "LUMINANCE_FLOAT16_APPLE 1 x 2",
-                                  "LUMINANCE_ALPHA_FLOAT16_APPLE 2 x 2"};
+    const auto nameOf = [](unsigned int token) { return std::string(TokenName(token)).substr(3); };
+    const std::string unsized = "!InternalFormat enums are not all properly sized.";
+    for (unsigned int i = 0; i < 50; ++i) {
+        const auto format = Internal(i);
+        const std::string name = nameOf(Texture::InternalFormat2GL(format));
+        // The name says how many values a texel has, and with its first number how many bits each of them.
+        const auto has = [&](const char* part) { return name.find(part) < name.size(); };
+        const std::uint64_t values =
+            name[0] == 'R' ? (has("A") ? 4 : 3) : (has("LUMINANCE") && has("ALPHA") ? 2 : 1);
+        const std::size_t digits = name.find_first_of("123456789");
+        const std::uint64_t bits = digits < name.size() ? std::stoul(name.substr(digits)) : 8;
+        const std::string none = name == "RGB4" ? unsized : "";
+        const std::string unknown = "!Texture::SizeInBytes Unknown color channels for format ";
+        SCOPED_TRACE(name);
+        EXPECT_FAILURE(none, EXPECT_EQ(values, Texture::Channels(format)));
+        EXPECT_FAILURE(none.empty() && bits % 8 != 0 ? unknown + TokenName(i) : none,
+                       EXPECT_EQ(30 * values * bits / 8, Texture::SizeInBytes(format, 2, 3, 5)));
+    }
+    EXPECT_FAILURE(unsized, Texture::Channels(Internal(50)));
     const char* const ofPixels[] = {
         "COLOR_INDEX 1", "RED 1",  "GREEN 1", "BLUE 1",      "ALPHA 1",          "RGB 3",
         "BGR 3",         "RGBA 4", "BGRA 4",  "LUMINANCE 1", "LUMINANCE_ALPHA 2"};
-    const std::string unsized = "!InternalFormat enums are not all properly sized.";
-    const auto nameOf = [](unsigned int token) { return std::string(TokenName(token)).substr(3) + ' '; };
-    for (unsigned int i = 0; i < std::size(stored); ++i) {
-        const auto format = Internal(i);
-        std::uint64_t values = 0, size = 0;
-        const std::string none = failureOf([&] { values = Texture::Channels(format); });
-        const std::string text = failureOf([&] { size = Texture::SizeInBytes(format, 2, 3, 5); });
-        const std::string bytes = text.empty() ? to_string(size / 30 / values) : "?";
-        EXPECT_EQ(stored[i], nameOf(Texture::InternalFormat2GL(format)) +
-                                 (none.empty() ? to_string(values) + " x " + bytes : "unsized"));
-        EXPECT_EQ(none.empty() ? "" : unsized, none) << stored[i];
-        EXPECT_TRUE(text == none || text.starts_with("!Texture::SizeInBytes Unknown color channels for "))
-            << stored[i] << ": " << text;
-    }
-    EXPECT_FAILURE(unsized, Texture::Channels(Internal(50)));
     for (unsigned int i = 0; i < std::size(ofPixels); ++i)
-        EXPECT_EQ(ofPixels[i], nameOf(Texture::Format2GL(Texture::Format(i))) +
+        EXPECT_EQ(ofPixels[i], nameOf(Texture::Format2GL(Texture::Format(i))) + ' ' +
                                    to_string(Texture::Channels(Texture::Format(i))));
 }
 
-// `known`: ordinals, each with its token behind it. All come back by theirs, but for what is `refused`.
+// `tokens`: the names of all, by their ordinals, without GL_. All come back by theirs, but for what is
+// `refused`.
 template <class Enumeration>
 void expectTranslation(unsigned int (*toGL)(Enumeration), Enumeration (*fromGL)(unsigned int),
-                       const std::string& name, unsigned int count, const std::vector<unsigned int>& known,
+                       const std::string& name, const std::string& tokens,
                        const std::vector<unsigned int>& refused = {0, 1}) {
     const std::string text = "!!\"" + name + " enums are not all properly translated.\"";
-    for (unsigned int ordinal = 0; ordinal < count; ++ordinal) {
-        const unsigned int token = toGL(Enumeration(ordinal));
+    std::istringstream known(tokens);
+    unsigned int count = 0;
+    for (std::string expected; known >> expected; ++count) {
+        const unsigned int token = toGL(Enumeration(count));
+        EXPECT_EQ("GL_" + expected, TokenName(token)) << name << ' ' << count;
         const bool back = std::find(refused.begin(), refused.end(), token) == refused.end();
-        EXPECT_TRUE(!back || fromGL(token) == Enumeration(ordinal)) << name << ordinal;
+        EXPECT_TRUE(!back || fromGL(token) == Enumeration(count)) << name << ' ' << expected;
     }
-    for (std::size_t i = 0; i < known.size(); i += 2)
-        EXPECT_EQ(known[i + 1], toGL(Enumeration(known[i]))) << name << ' ' << TokenName(known[i + 1]);
     for (const unsigned int token : refused)
         EXPECT_FAILURE(text, fromGL(token)) << token;
     for (const unsigned int ordinal : {count, ~0u})
@@ -277,58 +233,50 @@ void expectTranslation(unsigned int (*toGL)(Enumeration), Enumeration (*fromGL)(
 
 TEST(EnumerationTest, enumerationsTranslateBothWays) {
     using T = Texture;
-    EXPECT_TRANSLATION(T, Filter, "Filter", 6,
-                       {0, GL_NEAREST, 3, GL_LINEAR_MIPMAP_NEAREST, 4, GL_NEAREST_MIPMAP_LINEAR, 5,
-                        GL_LINEAR_MIPMAP_LINEAR});
-    EXPECT_TRANSLATION(T, InternalFormat, "InternalFormat", 50,
-                       {0, GL_ALPHA, 17, GL_INTENSITY, 22, GL_R3_G3_B2, 24, GL_RGB4, 38, GL_RGBA32F, 44,
-                        GL_RGBA16F, 49, GL_LUMINANCE_ALPHA16F_ARB},
+    EXPECT_TRANSLATION(T, Filter, "Filter",
+                       "NEAREST LINEAR NEAREST_MIPMAP_NEAREST LINEAR_MIPMAP_NEAREST NEAREST_MIPMAP_LINEAR "
+                       "LINEAR_MIPMAP_LINEAR");
+    EXPECT_TRANSLATION(T, InternalFormat, "InternalFormat",
+                       "ALPHA ALPHA4 ALPHA8 ALPHA12 ALPHA16 LUMINANCE LUMINANCE4 LUMINANCE8 LUMINANCE12 "
+                       "LUMINANCE16 LUMINANCE_ALPHA LUMINANCE4_ALPHA4 LUMINANCE6_ALPHA2 LUMINANCE8_ALPHA8 "
+                       "LUMINANCE12_ALPHA4 LUMINANCE12_ALPHA12 LUMINANCE16_ALPHA16 INTENSITY INTENSITY4 "
+                       "INTENSITY8 INTENSITY12 INTENSITY16 R3_G3_B2 RGB RGB4 RGB5 RGB8 RGB10 RGB12 RGB16 "
+                       "RGBA RGBA2 RGBA4 RGB5_A1 RGBA8 RGB10_A2 RGBA12 RGBA16 RGBA32F RGB32F "
+                       "ALPHA_FLOAT32_APPLE INTENSITY_FLOAT32_APPLE LUMINANCE_FLOAT32_APPLE "
+                       "LUMINANCE_ALPHA_FLOAT32_APPLE RGBA16F RGB16F ALPHA_FLOAT16_APPLE "
+                       "INTENSITY_FLOAT16_APPLE LUMINANCE_FLOAT16_APPLE LUMINANCE_ALPHA_FLOAT16_APPLE",
                        {GL_RGB2_EXT, 0});
-    EXPECT_TRANSLATION(T, Format, "Format", 11,
-                       {0, GL_COLOR_INDEX, 6, GL_BGR, 7, GL_RGBA, 10, GL_LUMINANCE_ALPHA});
-    // The packed ones, each with its reverse behind it, count on from 8.
-    EXPECT_TRANSLATION(T, Type, "Type", 21, {0,  GL_UNSIGNED_BYTE,
-                                             1,  GL_BYTE,
-                                             2,  GL_BITMAP,
-                                             3,  GL_UNSIGNED_SHORT,
-                                             4,  GL_SHORT,
-                                             5,  GL_UNSIGNED_INT,
-                                             6,  GL_INT,
-                                             7,  GL_FLOAT,
-                                             8,  GL_UNSIGNED_BYTE_3_3_2,
-                                             9,  GL_UNSIGNED_BYTE_2_3_3_REV,
-                                             10, GL_UNSIGNED_SHORT_5_6_5,
-                                             11, GL_UNSIGNED_SHORT_5_6_5_REV,
-                                             12, GL_UNSIGNED_SHORT_4_4_4_4,
-                                             13, GL_UNSIGNED_SHORT_4_4_4_4_REV,
-                                             14, GL_UNSIGNED_SHORT_5_5_5_1,
-                                             15, GL_UNSIGNED_SHORT_1_5_5_5_REV,
-                                             16, GL_UNSIGNED_INT_8_8_8_8,
-                                             17, GL_UNSIGNED_INT_8_8_8_8_REV,
-                                             18, GL_UNSIGNED_INT_10_10_10_2,
-                                             19, GL_UNSIGNED_INT_2_10_10_10_REV,
-                                             20, GL_HALF_FLOAT});
-    EXPECT_TRANSLATION(T, WrapMode, "WrapMode", 5, {0, GL_CLAMP, 2, GL_CLAMP_TO_EDGE, 4, GL_REPEAT});
-    EXPECT_TRANSLATION(T, PixelStoreMode, "PixelStoreMode", 16,
-                       {0, GL_PACK_SWAP_BYTES, 3, GL_PACK_IMAGE_HEIGHT, 4, GL_PACK_SKIP_PIXELS, 5,
-                        GL_PACK_SKIP_ROWS, 6, GL_PACK_SKIP_IMAGES, 12, GL_UNPACK_SKIP_PIXELS, 13,
-                        GL_UNPACK_SKIP_ROWS, 15, GL_UNPACK_ALIGNMENT});
+    EXPECT_TRANSLATION(T, Format, "Format",
+                       "COLOR_INDEX RED GREEN BLUE ALPHA RGB BGR RGBA BGRA LUMINANCE LUMINANCE_ALPHA");
+    EXPECT_TRANSLATION(T, Type, "Type",
+                       "UNSIGNED_BYTE BYTE BITMAP UNSIGNED_SHORT SHORT UNSIGNED_INT INT FLOAT "
+                       "UNSIGNED_BYTE_3_3_2 UNSIGNED_BYTE_2_3_3_REV UNSIGNED_SHORT_5_6_5 "
+                       "UNSIGNED_SHORT_5_6_5_REV UNSIGNED_SHORT_4_4_4_4 UNSIGNED_SHORT_4_4_4_4_REV "
+                       "UNSIGNED_SHORT_5_5_5_1 UNSIGNED_SHORT_1_5_5_5_REV UNSIGNED_INT_8_8_8_8 "
+                       "UNSIGNED_INT_8_8_8_8_REV UNSIGNED_INT_10_10_10_2 UNSIGNED_INT_2_10_10_10_REV "
+                       "HALF_APPLE");
+    EXPECT_TRANSLATION(T, WrapMode, "WrapMode", "CLAMP CLAMP_TO_BORDER CLAMP_TO_EDGE MIRRORED_REPEAT REPEAT");
+    EXPECT_TRANSLATION(T, PixelStoreMode, "PixelStoreMode",
+                       "PACK_SWAP_BYTES PACK_LSB_FIRST PACK_ROW_LENGTH PACK_IMAGE_HEIGHT PACK_SKIP_PIXELS "
+                       "PACK_SKIP_ROWS PACK_SKIP_IMAGES PACK_ALIGNMENT UNPACK_SWAP_BYTES UNPACK_LSB_FIRST "
+                       "UNPACK_ROW_LENGTH UNPACK_IMAGE_HEIGHT UNPACK_SKIP_PIXELS UNPACK_SKIP_ROWS "
+                       "UNPACK_SKIP_IMAGES UNPACK_ALIGNMENT");
     // The two arrays don't come back.
-    EXPECT_TRANSLATION(T, Target, "Target", 6,
-                       {0, GL_TEXTURE_1D, 2, GL_TEXTURE_3D, 3, GL_TEXTURE_1D_ARRAY, 4, GL_TEXTURE_2D_ARRAY, 5,
-                        GL_TEXTURE_RECTANGLE},
+    EXPECT_TRANSLATION(T, Target, "Target",
+                       "TEXTURE_1D TEXTURE_2D TEXTURE_3D TEXTURE_1D_ARRAY TEXTURE_2D_ARRAY "
+                       "TEXTURE_RECTANGLE_ARB",
                        {GL_TEXTURE_1D_ARRAY, GL_TEXTURE_2D_ARRAY, GL_TEXTURE_BINDING_3D});
-    EXPECT_TRANSLATION(T, TargetBinding, "Target", 6,
-                       {0, GL_TEXTURE_BINDING_1D, 2, GL_TEXTURE_BINDING_3D, 3, GL_TEXTURE_BINDING_1D_ARRAY, 4,
-                        GL_TEXTURE_BINDING_2D_ARRAY, 5, GL_TEXTURE_BINDING_RECTANGLE},
+    EXPECT_TRANSLATION(T, TargetBinding, "Target",
+                       "TEXTURE_BINDING_1D TEXTURE_BINDING_2D TEXTURE_BINDING_3D TEXTURE_BINDING_1D_ARRAY "
+                       "TEXTURE_BINDING_2D_ARRAY TEXTURE_BINDING_RECTANGLE_ARB",
                        {GL_TEXTURE_BINDING_1D_ARRAY, GL_TEXTURE_BINDING_2D_ARRAY, GL_TEXTURE_2D});
-    EXPECT_TRANSLATION(Buffer, Type, "Buffer type", 4,
-                       {0, GL_PIXEL_UNPACK_BUFFER, 1, GL_PIXEL_PACK_BUFFER, 3, GL_ELEMENT_ARRAY_BUFFER});
-    EXPECT_TRANSLATION(Buffer, Usage, "Buffer type", 9,
-                       {0, GL_STREAM_DRAW, 2, GL_STREAM_COPY, 3, GL_STATIC_DRAW, 8, GL_DYNAMIC_COPY},
+    EXPECT_TRANSLATION(Buffer, Type, "Buffer type",
+                       "PIXEL_UNPACK_BUFFER PIXEL_PACK_BUFFER ARRAY_BUFFER ELEMENT_ARRAY_BUFFER");
+    EXPECT_TRANSLATION(Buffer, Usage, "Buffer type",
+                       "STREAM_DRAW STREAM_READ STREAM_COPY STATIC_DRAW STATIC_READ STATIC_COPY "
+                       "DYNAMIC_DRAW DYNAMIC_READ DYNAMIC_COPY",
                        {GL_STREAM_COPY + 1});
-    EXPECT_TRANSLATION(TextureUnit, Environment, "Environment", 6,
-                       {0, GL_ADD, 1, GL_BLEND, 2, GL_COMBINE, 3, GL_DECAL, 4, GL_MODULATE, 5, GL_REPLACE});
+    EXPECT_TRANSLATION(TextureUnit, Environment, "Environment", "ADD BLEND COMBINE DECAL MODULATE REPLACE");
 }
 
 // A class whose base lets nothing out of its destructor may have them as members: that it compiles is the
