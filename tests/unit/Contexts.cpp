@@ -220,37 +220,28 @@ TEST(ContextTest, eachKindAsksThePlatformForTheseStepsAndLeavesNothingCurrentTha
     }
 }
 
-TEST(ContextTest, aStepThatFailsIsReportedAndUndone) {
+TEST(ContextTest, aStepThatFailsIsReportedAndUndoneAndInTheDestructionTheRestIsLeftOut) {
     for (const Kind& kind : kinds)
-        for (std::size_t i = 0; i < kind.making.size(); ++i) {
-            const Step& step = kind.making[i];
-            SCOPED_TRACE(kind.making[0].call + ": " + step.call);
-            World world(kind.world);
-            const std::size_t allocated = ZLT::Core::allocationCount();
-            const HGLRC current = wglGetCurrentContext();
-            const Context* made = nullptr;
-            world.system.failCall(static_cast<int>(i) + 1);
-            std::string outcome = failureOf([&] { made = kind.make(world); });
-            if (current != wglGetCurrentContext())
-                outcome += losesCurrent;
-            EXPECT_EQ(step.outcome, outcome);
-            world.system.failNothing();
-            delete made;
-            EXPECT_EQ(step.left, world.left());
-            EXPECT_EQ(allocated, ZLT::Core::allocationCount());
-        }
-}
-
-TEST(ContextTest, aStepOfTheDestructionThatFailsIsReportedAndTheRestLeftOut) {
-    for (const Kind& kind : kinds)
-        for (std::size_t i = 0; i < kind.going.size(); ++i) {
-            const Step& step = kind.going[i];
-            SCOPED_TRACE(kind.making[0].call + ": " + step.call);
-            World world(kind.world);
-            const Context* made = kind.make(world);
-            world.system.failCall(static_cast<int>(i) + 1);
-            EXPECT_EQ(step.outcome, failureOf([&] { delete made; }));
-            EXPECT_EQ(step.left, world.left());
+        for (const bool going : {false, true}) {
+            int nth = 0;
+            for (const Step& step : going ? kind.going : kind.making) {
+                SCOPED_TRACE(kind.making[0].call + (going ? ", going: " : ": ") + step.call);
+                World world(kind.world);
+                const std::size_t allocated = ZLT::Core::allocationCount();
+                const HGLRC current = wglGetCurrentContext();
+                const Context* made = going ? kind.make(world) : nullptr;
+                world.system.failCall(++nth);
+                std::string outcome = failureOf([&] { going ? delete made : void(made = kind.make(world)); });
+                if (!going && current != wglGetCurrentContext())
+                    outcome += losesCurrent;
+                EXPECT_EQ(step.outcome, outcome);
+                world.system.failNothing();
+                if (!going) {
+                    delete made;
+                    EXPECT_EQ(allocated, ZLT::Core::allocationCount());
+                }
+                EXPECT_EQ(step.left, world.left());
+            }
         }
 }
 
