@@ -15,24 +15,7 @@ using namespace ZLT::OGL;
 
 namespace {
 
-class ChainDriverTest : public StartedDriver {
-protected:
-    void SetUp() override {
-        StartedDriver::SetUp();
-        if (IsSkipped())
-            return;
-        context_ = std::make_unique<ContextOffscreen>();
-        context_->makeCurrent();
-        RecordProperty("renderer", reinterpret_cast<const char*>(glGetString(GL_RENDERER)));
-    }
-    void TearDown() override {
-        context_.reset();
-        StartedDriver::TearDown();
-    }
-
-private:
-    std::unique_ptr<ContextOffscreen> context_;
-};
+class ChainDriverTest : public CurrentDriver {};
 
 // Runs `call`, which must fail, and gives back what it threw.
 template <class Call>

@@ -32,14 +32,12 @@ using Type = Texture::Type;
 using Internal = Texture::InternalFormat;
 
 /// The library with a context that is current. A test asks for each error of GL that it causes.
-class StartedWithContext : public StartedDriver {
+class StartedWithContext : public CurrentDriver {
 protected:
     void SetUp() override {
-        StartedDriver::SetUp();
+        CurrentDriver::SetUp();
         if (IsSkipped())
             return;
-        context_ = std::make_unique<ContextOffscreen>();
-        context_->makeCurrent();
         if (!Framebuffer::isSupported() || !Buffer::isSupported() || !TextureRECT::isSupported() ||
             !ExtensionManager::Instance()->isSupported(OPEN_GL_2_0))
             GTEST_SKIP() << "a driver without framebuffer objects, buffers, rectangles or programs";
@@ -48,16 +46,13 @@ protected:
         if (context_) {
             EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
         }
-        context_.reset();
-        StartedDriver::TearDown();
+        CurrentDriver::TearDown();
     }
 
     /// Names what the driver can't do.
     void refused(const std::string& what, const std::string& reason) {
         std::cout << "refused, " << ++refusals_ << ": " << what << ": " << reason << "\n";
     }
-
-    std::unique_ptr<ContextOffscreen> context_;
 
 private:
     int refusals_ = 0;

@@ -233,9 +233,7 @@ TEST_F(SeamDriverTest, aWindowOfAnotherClientIsDrawnToAndItsEndIsNoticed) {
         XSync(server, False);
         const auto context = contextOn(handle(other), nullptr, BufferFormat(BufferFormat::RGBA8_D24S8), 4);
         context->makeCurrent();
-        GLint samples = 0;
-        glGetIntegerv(GL_SAMPLES, &samples);
-        EXPECT_GE(samples, 4);
+        EXPECT_GE(integerOf(GL_SAMPLES), 4);
         releaseOGLContext();
         XDestroyWindow(server, other);
     }

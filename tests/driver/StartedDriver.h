@@ -59,6 +59,12 @@ inline Colour pixelAt(int x, int y) {
     return {bytes[0], bytes[1], bytes[2]};
 }
 
+inline GLint integerOf(GLenum query) {
+    GLint value = -1;
+    glGetIntegerv(query, &value);
+    return value;
+}
+
 inline void clear(float red, float green, float blue) {
     glClearColor(red, green, blue, 1);
     glClear(GL_COLOR_BUFFER_BIT);
@@ -81,4 +87,23 @@ protected:
         EXPECT_EQ(liveHandles(), 0u);
         EXPECT_EQ(ZLT::OGL::Context::currentContext(), nullptr);
     }
+};
+
+/// The same, with a context that is current.
+class CurrentDriver : public StartedDriver {
+protected:
+    void SetUp() override {
+        StartedDriver::SetUp();
+        if (IsSkipped())
+            return;
+        context_ = std::make_unique<ZLT::OGL::ContextOffscreen>();
+        context_->makeCurrent();
+        RecordProperty("renderer", reinterpret_cast<const char*>(glGetString(GL_RENDERER)));
+    }
+    void TearDown() override {
+        context_.reset();
+        StartedDriver::TearDown();
+    }
+
+    std::unique_ptr<ZLT::OGL::ContextOffscreen> context_;
 };

@@ -249,12 +249,8 @@ TEST_F(WglExtensionDriverTest, aContextIsMadeOfTheVersionAndProfileAskedFor) {
     const HGLRC made = create(window_->device(), context_, core.data());
     ASSERT_NE(made, nullptr);
     ASSERT_TRUE(wglMakeCurrent(window_->device(), made));
-    GLint profile = 0;
-    glGetIntegerv(GL_CONTEXT_PROFILE_MASK, &profile);
-    EXPECT_EQ(profile, GL_CONTEXT_CORE_PROFILE_BIT);
-    GLint major = 0;
-    glGetIntegerv(GL_MAJOR_VERSION, &major);
-    EXPECT_GE(major, 3);
+    EXPECT_EQ(integerOf(GL_CONTEXT_PROFILE_MASK), GL_CONTEXT_CORE_PROFILE_BIT);
+    EXPECT_GE(integerOf(GL_MAJOR_VERSION), 3);
     EXPECT_TRUE(glIsTexture(texture)) << "shares with the first";
     EXPECT_TRUE(wglMakeCurrent(window_->device(), context_));
     EXPECT_TRUE(wglDeleteContext(made));
