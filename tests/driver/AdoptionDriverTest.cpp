@@ -36,7 +36,6 @@ public:
     virtual ~ToolkitWindow() = default;
     virtual HWND handle() const = 0;
     virtual void swap() = 0;
-    virtual bool isEgl() const { return false; }
     // Of a second window, which is shown, and on which the toolkit has no context. The size is for Wayland.
     virtual HWND secondHandle(int /*width*/, int /*height*/) { return nullptr; }
 };
@@ -50,7 +49,7 @@ void require(bool done, const char* step) {
 
 class Glfw : public ToolkitWindow {
 public:
-    explicit Glfw(int api) : egl_(api == GLFW_EGL_CONTEXT_API) {
+    explicit Glfw(int api) {
         require(glfwInit() == GLFW_TRUE, "glfwInit");
         glfwWindowHint(GLFW_CONTEXT_CREATION_API, api);
         window_ = open();
@@ -61,7 +60,6 @@ public:
         return handleOf(function<decltype(&glfwGetX11Window)>("glfwGetX11Window")(window_));
     }
     void swap() override { glfwSwapBuffers(window_); }
-    bool isEgl() const override { return egl_; }
 
 protected:
     // A GLFW for one window system lacks the functions of the other.
@@ -88,14 +86,11 @@ protected:
     }
 
     GLFWwindow* window_ = nullptr;
-
-private:
-    bool egl_;
 };
 
 class Sdl : public ToolkitWindow {
 public:
-    explicit Sdl(bool egl, const char* driver = "x11") : egl_(egl) {
+    explicit Sdl(bool egl, const char* driver = "x11") {
         SDL_SetHint(SDL_HINT_VIDEODRIVER, driver);
         SDL_SetHint(SDL_HINT_VIDEO_X11_FORCE_EGL, egl ? "1" : "0");
         // Its frames leak objects of libwayland-client, where our leaks would show as well.
@@ -112,7 +107,6 @@ public:
     }
     HWND handle() const override { return handleOf(systemOf(window_).info.x11.window); }
     void swap() override { SDL_GL_SwapWindow(window_); }
-    bool isEgl() const override { return egl_; }
 
 protected:
     static SDL_SysWMinfo systemOf(SDL_Window* window) {
@@ -141,7 +135,6 @@ protected:
 
 private:
     SDL_GLContext context_ = nullptr;
-    bool egl_;
 };
 
 // With a second window, on which it has no context.
@@ -192,6 +185,7 @@ private:
 
 struct Toolkit {
     const char* name;
+    bool egl;
     std::function<std::unique_ptr<ToolkitWindow>()> open;
 };
 
@@ -236,7 +230,7 @@ Colour drawnIn(const Colour& colour, int x = 1, int y = 1) {
 
 TEST_P(AdoptionDriverTest, theToolkitsContextIsTheCurrentOneAndStaysIt) {
     const Native before;
-    EXPECT_EQ(before.egl != nullptr, window_->isEgl());
+    EXPECT_EQ(before.egl != nullptr, GetParam().egl);
     const HGLRC adopted = Context::currentContext();
     ASSERT_NE(adopted, nullptr);
     EXPECT_THROW(ExtensionManager::Instance(), ZLT::InternalException) << "not wrapped yet";
@@ -249,11 +243,8 @@ TEST_P(AdoptionDriverTest, theToolkitsContextIsTheCurrentOneAndStaysIt) {
 
         int redBits = 0, depthBits = -1, others = 0;
         wrapped.getBitDepths(&redBits, &others, &others, &others, &others, &depthBits);
-        GLint bits = 0;
-        glGetIntegerv(GL_RED_BITS, &bits);
-        EXPECT_EQ(redBits, bits);
-        glGetIntegerv(GL_DEPTH_BITS, &bits);
-        EXPECT_EQ(depthBits, bits);
+        EXPECT_EQ(redBits, integerOf(GL_RED_BITS));
+        EXPECT_EQ(depthBits, integerOf(GL_DEPTH_BITS));
 
         // Contexts of our own come and go, on this thread and on another.
         const ContextOffscreen own;
@@ -321,7 +312,7 @@ TEST_P(AdoptionDriverTest, whatTheToolkitMakesCurrentLaterIsSeen) {
     const ContextOffscreen own;
     own.makeCurrent();
     // Behind our back, by the native call alone.
-    if (window_->isEgl()) {
+    if (GetParam().egl) {
         EXPECT_TRUE(eglMakeCurrent(eglGetCurrentDisplay(), EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT));
         EXPECT_EQ(Context::currentContext(), nullptr);
     } else {
@@ -346,7 +337,7 @@ TEST_P(AdoptionDriverTest, whatTheToolkitClosedIsNotTouchedAgain) {
     wrapped->makeCurrent();
     // EGL's own objects don't outlive the display: GLFW closes the connection before it ends EGL, which then
     // destroys them by requests.
-    if (window_->isEgl())
+    if (GetParam().egl)
         sharing.reset();
     window_.reset();
     EXPECT_EQ(Context::currentContext(), nullptr);
@@ -385,15 +376,17 @@ TEST_P(SecondWindowDriverTest, hasTheSizeThatTheProgramTellsAndStaysTheToolkits)
 
 const auto nameOf = [](const auto& info) { return std::string(info.param.name); };
 const Toolkit onWayland[] = {
-    {"SdlByWayland", [] { return std::make_unique<ByWayland<Sdl, SDL_Window>>(true, "wayland"); }},
-    {"GlfwByWayland", [] { return std::make_unique<ByWayland<Glfw, GLFWwindow>>(GLFW_EGL_CONTEXT_API); }}};
+    {"SdlByWayland", true, [] { return std::make_unique<ByWayland<Sdl, SDL_Window>>(true, "wayland"); }},
+    {"GlfwByWayland", true,
+     [] { return std::make_unique<ByWayland<Glfw, GLFWwindow>>(GLFW_EGL_CONTEXT_API); }}};
 INSTANTIATE_TEST_SUITE_P(Wayland, AdoptionDriverTest, ::testing::ValuesIn(onWayland), nameOf);
 INSTANTIATE_TEST_SUITE_P(Wayland, SecondWindowDriverTest, ::testing::ValuesIn(onWayland), nameOf);
 INSTANTIATE_TEST_SUITE_P(
     X11, AdoptionDriverTest,
-    ::testing::Values(Toolkit{"GlfwByEgl", [] { return std::make_unique<Glfw>(GLFW_EGL_CONTEXT_API); }},
-                      Toolkit{"GlfwByGlx", [] { return std::make_unique<Glfw>(GLFW_NATIVE_CONTEXT_API); }},
-                      Toolkit{"SdlByEgl", [] { return std::make_unique<Sdl>(true); }},
-                      Toolkit{"SdlByGlx", [] { return std::make_unique<Sdl>(false); }},
-                      Toolkit{"Freeglut", [] { return std::make_unique<Glut>(); }}),
+    ::testing::Values(Toolkit{"GlfwByEgl", true, [] { return std::make_unique<Glfw>(GLFW_EGL_CONTEXT_API); }},
+                      Toolkit{"GlfwByGlx", false,
+                              [] { return std::make_unique<Glfw>(GLFW_NATIVE_CONTEXT_API); }},
+                      Toolkit{"SdlByEgl", true, [] { return std::make_unique<Sdl>(true); }},
+                      Toolkit{"SdlByGlx", false, [] { return std::make_unique<Sdl>(false); }},
+                      Toolkit{"Freeglut", false, [] { return std::make_unique<Glut>(); }}),
     nameOf);
