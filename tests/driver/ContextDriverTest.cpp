@@ -18,7 +18,6 @@
 #include <vector>
 
 using namespace ZLT::OGL;
-using ZLT::InternalException;
 
 namespace {
 
@@ -128,11 +127,8 @@ TEST_F(ContextDriverTest, aResizedWindowIsDrawnToTheLastPixel) {
     context->makeCurrent();
     int redBits = 0, stencilBits = 0, others = 0;
     context->getBitDepths(&redBits, &others, &others, &others, &stencilBits, &others);
-    GLint bits = 0;
-    glGetIntegerv(GL_RED_BITS, &bits);
-    EXPECT_EQ(redBits, bits);
-    glGetIntegerv(GL_STENCIL_BITS, &bits);
-    EXPECT_EQ(stencilBits, bits);
+    EXPECT_EQ(redBits, integerOf(GL_RED_BITS));
+    EXPECT_EQ(stencilBits, integerOf(GL_STENCIL_BITS));
     for (const auto& [w, h] : {std::pair{width, height}, {2 * width, 3 * height}, {10, 20}}) {
         ASSERT_TRUE(MoveWindow(window.handle(), 3, 5, w, h, FALSE));
         context->swapBuffers();
@@ -155,9 +151,7 @@ TEST_F(ContextDriverTest, aMultisampledFormatHasItsSamples) {
         GTEST_SKIP() << "the driver has no multisampled window";
     }
     context->makeCurrent();
-    GLint samples = 0;
-    glGetIntegerv(GL_SAMPLES, &samples);
-    EXPECT_GE(samples, 4);
+    EXPECT_GE(integerOf(GL_SAMPLES), 4);
     releaseOGLContext();
 }
 
@@ -167,20 +161,26 @@ TEST_F(ContextDriverTest, aFloatingPointFormatIsFoundWhereTheDriverNamesOne) {
     {
         const ContextOffscreen probe;
         probe.makeCurrent();
-        std::vector<int> wanted = {WGL_DRAW_TO_WINDOW_ARB, 1, WGL_DOUBLE_BUFFER_ARB, 1};
-        wanted.insert(wanted.end(), {WGL_PIXEL_TYPE_ARB, WGL_TYPE_RGBA_FLOAT_ARB, WGL_RED_BITS_ARB, 16});
-        wanted.insert(wanted.end(), {WGL_ALPHA_BITS_ARB, 16, 0});
+        const int wanted[] = {WGL_DRAW_TO_WINDOW_ARB,
+                              1,
+                              WGL_DOUBLE_BUFFER_ARB,
+                              1,
+                              WGL_PIXEL_TYPE_ARB,
+                              WGL_TYPE_RGBA_FLOAT_ARB,
+                              WGL_RED_BITS_ARB,
+                              16,
+                              WGL_ALPHA_BITS_ARB,
+                              16,
+                              0};
         int format = 0;
         if (ExtensionManager::Instance()->isSupported(WGL_ARB_PIXEL_FORMAT_FLOAT))
-            _wcgmChoosePixelFormatARB(probe.deviceContext(), wanted.data(), nullptr, 1, &format, &found);
+            _wcgmChoosePixelFormatARB(probe.deviceContext(), wanted, nullptr, 1, &format, &found);
         releaseOGLContext();
     }
     const auto make = [&] {
         const auto context = contextOn(window.handle(), nullptr, BufferFormat(BufferFormat::RGBA16F));
         context->makeCurrent();
-        GLint bits = 0;
-        glGetIntegerv(GL_RED_BITS, &bits);
-        EXPECT_GE(bits, 16);
+        EXPECT_GE(integerOf(GL_RED_BITS), 16);
         releaseOGLContext();
     };
     EXPECT_EQ(messageOf(make), found > 0 ? "" : "Can't find suitable pixel format.");
@@ -190,15 +190,11 @@ TEST_F(ContextDriverTest, retraceControlWorksOrIsRefused) {
     const PlainWindow window(width, height);
     const auto context = contextOn(window.handle());
     context->makeCurrent();
+    const bool able = Context::supportsVerticalRetraceControl();
     for (const bool on : {false, true}) {
-        const std::string failure = messageOf([&] { context->enableSyncToVerticalRetrace(on); });
-        if (Context::supportsVerticalRetraceControl()) {
-            EXPECT_EQ(failure, "");
-            EXPECT_EQ(_wcgmGetSwapIntervalEXT(), on ? 1 : 0);
-        } else {
-            EXPECT_EQ(failure, "ContextWindowed::enableSyncToVerticalRetrace unsupported feature");
-        }
-        clear(1, 0, 0);
+        EXPECT_EQ(messageOf([&] { context->enableSyncToVerticalRetrace(on); }),
+                  able ? "" : "ContextWindowed::enableSyncToVerticalRetrace unsupported feature");
+        EXPECT_TRUE(!able || _wcgmGetSwapIntervalEXT() == (on ? 1 : 0)) << on;
         context->swapBuffers();
     }
     releaseOGLContext();
@@ -224,15 +220,8 @@ TEST_F(ContextDriverTest, aWrapperAdoptsAndLetsGoOfAContextOfWgl) {
     }
     EXPECT_EQ(Context::currentContext(), made);
     EXPECT_TRUE(glIsTexture(texture));
-    {
-        const ContextWrapped wrapped(window.device(), made, window.handle());
-        releaseOGLContext();
-        EXPECT_TRUE(wglDeleteContext(made));
-        EXPECT_EQ(messageOf<InternalException>([&] { wrapped.makeCurrent(); }),
-                  "ContextWrapped Object leaked");
-    }
-    EXPECT_EQ(messageOf<InternalException>([] { const ContextWrapped none; }),
-              "ContextWrapped::ctor invalid device");
+    releaseOGLContext();
+    EXPECT_TRUE(wglDeleteContext(made));
 }
 
 TEST_F(ContextDriverTest, badInputIsRefusedAndNothingIsLeft) {
