@@ -23,12 +23,6 @@ struct Linked : Program {
     ~Linked() override { disable(); }
 };
 
-GLint bitsOf(GLenum query) {
-    GLint bits = -1;
-    glGetIntegerv(query, &bits);
-    return bits;
-}
-
 // One object of each kind, all of them in use.
 struct Client {
     Canvas canvas;
@@ -114,35 +108,13 @@ TEST_F(ObjectDriverTest, depthAndStencilBuffersAreAttached) {
             continue;
         }
         ++tested;
-        EXPECT_EQ(bitsOf(GL_DEPTH_BITS) > 0, both || !stencil);
-        EXPECT_EQ(bitsOf(GL_STENCIL_BITS) > 0, stencil);
+        EXPECT_EQ(integerOf(GL_DEPTH_BITS) > 0, both || !stencil);
+        EXPECT_EQ(integerOf(GL_STENCIL_BITS) > 0, stencil);
         canvas.framebuffer.detach(&buffer, 0);
-        EXPECT_EQ(bitsOf(GL_DEPTH_BITS), 0);
-        EXPECT_EQ(bitsOf(GL_STENCIL_BITS) > 0, both) << "what is both stays attached as the stencil";
+        EXPECT_EQ(integerOf(GL_DEPTH_BITS), 0);
+        EXPECT_EQ(integerOf(GL_STENCIL_BITS) > 0, both) << "what is both stays attached as the stencil";
     }
     EXPECT_GE(tested, 5);
-}
-
-TEST_F(ObjectDriverTest, buffersKeepTheirBytesInEachRole) {
-    for (unsigned i = 0; i < 36; ++i) {
-        const auto role = Buffer::Type(i % 4);
-        std::array<std::uint8_t, 16> bytes, read;
-        std::iota(bytes.begin(), bytes.end(), std::uint8_t(i));
-        Buffer buffer(16, role, Buffer::Usage(i / 4), bytes.data());
-        if (role == Buffer::Type::ELEMENT_ARRAY_BUFFER)
-            buffer.convertToElementArrayBuffer();
-        EXPECT_EQ(buffer.target(), Buffer::Type2GL(role));
-        buffer.bind();
-        auto* mapped = static_cast<std::uint8_t*>(buffer.map(GL_READ_WRITE));
-        std::copy_n(mapped, 16, read.begin());
-        EXPECT_EQ(read, bytes);
-        mapped[15] = bytes[15] = 99;
-        buffer.unmap();
-        bytes[3] = bytes[4] = 77;
-        buffer.subData(3, 2, &bytes[3]);
-        buffer.getSubData(0, 16, read.data());
-        EXPECT_EQ(read, bytes);
-    }
 }
 
 TEST_F(ObjectDriverTest, whatDoesNotCompileOrLinkIsToldInTheDriversWords) {

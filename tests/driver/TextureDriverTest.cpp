@@ -35,39 +35,15 @@ void eachShape(const Each& each) {
 
 } // namespace
 
-TEST_F(TextureDriverTest, everyFormatTakesAndGivesPixelsOfEveryForm) {
-    int exchanged = 0, illegal = 0;
-    std::vector<std::uint8_t> pixels(15 * 16);
+TEST_F(TextureDriverTest, everyFormatIsStoredAsItIsAskedFor) {
     for (unsigned internal = 0; internal < 50; ++internal) {
-        Texture2D texture(Internal(internal), 5, 3, false, nullptr);
+        const Texture2D texture(Internal(internal), 5, 3, false, nullptr);
         bind(texture);
         GLint stored = 0;
         glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_INTERNAL_FORMAT, &stored);
         const GLenum token = Texture::InternalFormat2GL(Internal(internal));
         EXPECT_EQ(TokenName(unsigned(stored)), std::string(TokenName(token)));
-        for (auto format = unsigned(Format::RED); format <= unsigned(Format::LUMINANCE_ALPHA); ++format)
-            for (unsigned type = 0; type <= unsigned(Type::HALF_APPLE); ++type) {
-                if (Type(type) == Type::BITMAP)
-                    continue; // for colour indices alone
-                texture.subImage(0, 0, 0, 5, 3, Format(format), Type(type), pixels.data(), {});
-                texture.getPixelData(pixels.data(), 0, Format(format), Type(type), 1);
-                const bool packed =
-                    type >= unsigned(Type::UNSIGNED_BYTE_3_3_2) && type < unsigned(Type::HALF_APPLE);
-                const GLenum error = glGetError();
-                if (!error)
-                    ++exchanged;
-                else if (error == GL_INVALID_OPERATION && packed)
-                    ++illegal;
-                else
-                    refused(std::string(TokenName(token)) + " x " +
-                                TokenName(Texture::Format2GL(Format(format))) + " x " +
-                                TokenName(Texture::Type2GL(Type(type))),
-                            TokenName(error));
-            }
     }
-    EXPECT_GE(exchanged, 4000);
-    // Packed pixels of 3 channels have one format of 10, those of 4 channels two.
-    EXPECT_EQ(illegal, 50 * (4 * 9 + 8 * 8));
 }
 
 TEST_F(TextureDriverTest, texelsComeFromMemoryAndFromBuffersToEachEdgeAndCorner) {
