@@ -257,46 +257,39 @@ TEST(TableTest, takesWhatIsNewAtItsEndAlone) {
               errorOf({{extensions, rows}}));
 }
 
-struct Change {
-    const char* name;
-    void (*change)(std::vector<EntryPoint>& entries);
-    std::string faults;
-};
-
-const Change changes[] = {
-    {"an entry without pointers more", [](std::vector<EntryPoint>& entries) { entries.emplace_back(); },
-     "857 functions without pointers instead of 856"},
-    {"an entry with a form of its own less",
-     [](std::vector<EntryPoint>& entries) {
-         std::erase_if(entries, [](const EntryPoint& entry) { return entry.name == "Uniform3ivARB"; });
-     },
-     "66 functions with a form of their own instead of 67"},
-    {"a pointer that became an array",
-     [](std::vector<EntryPoint>& entries) {
-         std::ranges::find(entries, "Color3fv", &EntryPoint::name)->parameters.front().array = "[3]";
-     },
-     "857 functions without pointers instead of 856, 909 functions that leave a marker instead of 910"},
-};
-
 TEST(TableTest, theRecorderSaysWhichCountDiffersFromTheDocumentedOne) {
     std::istringstream extensionRows = streamOf(readAllRows(extensions)),
                        entryRows = streamOf(readAllRows(entryPoints));
     const std::vector<EntryPoint> entries = readEntryPoints(entryRows, readExtensions(extensionRows));
-    EXPECT_NO_THROW(checkRekorderSplit(entries));
-    for (const Change& change : changes) {
-        SCOPED_TRACE(change.name);
+    const auto told = [&](void (*change)(std::vector<EntryPoint> & entries)) {
         std::vector<EntryPoint> changed = entries;
-        change.change(changed);
+        change(changed);
         try {
             checkRekorderSplit(changed);
-            ADD_FAILURE() << "no exception";
         } catch (const std::runtime_error& error) {
-            EXPECT_EQ("the recorder has " + change.faults +
-                          ": correct the table, or the numbers in generator/EmitRekorder.cpp, "
-                          "src/extensionator/OpenGLRekorder.h and docs/recording-format.md",
-                      std::string(error.what()));
+            return std::string(error.what());
         }
-    }
+        return std::string();
+    };
+    const std::string start = "the recorder has ",
+                      end = ": correct the table, or the numbers in generator/EmitRekorder.cpp, "
+                            "src/extensionator/OpenGLRekorder.h and docs/recording-format.md";
+    EXPECT_EQ("", told([](auto&) {})) << "as it stands";
+    EXPECT_EQ(start + "857 functions without pointers instead of 856" + end,
+              told([](auto& entries) { entries.emplace_back(); }))
+        << "an entry without pointers more";
+    EXPECT_EQ(start + "66 functions with a form of their own instead of 67" + end, told([](auto& entries) {
+                  std::erase_if(entries, [](auto& entry) { return entry.name == "Uniform3ivARB"; });
+              }))
+        << "an entry with a form of its own less";
+    EXPECT_EQ(start +
+                  "857 functions without pointers instead of 856, 909 functions that leave a marker instead "
+                  "of 910" +
+                  end,
+              told([](auto& entries) {
+                  std::ranges::find(entries, "Color3fv", &EntryPoint::name)->parameters.front().array = "[3]";
+              }))
+        << "a pointer that became an array";
 }
 
 } // namespace
