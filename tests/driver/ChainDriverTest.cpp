@@ -4,7 +4,6 @@
 #include "StartedDriver.h"
 #include "extensionator/ExtensionManager.h"
 #include "extensionator/OpenGLErrorReporter.h"
-#include "extensionator/OpenGLTracer.h"
 #include "extensionator/ScopedInterceptor.h"
 
 #include <algorithm>
@@ -50,20 +49,6 @@ TEST_F(ChainDriverTest, anErrorBetweenBeginAndEndComesOutAtEnd) {
     EXPECT_EQ(errorOf([] { CGM(End); }).errorNumber(), unsigned(GL_INVALID_OPERATION));
     EXPECT_STREQ(errorOf([] { CGM(End); }).what(), "Unbalanced glEnd()!");
     EXPECT_NO_THROW(CGM(Finish));
-}
-
-TEST_F(ChainDriverTest, whatIsTracedIsDrawn) {
-    std::ostringstream trace;
-    OpenGLTracer tracer(trace);
-    OpenGLInterceptor::Instance()->addInterceptor(&tracer);
-    CGM(Clear, GL_COLOR_BUFFER_BIT);
-    CGM(Color3ub, 255, 0, 0);
-    CGM(Rectf, -1.0f, -1.0f, 0.0f, 1.0f);
-    OpenGLInterceptor::Instance()->popInterceptor();
-    EXPECT_EQ(pixelAt(1, 1), red);
-    EXPECT_EQ(pixelAt(6, 1), black);
-    EXPECT_NE(trace.str().find(": glColor3ub(\xFF, "), std::string::npos);
-    EXPECT_NE(trace.str().find(": glRectf(makeFloat(-1082130432) /* -1 */, "), std::string::npos);
 }
 
 // ZLT_MESSAGES is "no" where the driver's own messages are hidden from it.
