@@ -3,6 +3,7 @@
 #include "PlainWindow.h"
 #include "StartedDriver.h"
 #include "extensionator/Load.h"
+#include "extensionator/win/WglFunctions.h"
 #include "extensionator/win/wglInterceptor.h"
 #include "platform/WglTokens.h"
 
@@ -15,7 +16,8 @@
 
 using namespace ZLT::OGL;
 
-using ZLT::Platform::BOOL;
+// A function of an extension, by its name behind wgl.
+#define WGL(name) functionAddress<decltype(_wcgm##name)>("wgl" #name)
 
 namespace {
 
@@ -89,7 +91,7 @@ protected:
             return;
         context_ = wglCreateContext(window_->device());
         ASSERT_TRUE(wglMakeCurrent(window_->device(), context_));
-        const auto names = functionAddress<const char*(WINAPI*)(HDC)>("wglGetExtensionsStringARB");
+        const auto names = WGL(GetExtensionsStringARB);
         ASSERT_NE(names, nullptr);
         names_ = std::string(" ") + names(window_->device()) + " ";
     }
@@ -105,8 +107,7 @@ protected:
         return names_.find(" " + extension + " ") != std::string::npos;
     }
     int attribute(HDC device, int format, int name) const {
-        const auto get = functionAddress<BOOL(WINAPI*)(HDC, int, int, UINT, const int*, int*)>(
-            "wglGetPixelFormatAttribivARB");
+        const auto get = WGL(GetPixelFormatAttribivARB);
         int value = -1;
         EXPECT_TRUE(get(device, format, 0, 1, &name, &value)) << std::hex << name;
         return value;
@@ -125,9 +126,7 @@ protected:
         const std::vector<int> list = listOf(wanted);
         std::vector<int> found(16);
         UINT number = 0;
-        if (!functionAddress<BOOL(WINAPI*)(HDC, const int*, const FLOAT*, UINT, int*, UINT*)>(
-                "wglChoosePixelFormatARB")(window_->device(), list.data(), nullptr, 16, found.data(),
-                                           &number))
+        if (!WGL(ChoosePixelFormatARB)(window_->device(), list.data(), nullptr, 16, found.data(), &number))
             number = 0;
         found.resize(std::min<std::size_t>(number, found.size()));
         return found;
@@ -187,12 +186,11 @@ TEST_F(WglExtensionDriverTest, allWaysToAFormatShareOneNumbering) {
 TEST_F(WglExtensionDriverTest, aPbufferIsADrawableOfItsSize) {
     if (!names("WGL_ARB_pbuffer"))
         GTEST_SKIP() << "the driver has no pbuffers";
-    const auto create =
-        functionAddress<HPBUFFERARB(WINAPI*)(HDC, int, int, int, const int*)>("wglCreatePbufferARB");
-    const auto deviceOf = functionAddress<HDC(WINAPI*)(HPBUFFERARB)>("wglGetPbufferDCARB");
-    const auto query = functionAddress<BOOL(WINAPI*)(HPBUFFERARB, int, int*)>("wglQueryPbufferARB");
-    const auto release = functionAddress<int(WINAPI*)(HPBUFFERARB, HDC)>("wglReleasePbufferDCARB");
-    const auto destroy = functionAddress<BOOL(WINAPI*)(HPBUFFERARB)>("wglDestroyPbufferARB");
+    const auto create = WGL(CreatePbufferARB);
+    const auto deviceOf = WGL(GetPbufferDCARB);
+    const auto query = WGL(QueryPbufferARB);
+    const auto release = WGL(ReleasePbufferDCARB);
+    const auto destroy = WGL(DestroyPbufferARB);
     const std::vector<int> formats =
         choose({{WGL_SUPPORT_OPENGL_ARB, 1}, {WGL_DRAW_TO_PBUFFER_ARB, 1}, {WGL_RED_BITS_ARB, 8}});
     ASSERT_FALSE(formats.empty());
@@ -221,8 +219,8 @@ TEST_F(WglExtensionDriverTest, aPbufferIsADrawableOfItsSize) {
 TEST_F(WglExtensionDriverTest, readingComesFromAnotherWindowThanDrawing) {
     if (!names("WGL_ARB_make_current_read"))
         GTEST_SKIP() << "the driver reads from where it draws";
-    const auto makeCurrent = functionAddress<BOOL(WINAPI*)(HDC, HDC, HGLRC)>("wglMakeContextCurrentARB");
-    const auto readDevice = functionAddress<HDC(WINAPI*)()>("wglGetCurrentReadDCARB");
+    const auto makeCurrent = WGL(MakeContextCurrentARB);
+    const auto readDevice = WGL(GetCurrentReadDCARB);
     PlainWindow other(64, 48);
     other.setPixelFormat();
     ASSERT_TRUE(wglMakeCurrent(other.device(), context_));
@@ -238,7 +236,7 @@ TEST_F(WglExtensionDriverTest, readingComesFromAnotherWindowThanDrawing) {
 TEST_F(WglExtensionDriverTest, aContextIsMadeOfTheVersionAndProfileAskedFor) {
     if (!names("WGL_ARB_create_context") || !names("WGL_ARB_create_context_profile"))
         GTEST_SKIP() << "the driver makes contexts of one kind";
-    const auto create = functionAddress<HGLRC(WINAPI*)(HDC, HGLRC, const int*)>("wglCreateContextAttribsARB");
+    const auto create = WGL(CreateContextAttribsARB);
     GLuint texture = 0;
     glGenTextures(1, &texture);
     glBindTexture(GL_TEXTURE_2D, texture);
