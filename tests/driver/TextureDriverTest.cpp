@@ -13,13 +13,6 @@ Texels numbered(const Box& box, std::uint32_t from) {
     std::ranges::generate(result, [&] { return from += 0x01030507; });
     return result;
 }
-void paste(Texels& image, const Box& size, const Box& box, const Texels& part) {
-    for (std::size_t i = 0; i < part.size(); ++i) {
-        const std::size_t x = box.x + i % box.w, y = box.y + i / box.w % box.h;
-        const std::size_t z = box.z + i / box.w / box.h;
-        image[(z * size.h + y) * size.w + x] = part[i];
-    }
-}
 
 // One of each shape, in a format that holds bytes exactly.
 template <class Each>
@@ -46,21 +39,19 @@ TEST_F(TextureDriverTest, everyFormatIsStoredAsItIsAskedFor) {
     }
 }
 
-TEST_F(TextureDriverTest, texelsComeFromMemoryAndFromBuffersToEachEdgeAndCorner) {
+TEST_F(TextureDriverTest, texelsComeFromMemoryAndFromBuffersToTheEnd) {
     eachShape([]<class T>(T& texture) {
         const Box size = whole(texture);
         Texels image = numbered(size, 1), read = image;
         fill(texture, image);
-        for (unsigned place = 0; place < 27; ++place) { // at both ends and between, along each axis
-            Box box = {0, 0, 0, 2, std::min<std::size_t>(size.h, 2), std::min<std::size_t>(size.d, 2)};
-            box.x = (size.w - box.w) * (place % 3) / 2;
-            box.y = (size.h - box.h) * (place / 3 % 3) / 2;
-            box.z = (size.d - box.d) * (place / 9) / 2;
-            const Texels part = numbered(box, 1000 * place);
-            upload(texture, box, part.data());
-            paste(image, size, box, part);
-            EXPECT_EQ(texelsOf(texture), image) << TokenName(texture.target()) << " " << place;
-        }
+        // The last layer, row or texel alone.
+        Box end = size;
+        std::size_t& length = size.d > 1 ? end.d : size.h > 1 ? end.h : end.w;
+        (size.d > 1 ? end.z : size.h > 1 ? end.y : end.x) = std::exchange(length, 1) - 1;
+        const Texels part = numbered(end, 1000);
+        upload(texture, end, part.data());
+        std::ranges::copy_backward(part, image.end());
+        EXPECT_EQ(texelsOf(texture), image) << TokenName(texture.target());
         // For indices, it says, and is a source of pixels until a destination is wanted.
         const auto bytes = std::int64_t(4 * image.size());
         Buffer buffer(bytes + 4, Buffer::Type::ELEMENT_ARRAY_BUFFER, Buffer::Usage::STREAM_COPY, nullptr);
