@@ -40,13 +40,10 @@ struct Line {
             "gl" #name + text##s                                                                             \
     }
 
+// Of each form one. Sweep.cpp has all entries, with many values.
 const Line lines[] = {
-    LINE("()", Finish),
-    LINE("(GL_TEXTURE_2D, 5)", BindTexture, 0x0DE1, 5),
-    LINE("(16640)", Clear, 0x4100),
     LINE("(GL_NEVER, -3, 4294967295)", StencilFunc, 0x0200, -3, 0xFFFFFFFF),
     LINE("(GL_FALSE, GL_TRUE, GL_TRUE, GL_TRUE)", ColorMask, 0, 1, 2, 255),
-    LINE("(-32768, 0, 32767)", Vertex3s, -32768, 0, 32767),
     // What a whole number means makes no difference: a format stays a number.
     LINE("(GL_TEXTURE_2D, 0, 32856, 4, 2, 0, GL_RGBA, GL_UNSIGNED_BYTE, 0000000000000000)", TexImage2D,
          0x0DE1, 0, 0x8058, 4, 2, 0, 0x1908, 0x1401, nullptr),
@@ -55,25 +52,17 @@ const Line lines[] = {
          "makeFloat(-2147483648) /* -0 */)",
          ClearColor, 1, -1, 0.1f, -0.0f),
     LINE("(0.333333, -2.5e-07, 1.23457e+06)", Vertex3d, 1.0 / 3, -2.5e-7, 1234567),
-    // The four that show a float bare.
-    LINE("(GL_FRONT, GL_SHININESS, 0.5)", FragmentMaterialfEXT, 0x0404, 0x1601, 0.5f),
-    LINE("(GL_FRONT, GL_SHININESS, 1e-05)", FragmentMaterialfSGIX, 0x0404, 0x1601, 1e-5f),
+    // One of four that show a float bare.
     LINE("(GL_FRONT, Unknown Token, -2)", ImageTransformParameterfHP, 0x0404, 0x8155, -2),
-    LINE("(GL_PIXEL_TRANSFORM_2D_EXT, GL_FRONT, 1e+09)", PixelTransformParameterfEXT, 0x8330, 0x0404, 1e9f),
     LINE("((GLhandleARB)7, (GLhandleARB)4000000000)", AttachObjectARB, 7, 4000000000u),
     // Sizes and offsets lose their high half; other 64-bit values don't.
     LINE("(GL_ARRAY_BUFFER, 16, FEDCBA9876543210, GL_STATIC_DRAW)", BufferData, 0x8892, 0x100000010,
          at(0xFEDCBA9876543210), 0x88E4),
-    LINE("(GL_ARRAY_BUFFER, -1, -2147483648, 0000000000000000)", BufferSubDataARB, 0x8892, 0xFFFFFFFF,
-         0x180000000, nullptr),
     LINE("(0000000000000010, 1, 18446744073709551615)", WaitSync, at<__GLsync>(0x10), 1, ~0ull),
-    // A byte by value is a character, a zero byte too; a pointer to bytes is a text, whatever it points at.
+    // A byte by value is a character, a zero byte too; a pointer to bytes is a text.
     LINE("(\xFF, \0, \n)", Color3b, -1, 0, 10),
     LINE("(3, 0, normal)", BindAttribLocation, 3, 0, "normal"),
     LINE("(-1)", Normal3bv, signedBytes),
-    // Any other pointer is an address.
-    LINE("(1, 2, 0000000000000020, 0000000000ABCDEF)", ShaderSource, 1, 2, at<const char*>(0x20),
-         at<int>(0xABCDEF)),
 };
 
 TEST_F(TracerTest, eachValueIsWrittenInItsForm) {
