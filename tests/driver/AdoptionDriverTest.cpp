@@ -169,7 +169,7 @@ public:
         glutInit(&argc, argv);
         glutInitDisplayMode(GLUT_DOUBLE | GLUT_RGBA | GLUT_DEPTH);
         glutInitWindowSize(width, height);
-        window_ = glutCreateWindow("adopted");
+        glutCreateWindow("adopted");
     }
     ~Glut() override {
         // GLUT closes its display with the context still current on it.
@@ -178,9 +178,6 @@ public:
     }
     HWND handle() const override { return handleOf(glXGetCurrentDrawable()); }
     void swap() override { glutSwapBuffers(); }
-
-private:
-    int window_ = 0;
 };
 
 struct Toolkit {
