@@ -17,7 +17,6 @@
 
 #include <algorithm>
 #include <memory>
-#include <numeric>
 #include <type_traits>
 #include <utility>
 #include <vector>
