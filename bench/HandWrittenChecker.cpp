@@ -42,4 +42,4 @@ HandWrittenInterceptor* handWrittenChecker() {
     return &checker;
 }
 
-ActiveTexture activeTextureFunction() { return ZLT::OGL::find<ActiveTexture>("glActiveTexture"); }
+ActiveTexture activeTextureFunction() { return ZLT::OGL::functionAddress<ActiveTexture>("glActiveTexture"); }
