@@ -333,7 +333,8 @@ void OpenGLErrorReporter::cgmBegin(const char* file, unsigned int line, unsigned
         const CallValue values[] = {mode};
         failed(failure, OpenGLCall(OpenGLEntry::Begin, file, line, values));
     }
-    leave(OpenGLEntry::Begin, file, line);
+    if (leave())
+        tellMessages(OpenGLEntry::Begin, file, line);
 }
 
 void OpenGLErrorReporter::cgmEnd(const char* file, unsigned int line) {
@@ -344,7 +345,8 @@ void OpenGLErrorReporter::cgmEnd(const char* file, unsigned int line) {
     } catch (const LogicalException& failure) {
         failed(failure, OpenGLCall(OpenGLEntry::End, file, line, nullptr));
     }
-    leave(OpenGLEntry::End, file, line);
+    if (leave())
+        tellMessages(OpenGLEntry::End, file, line);
 }
 
 // A program that asks gets the errors that were reported, as if nobody had read them. One that GL still holds
@@ -365,7 +367,8 @@ unsigned int OpenGLErrorReporter::cgmGetError(const char* file, unsigned int lin
         else if (code != 0 && !reporterThread.insideBeginEnd && !state_->isLost(context))
             state_->tellBefore(code, OpenGLEntry::GetError, file, line, Detail::takeMessages());
     }
-    leave(OpenGLEntry::GetError, file, line);
+    if (leave())
+        tellMessages(OpenGLEntry::GetError, file, line);
     return code;
 }
 

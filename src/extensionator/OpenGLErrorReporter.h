@@ -90,7 +90,7 @@ private:
     template <class Result, class... Parameters>
     Result reported(CallPlace place, Parameters... arguments);
     void enter(const char* file, unsigned int line);
-    void leave(unsigned int number, const char* file, unsigned int line);
+    static bool leave(); // whether the driver said something
     // The calling thread's first call, or its first on another context.
     void settle(const char* file, unsigned int line);
     // A call that threw.

@@ -18,32 +18,48 @@ inline void OpenGLErrorReporter::enter(const char* file, unsigned int line) {
     Detail::reporterThread.inCall = true;
 }
 
-inline void OpenGLErrorReporter::leave(unsigned int number, const char* file, unsigned int line) {
+inline bool OpenGLErrorReporter::leave() {
     Detail::reporterThread.inCall = false;
-    if (Detail::reporterThread.messages) [[unlikely]]
-        tellMessages(number, file, line);
+    return Detail::reporterThread.messages != 0;
 }
 
 // The work of an entry. Out of line, and so once for all entries of the same types.
+//
+// What only a failure needs waits in memory. In registers over the call, as the compiler would have it, it
+// would cost each call six of them to save and restore, which is most of what a call without error costs
+// here.
 template <class Result, class... Parameters>
 [[gnu::noinline]] Result OpenGLErrorReporter::reported(CallPlace place, Parameters... arguments) {
+    struct {
+        OpenGLErrorReporter* reporter;
+        CallPlace place;
+        CallValue values[sizeof...(arguments) + 1];
+        [[gnu::noinline, gnu::cold]] unsigned int number() const {
+            return entriesOf<Result, Parameters...>[place.index].number;
+        }
+    } kept = {this, place, {arguments..., 0}};
+    asm volatile("" : : "g"(&kept) : "memory");
     enter(place.file, place.line);
-    const TypedEntry<Result, Parameters...>& entry = entriesOf<Result, Parameters...>[place.index];
     const auto next = [&] {
         try {
-            return (NextLayer::of(*this)->*entry.pointer)(place.file, place.line, arguments...);
+            return (NextLayer::of(*kept.reporter)->*entriesOf<Result, Parameters...>[place.index].pointer)(
+                place.file, place.line, arguments...);
         } catch (const LogicalException& failure) {
-            const CallValue values[] = {arguments..., 0};
-            failed(failure, OpenGLCall(entry.number, place.file, place.line, values));
+            kept.reporter->failed(failure,
+                                  OpenGLCall(kept.number(), kept.place.file, kept.place.line, kept.values));
             return Result();
         }
     };
+    const auto leaveEntry = [&] {
+        if (leave()) [[unlikely]]
+            kept.reporter->tellMessages(kept.number(), kept.place.file, kept.place.line);
+    };
     if constexpr (std::is_void_v<Result>) {
         next();
-        leave(entry.number, place.file, place.line);
+        leaveEntry();
     } else {
         const Result result = next();
-        leave(entry.number, place.file, place.line);
+        leaveEntry();
         return result;
     }
 }
