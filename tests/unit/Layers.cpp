@@ -259,6 +259,27 @@ TEST_F(ReporterTest, whatTheLibraryRefusesIsReportedAndOtherExceptionsPass) {
     EXPECT_THROW(outer.cgmFlush("a.cpp", 1), std::runtime_error);
 }
 
+TEST_F(ReporterTest, twoThreadsThatFailAtTheSameTimeAreCountedAndToldOnceEach) {
+    struct Failing : OpenGLForwarder {
+        void cgmFlush(const char* file, unsigned line) override {
+            throw ExceptionOGL(file, line, "", 0x0502);
+        }
+    } failing;
+    OpenGLErrorReporter shared(text, &failing);
+    const auto fail = [&](unsigned line) {
+        for (int i = 0; i < 500; ++i)
+            shared.cgmFlush("a.cpp", line);
+    };
+    std::thread other([&] { fail(1); });
+    fail(2);
+    other.join();
+    EXPECT_EQ(1000u, shared.errorCount());
+    for (const char* told : {"a.cpp:1: error: GL_INVALID_OPERATION in glFlush()\n",
+                             "a.cpp:2: error: GL_INVALID_OPERATION in glFlush()\n"})
+        EXPECT_THAT(text.str(), HasSubstr(told));
+    EXPECT_EQ(2, std::ranges::count(newText(), '\n'));
+}
+
 // What the published schema of SARIF 2.1.0 requires, and what viewers need.
 TEST_F(ReporterTest, theSarifLogHasWhatItsSchemaRequires) {
     reporter.addSink(std::make_shared<OpenGLSarifSink>(out));
