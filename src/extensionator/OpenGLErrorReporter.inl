@@ -40,10 +40,10 @@ template <class Result, class... Parameters>
     } kept = {this, place, {arguments..., 0}};
     asm volatile("" : : "g"(&kept) : "memory");
     enter(place.file, place.line);
+    const auto pointer = entriesOf<Result, Parameters...>[place.index].pointer;
     const auto next = [&] {
         try {
-            return (NextLayer::of(*kept.reporter)->*entriesOf<Result, Parameters...>[place.index].pointer)(
-                place.file, place.line, arguments...);
+            return (NextLayer::of(*kept.reporter)->*pointer)(place.file, place.line, arguments...);
         } catch (const LogicalException& failure) {
             kept.reporter->failed(failure,
                                   OpenGLCall(kept.number(), kept.place.file, kept.place.line, kept.values));
