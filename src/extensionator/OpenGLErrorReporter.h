@@ -44,7 +44,7 @@ struct CallPlace;
 ///
 /// Push it in front of the checker, outside of a begin-end pair; layers in front of it see no error. A call
 /// without error takes no lock and allocates nothing. Several threads may call at the same time.
-class OpenGLErrorReporter final : public OpenGLInterceptorDecorator {
+class ZLT_OGL_API OpenGLErrorReporter final : public OpenGLInterceptorDecorator {
 public:
     /// Which of the driver's messages are wanted. Called on the thread of the message, inside of the driver:
     /// it must not call GL.
@@ -53,32 +53,32 @@ public:
     /// Reports nowhere until a sink is added.
     /// @param next  the next layer, not owned; addInterceptor() replaces it. No call may pass while it is
     /// null
-    ZLT_OGL_API explicit OpenGLErrorReporter(OpenGLInterceptor* next = nullptr);
+    explicit OpenGLErrorReporter(OpenGLInterceptor* next = nullptr);
     /// Reports as lines of text.
     /// @param out  not owned; must live as long as the reporter
-    ZLT_OGL_API explicit OpenGLErrorReporter(std::ostream& out, OpenGLInterceptor* next = nullptr);
+    explicit OpenGLErrorReporter(std::ostream& out, OpenGLInterceptor* next = nullptr);
     /// Finishes, unless that was done and nothing was reported since, and takes the driver's messages of the
     /// current context no more. Take the layer off first.
-    ZLT_OGL_API ~OpenGLErrorReporter() override;
+    ~OpenGLErrorReporter() override;
 
     /// Reports to `sink` as well. Not while another thread is in a call.
-    ZLT_OGL_API void addSink(std::shared_ptr<OpenGLErrorSink> sink);
+    void addSink(std::shared_ptr<OpenGLErrorSink> sink);
     /// Which messages of the driver are reported; null for the default, all but notifications. Errors among
     /// them are used in any case to tell who raised an error. Not while another thread is in a call.
-    ZLT_OGL_API void setMessageFilter(MessageFilter filter);
+    void setMessageFilter(MessageFilter filter);
     /// Whether the driver is asked for its messages; true from the start. For contexts that are met from now
     /// on.
-    ZLT_OGL_API void setDriverMessages(bool on);
+    void setDriverMessages(bool on);
 
     /// Reports what is pending in the current context as raised outside of the chain, with this place. For
     /// use after foreign code that draws, and outside of a begin-end pair; without a current context nothing
     /// is done.
-    ZLT_OGL_API void reportPending(const char* file, unsigned int line);
+    void reportPending(const char* file, unsigned int line);
     /// Hands the counts to the sinks, and begins to count anew.
-    ZLT_OGL_API void finish();
+    void finish();
     /// How many errors came since the start, also those that were counted only. Messages of the driver
     /// without an error don't count.
-    ZLT_OGL_API unsigned long long errorCount() const;
+    unsigned long long errorCount() const;
 
 #include "extensionator/LayerEntries.inl"
 
