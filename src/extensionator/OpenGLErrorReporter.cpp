@@ -40,7 +40,7 @@ bool isEntry(unsigned int number) { return number < openGLEntryCount(); }
 // Everything that is locked. `tellLock` is held while sinks work, in the order of the reports; it can be
 // taken again by a sink that makes GL calls. `lock` is never held while somebody else's code runs.
 struct OpenGLErrorReporter::State : Detail::MessageReceiver {
-    explicit State(OpenGLErrorReporter& owner) : owner(owner) { addReceiver(*this); }
+    State() { addReceiver(*this); }
     virtual ~State() { removeReceiver(*this); }
 
     struct KnownContext {
@@ -98,7 +98,6 @@ struct OpenGLErrorReporter::State : Detail::MessageReceiver {
     template <class Report>
     bool drain(HGLRC context, unsigned int number, const char* file, unsigned int line, const Report& report);
 
-    OpenGLErrorReporter& owner;
     MessageFilter filter;
     bool listens = true;
     std::recursive_mutex tellLock;
@@ -165,6 +164,9 @@ void OpenGLErrorReporter::State::tellLost(HGLRC context, std::string_view reason
 void OpenGLErrorReporter::State::tellMessages(std::vector<OpenGLDriverMessage> messages, unsigned int number,
                                               const char* file, unsigned int line) {
     for (OpenGLDriverMessage& message : messages) {
+        // Errors among them were kept for the calls that failed, and this is none.
+        if (filter && !filter(message))
+            continue;
         OpenGLErrorReport report = at(OpenGLErrorReport::Kind::DriverMessage, number, file, line);
         report.messages.push_back(std::move(message));
         tell(std::move(report));
@@ -190,7 +192,7 @@ bool OpenGLErrorReporter::State::drain(HGLRC context, unsigned int number, const
 }
 
 OpenGLErrorReporter::OpenGLErrorReporter(OpenGLInterceptor* next)
-    : OpenGLInterceptorDecorator(next), serial_(newSerial()), state_(std::make_unique<State>(*this)) {}
+    : OpenGLInterceptorDecorator(next), serial_(newSerial()), state_(std::make_unique<State>()) {}
 
 OpenGLErrorReporter::OpenGLErrorReporter(std::ostream& out, OpenGLInterceptor* next)
     : OpenGLErrorReporter(next) {
@@ -270,6 +272,9 @@ void OpenGLErrorReporter::failed(const LogicalException& failure, const OpenGLCa
         return;
     }
 
+    // The call was not made: what is pending is somebody else's.
+    if (code == 0)
+        reportPending(call.file(), call.line());
     // An error that the driver spoke of between two calls, and not in this one, is not this one's.
     std::vector<OpenGLDriverMessage> messages = Detail::takeMessages();
     const auto isOf = [](bool inside) {
@@ -281,7 +286,7 @@ void OpenGLErrorReporter::failed(const LogicalException& failure, const OpenGLCa
     std::vector<OpenGLDriverMessage> outside(std::make_move_iterator(messages.begin()),
                                              std::make_move_iterator(firstInside));
     messages.erase(messages.begin(), firstInside);
-    const bool blamesCall = outside.empty() || std::ranges::any_of(messages, isOf(true));
+    const bool blamesCall = code == 0 || outside.empty() || std::ranges::any_of(messages, isOf(true));
     if (code != 0 && !outside.empty())
         state_->tellBefore(code, call.number(), call.file(), call.line(), std::move(outside));
 
