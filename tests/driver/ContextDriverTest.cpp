@@ -252,7 +252,7 @@ TEST_F(ContextDriverTest, aWindowMayGoBeforeItsContextAndIsNotRestored) {
 TEST_F(ContextDriverTest, aThousandContextsLeaveNothingBehind) {
     const ContextOffscreen first;
     const std::size_t allocations = ZLT::Core::allocationCount();
-    for (int i = 0; i < 1000; ++i) {
+    for (int i = 0; i < repeated(1000); ++i) {
         const auto context =
             i % 2 ? std::make_unique<ContextOffscreen>(&first) : std::make_unique<ContextOffscreen>();
         context->makeCurrent();

@@ -218,11 +218,11 @@ TEST_F(NeighbourDriverTest, aHundredStartsAndAThousandWindowsLeaveNoDescriptorOp
     // What the driver opens for good it has opened with the first.
     { const ContextOffscreen context; }
     const std::size_t before = openDescriptors();
-    for (int i = 0; i < 100; ++i) {
+    for (int i = 0; i < repeated(100); ++i) {
         Library::terminate();
         Library::initialize(Library::InitOptions());
     }
-    for (int i = 0; i < 1000; ++i) {
+    for (int i = 0; i < repeated(1000); ++i) {
         const PlainWindow window(8, 8);
         contextOn(window.handle())->makeCurrent();
         releaseOGLContext();

@@ -158,7 +158,7 @@ TEST_F(ObjectDriverTest, uniformsOfEachKindArrive) {
 }
 
 TEST_F(ObjectDriverTest, startUseAndStopAHundredTimes) {
-    for (int i = 0; i < 100; ++i) {
+    for (int i = 0; i < repeated(100); ++i) {
         { const Client client; }
         TearDown(); // expects that no allocation, handle or context is left
         SetUp();

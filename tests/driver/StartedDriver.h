@@ -49,6 +49,16 @@ contextOn(HWND window, const ZLT::OGL::Context* share = nullptr,
                                                        ZLT::OGL::Context::teMultisample(samples), share);
 }
 
+/// So many repetitions; under the thread sanitizer, whose price for each of the driver's threads is seconds,
+/// a twentieth.
+constexpr int repeated(int times) {
+#if defined(__SANITIZE_THREAD__)
+    return times / 20;
+#else
+    return times;
+#endif
+}
+
 using Colour = std::array<int, 3>;
 constexpr Colour black = {0, 0, 0}, red = {255, 0, 0}, green = {0, 255, 0}, blue = {0, 0, 255},
                  white = {255, 255, 255};
