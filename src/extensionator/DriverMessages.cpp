@@ -13,57 +13,6 @@
 
 namespace ZLT::OGL {
 
-bool OpenGLDriverMessage::isError() const noexcept { return type == GL_DEBUG_TYPE_ERROR; }
-
-const char* OpenGLDriverMessage::sourceName() const noexcept {
-    switch (source) {
-    case GL_DEBUG_SOURCE_API:
-        return "driver";
-    case GL_DEBUG_SOURCE_WINDOW_SYSTEM:
-        return "window system";
-    case GL_DEBUG_SOURCE_SHADER_COMPILER:
-        return "shader compiler";
-    case GL_DEBUG_SOURCE_THIRD_PARTY:
-        return "third party";
-    case GL_DEBUG_SOURCE_APPLICATION:
-        return "application";
-    default:
-        return "other";
-    }
-}
-
-const char* OpenGLDriverMessage::typeName() const noexcept {
-    switch (type) {
-    case GL_DEBUG_TYPE_ERROR:
-        return "error";
-    case GL_DEBUG_TYPE_DEPRECATED_BEHAVIOR:
-        return "deprecated behavior";
-    case GL_DEBUG_TYPE_UNDEFINED_BEHAVIOR:
-        return "undefined behavior";
-    case GL_DEBUG_TYPE_PORTABILITY:
-        return "portability";
-    case GL_DEBUG_TYPE_PERFORMANCE:
-        return "performance";
-    case GL_DEBUG_TYPE_MARKER:
-        return "marker";
-    default:
-        return "other";
-    }
-}
-
-const char* OpenGLDriverMessage::severityName() const noexcept {
-    switch (severity) {
-    case GL_DEBUG_SEVERITY_HIGH:
-        return "high";
-    case GL_DEBUG_SEVERITY_MEDIUM:
-        return "medium";
-    case GL_DEBUG_SEVERITY_LOW:
-        return "low";
-    default:
-        return "notification";
-    }
-}
-
 namespace Detail {
 
 constinit thread_local ReporterThread reporterThread;

@@ -123,13 +123,16 @@ void OpenGLErrorReporter::State::tell(OpenGLErrorReport report) {
     const String what = isMessage ? report.messages.front().text : report.reason;
     const auto [place, isNew] = known.try_emplace(
         {report.file, report.line, report.function, static_cast<int>(report.kind), what}, totals.size());
+    // A sink may add one, or cause another report.
+    const auto told = sinks;
     if (!isNew) {
-        ++totals[place->second].count;
+        const std::size_t number = place->second;
+        ++totals[number].count;
+        for (const std::shared_ptr<OpenGLErrorSink>& sink : told)
+            sink->repeated(number);
         return;
     }
     totals.push_back({report, 1});
-    // A sink may add one, or cause another report.
-    const auto told = sinks;
     for (const std::shared_ptr<OpenGLErrorSink>& sink : told)
         sink->report(report);
 }

@@ -45,13 +45,13 @@ String quoted(const OpenGLDriverMessage& message) {
     return String("the ") + message.sourceName() + " says: " + message.text;
 }
 
-// "file:line: ", as far as they are known.
-void writePlace(std::ostream& out, const OpenGLErrorReport& report) {
-    if (report.file.empty())
+// "file:line: ", as far as they are known; of a report or a frame of the stack.
+void writePlace(std::ostream& out, const auto& place) {
+    if (place.file.empty())
         return;
-    out << report.file;
-    if (report.line > 0)
-        out << ':' << std::to_string(report.line);
+    out << place.file;
+    if (place.line > 0)
+        out << ':' << std::to_string(place.line);
     out << ": ";
 }
 
@@ -63,6 +63,57 @@ void writeLines(std::ostream& out, std::string_view text) {
 }
 
 } // namespace
+
+bool OpenGLDriverMessage::isError() const noexcept { return type == GL_DEBUG_TYPE_ERROR; }
+
+const char* OpenGLDriverMessage::sourceName() const noexcept {
+    switch (source) {
+    case GL_DEBUG_SOURCE_API:
+        return "driver";
+    case GL_DEBUG_SOURCE_WINDOW_SYSTEM:
+        return "window system";
+    case GL_DEBUG_SOURCE_SHADER_COMPILER:
+        return "shader compiler";
+    case GL_DEBUG_SOURCE_THIRD_PARTY:
+        return "third party";
+    case GL_DEBUG_SOURCE_APPLICATION:
+        return "application";
+    default:
+        return "other";
+    }
+}
+
+const char* OpenGLDriverMessage::typeName() const noexcept {
+    switch (type) {
+    case GL_DEBUG_TYPE_ERROR:
+        return "error";
+    case GL_DEBUG_TYPE_DEPRECATED_BEHAVIOR:
+        return "deprecated behavior";
+    case GL_DEBUG_TYPE_UNDEFINED_BEHAVIOR:
+        return "undefined behavior";
+    case GL_DEBUG_TYPE_PORTABILITY:
+        return "portability";
+    case GL_DEBUG_TYPE_PERFORMANCE:
+        return "performance";
+    case GL_DEBUG_TYPE_MARKER:
+        return "marker";
+    default:
+        return "other";
+    }
+}
+
+const char* OpenGLDriverMessage::severityName() const noexcept {
+    switch (severity) {
+    case GL_DEBUG_SEVERITY_HIGH:
+        return "high";
+    case GL_DEBUG_SEVERITY_MEDIUM:
+        return "medium";
+    case GL_DEBUG_SEVERITY_LOW:
+        return "low";
+    default:
+        return "notification";
+    }
+}
 
 OpenGLErrorReport::Level OpenGLErrorReport::level() const noexcept {
     switch (kind) {
@@ -143,6 +194,7 @@ String openGLErrorName(unsigned int code) {
 }
 
 OpenGLErrorSink::~OpenGLErrorSink() = default;
+void OpenGLErrorSink::repeated(std::size_t) {}
 void OpenGLErrorSink::finish(const std::vector<OpenGLErrorTotal>&) {}
 
 OpenGLCallbackSink::OpenGLCallbackSink(Callback callback) : callback_(std::move(callback)) {}
@@ -166,6 +218,11 @@ void OpenGLTextSink::report(const OpenGLErrorReport& report) {
             out << "note: ";
             writeLines(out, quoted(message));
         }
+    for (const OpenGLStackFrame& frame : report.stack) {
+        writePlace(out, frame);
+        out << "note: called from ";
+        writeLines(out, frame.function.empty() ? "here" : std::string_view(frame.function));
+    }
     out.flush();
 }
 
@@ -211,11 +268,23 @@ std::string uriOf(std::string_view path) {
 
 using Json = nlohmann::ordered_json;
 
-Json locationOf(const OpenGLErrorReport& report) {
-    Json place = {{"artifactLocation", {{"uri", uriOf(report.file)}}}};
-    if (report.line > 0)
-        place["region"] = {{"startLine", report.line}};
+// Of a report or a frame of the stack.
+Json locationOf(const auto& at) {
+    Json place = {{"artifactLocation", {{"uri", uriOf(at.file)}}}};
+    if (at.line > 0)
+        place["region"] = {{"startLine", at.line}};
     return {{"physicalLocation", place}};
+}
+
+Json stackOf(const OpenGLErrorReport& report) {
+    Json frames = Json::array();
+    for (const OpenGLStackFrame& frame : report.stack) {
+        Json location = locationOf(frame);
+        if (!frame.function.empty())
+            location["logicalLocations"] = Json::array({{{"name", std::string(frame.function)}}});
+        frames.push_back({{"location", location}});
+    }
+    return {{"frames", frames}};
 }
 
 Json messagesOf(const OpenGLErrorReport& report) {
@@ -237,6 +306,8 @@ Json resultOf(const OpenGLErrorTotal& total) {
                    {"occurrenceCount", total.count}};
     if (!report.file.empty())
         result["locations"] = Json::array({locationOf(report)});
+    if (!report.stack.empty())
+        result["stacks"] = Json::array({stackOf(report)});
     if (!report.messages.empty())
         result["properties"] = {{"driverMessages", messagesOf(report)}};
     return result;

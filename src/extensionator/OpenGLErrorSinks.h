@@ -3,6 +3,7 @@
 #include "Export.h"
 #include "zlt/core/memory/ZLTAllocator.h"
 
+#include <cstddef>
 #include <functional>
 #include <iosfwd>
 #include <vector>
@@ -31,6 +32,13 @@ struct OpenGLDriverMessage {   // NOLINT(bugprone-exception-escape): a move allo
     ZLT_OGL_API const char* severityName() const noexcept;
 };
 
+/// A caller of the call that failed.
+struct OpenGLStackFrame {
+    String function; ///< empty where it is not known
+    String file;     ///< as for the report; the module and the offset in it where it is not known
+    unsigned int line = 0;
+};
+
 /// One thing that went wrong. Lives as long as the call that hands it over, unless it is copied.
 struct OpenGLErrorReport {
     enum class Kind {
@@ -52,6 +60,9 @@ struct OpenGLErrorReport {
     String reason;             ///< "GL_INVALID_ENUM", or why the call was refused
     /// What the driver said about it, or, of a DriverMessage, the one message.
     std::vector<OpenGLDriverMessage> messages;
+    /// The callers of the function that made the call, the nearest first. The reporter leaves it empty; a
+    /// sink of the client's own may fill it and hand the report on.
+    std::vector<OpenGLStackFrame> stack;
 
     /// DriverMessage: by severity. RaisedBefore: a warning, since the line is not to blame. Else an error.
     ZLT_OGL_API Level level() const noexcept;
@@ -83,6 +94,9 @@ public:
     /// An error that was not told before: of the errors of one line that are equal but for their arguments,
     /// the first.
     virtual void report(const OpenGLErrorReport& report) = 0;
+    /// An error that was told before came again.
+    /// @param number  of the report() that told it, from 0, counted from the start or the last finish()
+    virtual void repeated(std::size_t number);
     /// The end: all that was reported, in that order, with the number of times it came.
     virtual void finish(const std::vector<OpenGLErrorTotal>& totals);
 };
@@ -104,6 +118,7 @@ private:
 ///
 ///     scene.cpp:105: error: GL_INVALID_ENUM in glEnable(0xDEAD)
 ///     scene.cpp:105: note: the driver says: GL_INVALID_ENUM in glEnable(0xdead)
+///     main.cpp:12: note: called from main
 ///
 /// and at the end a note for each that came more than once. Each report is flushed, so that a crash loses
 /// none.
