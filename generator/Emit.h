@@ -3,6 +3,7 @@
 #include "Table.h"
 
 #include <filesystem>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -52,6 +53,20 @@ std::string loading(const std::vector<std::string>& loads);
 std::string layerHead(const EntryPoint& entry, const std::string& layer);
 /// The last lines of it: the call of the next layer, and the closing brace.
 std::string forwarding(const EntryPoint& entry);
+/// Types of result and parameters: "void, unsigned int, unsigned int".
+std::string signatureOf(const EntryPoint& entry);
+/// The entries by their types, each with its place among those of the same types.
+class EntriesByType {
+public:
+    explicit EntriesByType(const std::vector<Topic>& topics);
+    std::size_t placeOf(const EntryPoint& entry) const { return places_.at(&entry); }
+    const std::map<std::string, std::vector<const EntryPoint*>>& groups() const { return groups_; }
+
+private:
+    std::map<std::string, std::vector<const EntryPoint*>> groups_;
+    std::map<const EntryPoint*, std::size_t> places_;
+};
+
 /// Whether the entry's floats are written as the stream writes them, without their bits.
 bool showsPlainFloats(const EntryPoint& entry);
 
@@ -97,6 +112,11 @@ void emitForwarder(const std::vector<Topic>& topics, const std::filesystem::path
 void emitWatchLayer(const std::vector<Topic>& topics, const std::filesystem::path& directory);
 /// OpenGLErrorReporter_*.cpp: all but the three that are special.
 void emitErrorReporter(const std::vector<Topic>& topics, const std::filesystem::path& directory);
+/// Exports_*.cpp: the functions that a foreign program calls in place of the driver's.
+void emitExports(const std::vector<Topic>& topics, const std::filesystem::path& directory);
+/// EntriesByName.inl, ExportedFunctions.inl, LaterFunctions.inl: what looks a function up by its name.
+void emitExportedNames(const std::vector<EntryPoint>& entries, const std::vector<std::string>& later,
+                       const std::filesystem::path& directory);
 /// gl_tokens.h.
 void emitTokenHeader(const std::vector<Token>& tokens, const std::filesystem::path& directory);
 /// TokenRows.inl.

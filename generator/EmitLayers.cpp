@@ -10,9 +10,6 @@
 
 namespace generator {
 
-namespace {
-
-/// Types of result and parameters: "void, unsigned int, unsigned int".
 std::string signatureOf(const EntryPoint& entry) {
     std::string text = entry.plainResult;
     for (const Parameter& parameter : entry.parameters)
@@ -20,24 +17,16 @@ std::string signatureOf(const EntryPoint& entry) {
     return text;
 }
 
-/// The entries by their types, each with its place among those of the same types.
-class EntriesByType {
-public:
-    explicit EntriesByType(const std::vector<Topic>& topics) {
-        for (const Topic& topic : topics)
-            for (const EntryPoint* entry : topic.entries) {
-                std::vector<const EntryPoint*>& same = groups_[signatureOf(*entry)];
-                places_[entry] = same.size();
-                same.push_back(entry);
-            }
-    }
-    std::size_t placeOf(const EntryPoint& entry) const { return places_.at(&entry); }
-    const std::map<std::string, std::vector<const EntryPoint*>>& groups() const { return groups_; }
+EntriesByType::EntriesByType(const std::vector<Topic>& topics) {
+    for (const Topic& topic : topics)
+        for (const EntryPoint* entry : topic.entries) {
+            std::vector<const EntryPoint*>& same = groups_[signatureOf(*entry)];
+            places_[entry] = same.size();
+            same.push_back(entry);
+        }
+}
 
-private:
-    std::map<std::string, std::vector<const EntryPoint*>> groups_;
-    std::map<const EntryPoint*, std::size_t> places_;
-};
+namespace {
 
 /// A layer of which each entry does its work in a template that all entries of the same types share.
 void emitSharedLayer(const std::vector<Topic>& topics, const std::filesystem::path& directory,

@@ -355,4 +355,20 @@ std::vector<Token> readTokens(std::istream& in) {
     return tokens;
 }
 
+std::vector<std::string> readLaterFunctions(std::istream& in, const std::vector<EntryPoint>& entries) {
+    Rows rows(in, "gl_later_functions.tsv", "name");
+    std::set<std::string> known;
+    for (const EntryPoint& entry : entries)
+        known.insert(entry.name);
+    std::vector<std::string> names;
+    while (rows.next()) {
+        const std::string& name = rows.cell(0);
+        if (!names.empty() && name <= names.back())
+            rows.fail(name + " does not follow the row before it");
+        addName(known, name, rows);
+        names.push_back(name);
+    }
+    return names;
+}
+
 } // namespace generator

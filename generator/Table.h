@@ -115,6 +115,9 @@ std::vector<WglEntryPoint> readWglEntryPoints(std::istream& in);
 /// Reads gl_tokens.tsv: ascending 32-bit values, distinct names.
 std::vector<Token> readTokens(std::istream& in);
 
+/// Reads gl_later_functions.tsv: names in ascending order, none of which is an entry's.
+std::vector<std::string> readLaterFunctions(std::istream& in, const std::vector<EntryPoint>& entries);
+
 /// The type of a parameter or result; throws std::invalid_argument on one that isn't known.
 Type typeOf(const std::string& gl);
 /// The same for a function of WGL.

@@ -25,6 +25,8 @@ void generate(const std::filesystem::path& tables, const std::filesystem::path& 
     const std::vector<EntryPoint> entries = readEntryPoints(entryRows, extensions);
     const std::vector<WglFunction> wglFunctions = readWglFunctions(wglRows, extensions);
     const std::vector<WglEntryPoint> wglEntries = readWglEntryPoints(wglEntryRows);
+    std::ifstream laterRows = open(tables / "gl_later_functions.tsv");
+    const std::vector<std::string> later = readLaterFunctions(laterRows, entries);
     const std::vector<Token> tokens = readTokens(tokenRows);
     const std::vector<Topic> topics = topicsOf(entries);
 
@@ -50,6 +52,8 @@ void generate(const std::filesystem::path& tables, const std::filesystem::path& 
     emitForwarder(topics, sources);
     emitWatchLayer(topics, sources);
     emitErrorReporter(topics, sources);
+    emitExports(topics, output / "src" / "intercept");
+    emitExportedNames(entries, later, output / "src" / "intercept");
     emitTokens(tokens, sources);
     emitTokenHeader(tokens, headers);
     emitEntryRows(entries, output / "tests");

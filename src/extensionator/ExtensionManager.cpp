@@ -2,10 +2,13 @@
 
 #include "zlt/core/Enforce.h"
 
+#include <utility>
+
 namespace ZLT::OGL {
 
 const ExtensionManager::InitOptions ExtensionManager::oInitOptions_;
 
+ExtensionManager::ExtensionManager(std::shared_ptr<FunctionTable> table) : tableExt_(std::move(table)) {}
 ExtensionManager::~ExtensionManager() = default;
 
 const FunctionTable& ExtensionManager::table() const {

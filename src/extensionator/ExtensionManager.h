@@ -182,6 +182,9 @@ public:
 private:
     friend class internal::Managers; // which makes and keeps them
 
+    // One that supports nothing by name, and has these entry points.
+    explicit ExtensionManager(std::shared_ptr<FunctionTable> table);
+
     // Reads the driver of `context`, which is left current. With null: the manager that supports nothing.
     explicit ExtensionManager(Context* context);
 

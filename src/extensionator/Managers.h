@@ -31,6 +31,11 @@ public:
     /// @throws InternalException "found" for a context that is not on record
     static void leave(Context& context);
 
+    /// One that supports nothing by name, for whoever has the entry points already.
+    static ExtensionManager* makeOf(std::shared_ptr<FunctionTable> table) {
+        return new ExtensionManager(std::move(table));
+    }
+
     /// What ExtensionManager::Instance() gives.
     static ExtensionManager* current();
 };
