@@ -42,15 +42,24 @@ set(zlt_generated_rows)
 foreach(name TokenRows EntryTable EntriesByType ExtensionNames ExtensionCases WglFunctions WglCases WglEntryPoints)
   list(APPEND zlt_generated_rows ${zlt_generated}/src/extensionator/${name}.inl)
 endforeach()
+# What src/intercept puts in place of the driver's functions.
+set(zlt_generated_exports)
+foreach(topic GL11 GL12to30 ARB EXT NV Vendors)
+  list(APPEND zlt_generated_exports ${zlt_generated}/src/intercept/Exports_${topic}.cpp)
+endforeach()
+foreach(name EntriesByName ExportedFunctions LaterFunctions)
+  list(APPEND zlt_generated_rows ${zlt_generated}/src/intercept/${name}.inl)
+endforeach()
 set(zlt_generated_tests ${zlt_generated}/tests/EntryPoints.inl)
 
 add_custom_command(
-  OUTPUT ${zlt_generated_headers} ${zlt_generated_sources} ${zlt_generated_rows} ${zlt_generated_tests}
+  OUTPUT ${zlt_generated_headers} ${zlt_generated_sources} ${zlt_generated_rows} ${zlt_generated_exports}
+    ${zlt_generated_tests}
   COMMAND ${zlt_generator} ${zlt_tables} ${zlt_generated}
   DEPENDS ${zlt_generator_target} ${zlt_tables}/gl_entry_points.tsv ${zlt_tables}/gl_tokens.tsv
           ${zlt_tables}/extensions.tsv ${zlt_tables}/wgl_extension_functions.tsv
-          ${zlt_tables}/wgl_entry_points.tsv
+          ${zlt_tables}/wgl_entry_points.tsv ${zlt_tables}/gl_later_functions.tsv
   COMMENT "Generating the call families"
   VERBATIM)
 add_custom_target(zlt_generate DEPENDS ${zlt_generated_headers} ${zlt_generated_sources} ${zlt_generated_rows}
-  ${zlt_generated_tests})
+  ${zlt_generated_exports} ${zlt_generated_tests})

@@ -1,0 +1,95 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+
+/// @file
+/// The memory that the command and the programs it watches share. Whatever becomes of a program, what it
+/// wrote is there: nothing has to be flushed, and a program that closes files it didn't open closes none of
+/// ours.
+///
+/// The command makes the memory and reads it; each watched process takes a slot of its own and writes there.
+/// A slot has a ring of records, and counters that are right at any time.
+
+namespace ZLT::Interception {
+
+inline constexpr std::uint32_t channelMagic = 0x5A4C5443;
+/// Of the layout below. Command and watched object come from one build; a stranger is refused.
+inline constexpr std::uint32_t channelVersion = 1;
+
+/// In the environment of the program: the name by which it opens the memory. Taken out again at the start.
+inline constexpr const char* channelVariable = "ZLT_OGL_CHANNEL";
+
+enum class Mode : std::uint32_t { Check, Trace };
+
+struct Options {
+    Mode mode = Mode::Check;
+    bool children = false;   ///< the programs that the program starts are watched as well
+    bool trap = false;       ///< stop in a debugger where an error is
+    bool markFrames = false; ///< a comment in the trace at each swap
+    std::uint64_t firstFrame = 1;
+    std::uint64_t lastFrame = UINT64_MAX;
+};
+
+inline constexpr std::size_t slotCount = 64;
+inline constexpr std::size_t threadSlotCount = 256;
+inline constexpr std::size_t laterCapacity = 4096;
+inline constexpr std::size_t ringSize = std::size_t(4) << 20; // a power of two
+
+enum class RecordKind : std::uint32_t {
+    Pad,    ///< nothing: up to the end of the ring
+    Site,   ///< a place that calls come from: SiteRecord, then the module's path
+    Text,   ///< the beginning of a line that doesn't fit in one record
+    Line,   ///< a line of the trace, or its end: the site (of calls, else 0), then the text
+    Report, ///< an error that is new: see ReportRecord
+    Again,  ///< the number of an error that was reported, which came once more
+    Note,   ///< a sentence for the user
+};
+
+/// In front of each record. Records begin at multiples of 8.
+struct RecordHead {
+    std::uint32_t size = 0; ///< with this head, without what fills up to the next one
+    RecordKind kind = RecordKind::Pad;
+};
+
+struct SiteRecord {
+    std::uint32_t site = 0; ///< its number, from 1
+    std::uint32_t reserved = 0;
+    std::uint64_t address = 0; ///< in the module as it lies in its file
+};
+
+/// Counts of one thread, written by it alone.
+struct alignas(64) ThreadSlot {
+    std::atomic<std::uint64_t> calls;
+};
+
+/// Of one watched process. The bytes of the ring that are written and not yet read are [read, written), each
+/// modulo the size of the ring.
+struct ProcessSlot {
+    std::atomic<std::uint32_t> process; ///< its number in the system; 0 while the slot is free
+    std::atomic<std::uint32_t> reached; ///< whether it called GL at all
+    alignas(64) std::atomic<std::uint64_t> written;
+    alignas(64) std::atomic<std::uint64_t> read;
+    alignas(64) std::atomic<std::uint32_t> threads;
+    std::atomic<std::uint32_t> contexts;
+    std::atomic<std::uint64_t> frames; ///< swaps so far
+    ThreadSlot perThread[threadSlotCount];
+    /// Calls of each function that came after the list, in the order of its table.
+    std::atomic<std::uint64_t> later[laterCapacity];
+    alignas(64) unsigned char ring[ringSize];
+};
+
+struct Channel {
+    std::uint32_t magic = channelMagic;
+    std::uint32_t version = channelVersion;
+    std::uint64_t size = 0; ///< of this structure
+    Options options;
+    std::atomic<std::uint32_t> slotsTaken;
+    std::atomic<std::uint32_t> reading; ///< 0 when nobody reads any more
+    ProcessSlot slots[slotCount];
+};
+
+static_assert(std::atomic<std::uint64_t>::is_always_lock_free);
+
+} // namespace ZLT::Interception

@@ -1,0 +1,78 @@
+#include "intercept/Contexts.h"
+
+#include "extensionator/ReporterThread.h"
+#include "intercept/Program.h"
+#include "intercept/Thread.h"
+
+#include <deque>
+#include <mutex>
+#include <unordered_map>
+
+namespace ZLT::Interception {
+
+namespace {
+
+struct Known {
+    std::mutex lock;
+    std::deque<ContextRecord> records; // which stay where they are
+    std::unordered_map<NativeContext, ContextRecord*> byAddress;
+};
+// Never destroyed: programs call GL while they end.
+Known& known() {
+    static auto& all = *new Known;
+    return all;
+}
+
+ContextRecord* add(Known& all, NativeContext context, ContextRecord* share, bool isDesktop) {
+    ContextRecord& record = all.records.emplace_back();
+    record.number = static_cast<std::uint32_t>(all.records.size());
+    record.isDesktop = isDesktop;
+    record.lists = share ? share->lists : std::make_shared<DisplayLists>();
+    all.byAddress[context] = &record;
+    program().countContext();
+    return &record;
+}
+
+ContextRecord* find(const Known& all, NativeContext context) {
+    const auto found = all.byAddress.find(context);
+    return found == all.byAddress.end() ? nullptr : found->second;
+}
+
+} // namespace
+
+ContextRecord* addContext(NativeContext context, NativeContext share, bool isDesktop) {
+    Known& all = known();
+    const std::lock_guard guard(all.lock);
+    return add(all, context, find(all, share), isDesktop);
+}
+
+void removeContext(NativeContext context) {
+    Known& all = known();
+    const std::lock_guard guard(all.lock);
+    all.byAddress.erase(context);
+}
+
+ContextRecord* findContext(NativeContext context) {
+    Known& all = known();
+    const std::lock_guard guard(all.lock);
+    return find(all, context);
+}
+
+ContextRecord* findOrAddContext(NativeContext context, bool isDesktop) {
+    if (!context)
+        return nullptr;
+    Known& all = known();
+    const std::lock_guard guard(all.lock);
+    ContextRecord* found = find(all, context);
+    return found ? found : add(all, context, nullptr, isDesktop);
+}
+
+void setCurrentContext(ContextRecord* context) {
+    if (thread.context == context)
+        return;
+    thread.context = context;
+    OGL::Detail::noticeContextChange();
+    program().chooseChain();
+}
+
+} // namespace ZLT::Interception

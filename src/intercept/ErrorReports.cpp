@@ -1,0 +1,96 @@
+#include "intercept/ErrorReports.h"
+
+#include "extensionator/OpenGLErrorReporter.h"
+#include "extensionator/ReporterThread.h"
+#include "intercept/Contexts.h"
+#include "intercept/Intercepted.h"
+#include "intercept/ReportRecord.h"
+#include "intercept/Stack.h"
+#include "platform/GL.h"
+
+#include <map>
+#include <mutex>
+#include <utility>
+
+namespace ZLT::Interception {
+
+namespace {
+
+// The numbers of reports are even for those of the reporter, and odd for those of calls without a context.
+void send(std::uint32_t number, const OGL::OpenGLErrorReport& report) {
+    ReportRecord record;
+    record.number = number;
+    record.site = report.line;
+    record.report = report;
+    for (const void* caller : callersOf(thread.returnAddress))
+        record.stack.push_back(siteOf(caller));
+    ChannelWriter& writer = program().writer();
+    writer.write(RecordKind::Report, encode(record));
+    // So that it stands among the program's own output where it belongs.
+    writer.waitForReader();
+}
+
+void sendAgain(std::uint32_t number) { program().writer().write(RecordKind::Again, bytesOf(number)); }
+
+class ChannelSink : public OGL::OpenGLErrorSink {
+public:
+    void report(const OGL::OpenGLErrorReport& report) override { send(2 * count_++, report); }
+    void repeated(std::size_t index) override { sendAgain(2 * static_cast<std::uint32_t>(index)); }
+
+private:
+    std::uint32_t count_ = 0;
+};
+
+// Such a call has no effect. Where the program made its context by a way that we don't see, the driver knows
+// its version, and the context is known from now on.
+void tellMissingContext(unsigned int number) {
+    if (glGetString(GL_VERSION)) {
+        static const char unknown = 0;
+        setCurrentContext(findOrAddContext(const_cast<char*>(&unknown), true));
+        return;
+    }
+    static std::mutex lock;
+    static auto& told = *new std::map<std::pair<std::uint32_t, unsigned int>, std::uint32_t>;
+    OGL::OpenGLErrorReport report;
+    report.kind = OGL::OpenGLErrorReport::Kind::CallRefused;
+    report.line = currentSite();
+    const std::lock_guard guard(lock);
+    const auto [place, isNew] = told.try_emplace({report.line, number}, 2 * told.size() + 1);
+    if (!isNew) {
+        sendAgain(place->second);
+        return;
+    }
+    report.function = OGL::openGLEntryName(number);
+    report.reason = "no context is current";
+    send(place->second, report);
+}
+
+} // namespace
+
+OGL::OpenGLErrorReporter& errorReporter(OGL::OpenGLInterceptor& next) {
+    static auto& reporter = *[&] {
+        auto* made = new OGL::OpenGLErrorReporter(&next);
+        made->addSink(std::make_shared<ChannelSink>());
+        if (program().options().trap)
+            made->addSink(std::make_shared<OGL::OpenGLTrapSink>());
+        return made;
+    }();
+    return reporter;
+}
+
+void afterCall(unsigned int number) {
+    if (program().options().mode != Mode::Check)
+        return;
+    if (!thread.context) [[unlikely]]
+        tellMissingContext(number);
+    OGL::Detail::reporterThread.insideBeginEnd = thread.context && thread.context->balance.isInside();
+}
+
+void tellFailure(const std::exception& failure) noexcept {
+    try {
+        program().note(failure.what());
+    } catch (...) { // NOLINT(bugprone-empty-catch): there is nobody to tell
+    }
+}
+
+} // namespace ZLT::Interception

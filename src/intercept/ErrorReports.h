@@ -1,0 +1,14 @@
+#pragma once
+
+namespace ZLT::OGL {
+class OpenGLErrorReporter;
+class OpenGLInterceptor;
+} // namespace ZLT::OGL
+
+namespace ZLT::Interception {
+
+/// The layer that finds errors, for all threads: it reports into the channel, and in a debugger where that is
+/// asked for. Made with the first call.
+OGL::OpenGLErrorReporter& errorReporter(OGL::OpenGLInterceptor& next);
+
+} // namespace ZLT::Interception

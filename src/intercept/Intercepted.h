@@ -1,0 +1,83 @@
+#pragma once
+
+#include "extensionator/SharedCall.h"
+#include "intercept/Program.h"
+#include "intercept/RealFunctions.h"
+#include "intercept/Sites.h"
+#include "intercept/Thread.h"
+#include "zlt/core/Exceptions.h"
+
+#include <exception>
+#include <type_traits>
+
+/// @file
+/// What an exported function does: it hands the program's call to the chain, with its place, or straight to
+/// the driver.
+
+#if defined(_WIN32)
+#define ZLT_INTERCEPTED extern "C"
+#else
+#define ZLT_INTERCEPTED extern "C" __attribute__((visibility("default")))
+#endif
+
+namespace ZLT::Interception {
+
+/// For what the layers let pass: memory that is short, for example.
+void tellFailure(const std::exception& failure) noexcept;
+/// After each call, still inside: tells the reporter of the balance, and the user of a context that is not
+/// there.
+void afterCall(unsigned int number);
+
+/// What glGetError answers to the layers: the driver's flag, or GL_NO_ERROR where it may not be read.
+unsigned int errorForLayers();
+
+/// Threads have a counter each, but for the last one, which many may share.
+inline void countCall() {
+    if (thread.number < threadSlotCount) [[likely]]
+        thread.calls->store(thread.calls->load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+    else
+        thread.calls->fetch_add(1, std::memory_order_relaxed);
+}
+
+/// The work of an exported function: once for all entries of the same types.
+template <class Result, class... Parameters>
+[[gnu::noinline]] Result intercepted(const void* returnAddress, unsigned int index, Parameters... arguments) {
+    const auto& entry = OGL::entriesOf<Result, Parameters...>[index];
+    OGL::OpenGLInterceptor* head = thread.head;
+    if (!head) [[unlikely]]
+        head = program().enter();
+    RealFunction real = realFunction(entry.number);
+    if (!real) [[unlikely]]
+        real = requireReal(entry.number);
+    if (!head)
+        return reinterpret_cast<Result (*)(Parameters...)>(real)(arguments...);
+
+    // Gives the thread its chain back, also where the thread is ended or jumps out of the call by unwinding.
+    struct Leave {
+        ~Leave() {
+            thread.inside = false;
+            program().chooseChain();
+        }
+    } const leave;
+    thread.head = nullptr;
+    thread.inside = true;
+    thread.frame = __builtin_frame_address(0);
+    thread.returnAddress = returnAddress;
+    countCall();
+    try {
+        if constexpr (std::is_void_v<Result>) {
+            (head->*entry.pointer)(siteFile, siteOf(returnAddress), arguments...);
+            afterCall(entry.number);
+        } else {
+            const Result result = (head->*entry.pointer)(siteFile, siteOf(returnAddress), arguments...);
+            afterCall(entry.number);
+            return result;
+        }
+    } catch (const std::exception& failure) {
+        tellFailure(failure);
+    }
+    if constexpr (!std::is_void_v<Result>)
+        return Result();
+}
+
+} // namespace ZLT::Interception

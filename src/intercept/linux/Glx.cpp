@@ -1,0 +1,132 @@
+// GLX, as far as it makes contexts and frames.
+
+#include "intercept/Contexts.h"
+#include "intercept/Intercepted.h"
+#include "intercept/linux/Libraries.h"
+
+#define GLX_GLXEXT_PROTOTYPES
+#include <GL/glx.h>
+#include <GL/glxext.h>
+
+namespace ZLT::Interception {
+
+namespace {
+
+#define ZLT_REAL(name) realOf(name, #name)
+
+using FBConfigSGIX = void*;
+
+GLXContext made(GLXContext context, GLXContext share) {
+    if (context)
+        addContext(context, share, true);
+    return context;
+}
+
+// Whether the profile that the attributes ask for is one of OpenGL ES (GLX_EXT_create_context_es2_profile).
+bool isDesktop(const int* attributes) {
+    for (; attributes && *attributes; attributes += 2)
+        if (attributes[0] == GLX_CONTEXT_PROFILE_MASK_ARB)
+            return (attributes[1] & GLX_CONTEXT_ES2_PROFILE_BIT_EXT) == 0;
+    return true;
+}
+
+Bool madeCurrent(Bool success, GLXContext context) {
+    if (success)
+        setCurrentContext(findOrAddContext(context, true));
+    return success;
+}
+
+template <class Call>
+auto inside(const Call& call) {
+    const Inside driver;
+    return call();
+}
+
+} // namespace
+
+} // namespace ZLT::Interception
+
+using namespace ZLT::Interception;
+
+ZLT_INTERCEPTED GLXContext glXCreateContext(Display* display, XVisualInfo* visual, GLXContext share,
+                                            Bool direct) {
+    return made(inside([&] { return ZLT_REAL(glXCreateContext)(display, visual, share, direct); }), share);
+}
+
+ZLT_INTERCEPTED GLXContext glXCreateNewContext(Display* display, GLXFBConfig config, int type,
+                                               GLXContext share, Bool direct) {
+    return made(inside([&] { return ZLT_REAL(glXCreateNewContext)(display, config, type, share, direct); }),
+                share);
+}
+
+ZLT_INTERCEPTED GLXContext glXCreateContextAttribsARB(Display* display, GLXFBConfig config, GLXContext share,
+                                                      Bool direct, const int* attributes) {
+    const GLXContext context = inside(
+        [&] { return ZLT_REAL(glXCreateContextAttribsARB)(display, config, share, direct, attributes); });
+    if (context)
+        addContext(context, share, isDesktop(attributes));
+    return context;
+}
+
+ZLT_INTERCEPTED GLXContext glXCreateContextWithConfigSGIX(Display* display, GLXFBConfigSGIX config, int type,
+                                                          GLXContext share, Bool direct) {
+    return made(inside([&] {
+                    return ZLT_REAL(glXCreateContextWithConfigSGIX)(display, config, type, share, direct);
+                }),
+                share);
+}
+
+ZLT_INTERCEPTED GLXContext glXImportContextEXT(Display* display, GLXContextID id) {
+    return made(inside([&] { return ZLT_REAL(glXImportContextEXT)(display, id); }), nullptr);
+}
+
+ZLT_INTERCEPTED void glXDestroyContext(Display* display, GLXContext context) {
+    removeContext(context);
+    const Inside driver;
+    ZLT_REAL(glXDestroyContext)(display, context);
+}
+
+ZLT_INTERCEPTED void glXFreeContextEXT(Display* display, GLXContext context) {
+    removeContext(context);
+    const Inside driver;
+    ZLT_REAL(glXFreeContextEXT)(display, context);
+}
+
+ZLT_INTERCEPTED Bool glXMakeCurrent(Display* display, GLXDrawable drawable, GLXContext context) {
+    return madeCurrent(inside([&] { return ZLT_REAL(glXMakeCurrent)(display, drawable, context); }), context);
+}
+
+ZLT_INTERCEPTED Bool glXMakeContextCurrent(Display* display, GLXDrawable draw, GLXDrawable read,
+                                           GLXContext context) {
+    return madeCurrent(inside([&] { return ZLT_REAL(glXMakeContextCurrent)(display, draw, read, context); }),
+                       context);
+}
+
+ZLT_INTERCEPTED Bool glXMakeCurrentReadSGI(Display* display, GLXDrawable draw, GLXDrawable read,
+                                           GLXContext context) {
+    return madeCurrent(inside([&] { return ZLT_REAL(glXMakeCurrentReadSGI)(display, draw, read, context); }),
+                       context);
+}
+
+ZLT_INTERCEPTED void glXSwapBuffers(Display* display, GLXDrawable drawable) {
+    inside([&] { ZLT_REAL(glXSwapBuffers)(display, drawable); });
+    program().countFrame();
+}
+
+ZLT_INTERCEPTED int64_t glXSwapBuffersMscOML(Display* display, GLXDrawable drawable, int64_t target,
+                                             int64_t divisor, int64_t remainder) {
+    const int64_t result =
+        inside([&] { return ZLT_REAL(glXSwapBuffersMscOML)(display, drawable, target, divisor, remainder); });
+    program().countFrame();
+    return result;
+}
+
+ZLT_INTERCEPTED void (*glXGetProcAddress(const GLubyte* name))() {
+    const auto real = ZLT_REAL(glXGetProcAddress);
+    return name && real ? handOut(reinterpret_cast<const char*>(name), real(name)) : nullptr;
+}
+
+ZLT_INTERCEPTED void (*glXGetProcAddressARB(const GLubyte* name))() {
+    const auto real = ZLT_REAL(glXGetProcAddressARB);
+    return name && real ? handOut(reinterpret_cast<const char*>(name), real(name)) : nullptr;
+}

@@ -1,0 +1,21 @@
+#pragma once
+
+/// @file
+/// The loader's functions behind ours.
+
+namespace ZLT::Interception {
+
+void* realDlsym(void* handle, const char* name);
+void* realDlopen(const char* file, int flags);
+
+/// While we ask the loader something in the midst of the program's work: what `dlerror` has to say afterwards
+/// is what it had to say before.
+class KeepError {
+public:
+    KeepError();
+    ~KeepError();
+    KeepError(const KeepError&) = delete;
+    KeepError& operator=(const KeepError&) = delete;
+};
+
+} // namespace ZLT::Interception
