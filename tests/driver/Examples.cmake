@@ -42,17 +42,8 @@ foreach(scene objects matrices shaders layers)
 endforeach()
 
 if(WIN32)
-  add_test(NAME driver.oglinfo.wgl COMMAND oglinfo --json)
-  set_tests_properties(driver.oglinfo.wgl PROPERTIES PASS_REGULAR_EXPRESSION "\"state\": \"loaded\"")
   return()
 endif()
-# Its report can be read by a program, and a machine without a driver is told so.
-add_test(NAME driver.oglinfo.headless COMMAND ${CMAKE_COMMAND} -DPROGRAM=$<TARGET_FILE:oglinfo>
-  -P ${CMAKE_CURRENT_SOURCE_DIR}/Oglinfo.cmake)
-# A display device has the name of its output.
-add_test(NAME driver.oglinfo.wayland COMMAND ${wayland} --outputs 2 $<TARGET_FILE:oglinfo>)
-set_tests_properties(driver.oglinfo.wayland PROPERTIES
-  PASS_REGULAR_EXPRESSION "screen0 \\(primary\\)\n.*screen1\n")
 zlt_example_test(adopt_glfw x11 "main\\.cpp:[0-9]+: GL_INVALID_ENUM, invalid enumerant.*shows a planet")
 # An unchanged program, on a context that GLX made.
 add_test(NAME driver.existing_program COMMAND ${CMAKE_COMMAND}

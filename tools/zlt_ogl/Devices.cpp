@@ -1,4 +1,4 @@
-#include "Report.h"
+#include "Devices.h"
 
 #include "extensionator/ExtensionManager.h"
 #include "ogl/ContextOffscreen.h"

@@ -1,4 +1,4 @@
-#include "Report.h"
+#include "Devices.h"
 
 #include <nlohmann/json.hpp>
 

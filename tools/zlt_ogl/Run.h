@@ -1,0 +1,32 @@
+#pragma once
+
+#include "Channels.h"
+
+#include <string>
+#include <vector>
+
+namespace ZLT::Interception {
+
+/// How a program ended.
+struct Ending {
+    int status = 0; ///< its exit status
+    int signal = 0; ///< or the signal that it died by
+};
+
+/// Runs a program with the object of src/intercept in it, and reads what it writes until it has ended.
+/// Signals from the terminal are the program's.
+/// @param words  the program and its arguments
+/// @throws Refusal when the program can't be run or watched
+Ending run(const std::vector<std::string>& words, ChannelReader& channel, RecordHandler& handler);
+
+/// Ends this process as the program ended.
+[[noreturn]] void endAs(const Ending& ending);
+
+/// Goes on as the program behind `zlt_ogl info`.
+/// @throws Refusal when it is not there
+[[noreturn]] void becomeInfo(bool json);
+
+/// The program in its user's words, for sentences about it.
+bool isScript(const std::string& name);
+
+} // namespace ZLT::Interception

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Channels.h"
+
+#include <string>
+
+namespace ZLT::Interception {
+
+/// What is said of all watched programs at the end: calls, contexts, threads, frames, and what was not seen.
+/// A line each, without the errors.
+std::string summaryOf(const ChannelReader& channel, const std::string& program, bool isScript);
+
+/// "1 call", "2 calls".
+std::string counted(unsigned long long number, const std::string& noun);
+
+} // namespace ZLT::Interception

@@ -1,0 +1,172 @@
+// The command: what OpenGL a machine has, and what a program does with it.
+
+#include "Check.h"
+#include "ProgramFile.h"
+#include "Run.h"
+#include "Trace.h"
+#include "zlt/core/Exceptions.h"
+
+#include <CLI/CLI.hpp>
+
+#include <iostream>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace ZLT::Interception;
+
+constexpr const char* description =
+    R"(Looks at the OpenGL calls of any program, without compiling it again.
+
+  zlt_ogl check ./game           each wrong call, with its line and its arguments
+  zlt_ogl trace -o t.txt ./game  each call
+  zlt_ogl info                   what OpenGL this machine has)";
+
+constexpr const char* checkDescription =
+    R"(Runs PROGRAM and reports each OpenGL call that raised an error, on standard error:
+
+  scene.cpp:105: error: GL_INVALID_ENUM in glEnable(0xDEAD)
+
+Equal errors of one line are told once, and counted. The lines come from the program's debug information: compile it
+with -g. Where there is none, the module and the offset stand there. PROGRAM sees nothing of this: it has its input,
+output, exit status and signals as without it.)";
+
+constexpr const char* traceDescription =
+    R"(Runs PROGRAM and writes a line for each of its OpenGL calls:
+
+  scene.cpp:168: glBindTexture(GL_TEXTURE_2D, 1)
+
+The lines come from the program's debug information, see `zlt_ogl check --help`. A comment tells the thread and the
+context where another one goes on.)";
+
+// "3", "3-7", "3-".
+struct Frames {
+    std::uint64_t first = 1, last = UINT64_MAX;
+
+    static std::string parse(const std::string& text, Frames& frames) {
+        const auto number = [](const std::string& digits, std::uint64_t& value) {
+            if (digits.empty() || digits.size() > 18 ||
+                digits.find_first_not_of("0123456789") != std::string::npos)
+                return false;
+            value = std::stoull(digits);
+            return value > 0;
+        };
+        const std::size_t dash = text.find('-');
+        bool good = number(text.substr(0, dash), frames.first);
+        if (dash == std::string::npos)
+            frames.last = frames.first;
+        else if (dash + 1 < text.size())
+            good = good && number(text.substr(dash + 1), frames.last);
+        return good && frames.first <= frames.last
+                   ? ""
+                   : text + " is no range of frames: write 3, 3-7 or 3-; the first frame is 1";
+    }
+};
+
+// What stands after the options: the program and all that is its own.
+std::vector<std::string> programOf(const CLI::App& command) {
+    std::vector<std::string> words = command.remaining();
+    if (!words.empty() && words.front() == "--")
+        words.erase(words.begin());
+    else if (!words.empty() && words.front().starts_with('-'))
+        throw Refusal("unknown option " + words.front() + "; see zlt_ogl " + command.get_name() + " --help",
+                      Refusal::usage);
+    if (words.empty())
+        throw Refusal("which program? See zlt_ogl " + command.get_name() + " --help", Refusal::usage);
+    return words;
+}
+
+// Help that says where the program stands.
+class Help : public CLI::Formatter {
+public:
+    Help() { column_width(28); }
+    std::string make_usage(const CLI::App* app, std::string name) const override {
+        if (!app->get_prefix_command())
+            return CLI::Formatter::make_usage(app, name);
+        return "Usage: zlt_ogl " + app->get_name() + " [OPTIONS] [--] PROGRAM [ARGUMENTS...]\n";
+    }
+};
+
+CLI::App& addProgramCommand(CLI::App& app, const std::string& name, const std::string& text,
+                            const char* description, Options& channel) {
+    CLI::App& command = *app.add_subcommand(name, text);
+    command.description(description);
+    command.prefix_command();
+    command.add_flag("--children", channel.children, "look at the programs that PROGRAM starts as well");
+    return command;
+}
+
+int runCommand(int argc, char** argv) {
+    CLI::App app(description, "zlt_ogl");
+    app.set_version_flag("--version", ZLT_OGL_VERSION);
+    app.require_subcommand(1);
+    app.formatter(std::make_shared<Help>());
+
+    bool json = false;
+    CLI::App& infoCommand =
+        *app.add_subcommand("info", "What the OpenGL driver of each display device offers");
+    infoCommand.add_flag("--json", json, "for programs, as JSON");
+
+    CheckOptions checkOptions;
+    checkOptions.channel.mode = Mode::Check;
+    CLI::App& checkCommand = addProgramCommand(app, "check", "Find the wrong OpenGL calls of a program",
+                                               checkDescription, checkOptions.channel);
+    checkCommand
+        .add_option("--sarif", checkOptions.sarif, "write the errors to this file too, in SARIF 2.1.0")
+        ->type_name("FILE");
+    checkCommand.add_flag("--stack", checkOptions.stack, "with the callers of each wrong call");
+    checkCommand.add_flag("--break", checkOptions.channel.trap,
+                          "stop in the debugger that is attached to PROGRAM");
+    checkCommand.add_flag("--exit-code", checkOptions.exitCode,
+                          "exit with 1 if there were errors and PROGRAM had 0");
+
+    TraceOptions traceOptions;
+    traceOptions.channel.mode = Mode::Trace;
+    CLI::App& traceCommand = addProgramCommand(app, "trace", "Write down the OpenGL calls of a program",
+                                               traceDescription, traceOptions.channel);
+    std::string frames;
+    traceCommand.add_option("-o,--output", traceOptions.output, "write to this file; else to standard error")
+        ->type_name("FILE");
+    traceCommand.add_option("--frames", frames, "only these frames, counted by swaps from 1: 3, 3-7, 3-")
+        ->type_name("A-B");
+    traceCommand.add_flag("--mark-frames", traceOptions.channel.markFrames, "a comment where a frame begins");
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        if (error.get_exit_code() == 0)
+            return app.exit(error);
+        throw Refusal(std::string(error.what()) + "; see zlt_ogl --help", Refusal::usage);
+    }
+    if (infoCommand.parsed())
+        becomeInfo(json);
+    if (checkCommand.parsed())
+        check(checkOptions, programOf(checkCommand));
+    if (!frames.empty()) {
+        Frames range;
+        if (const std::string wrong = Frames::parse(frames, range); !wrong.empty())
+            throw Refusal(wrong, Refusal::usage);
+        traceOptions.channel.firstFrame = range.first;
+        traceOptions.channel.lastFrame = range.last;
+    }
+    trace(traceOptions, programOf(traceCommand));
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return runCommand(argc, argv);
+    } catch (const Refusal& refusal) {
+        std::cerr << "zlt_ogl: " << refusal.what() << ".\n";
+        return refusal.status();
+    } catch (const ZLT::LogicalException& error) {
+        std::cerr << "zlt_ogl: ";
+        error.write(std::cerr);
+        std::cerr << '\n';
+    } catch (const std::exception& error) {
+        std::cerr << "zlt_ogl: " << error.what() << '\n';
+    }
+    return 1;
+}
