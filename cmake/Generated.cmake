@@ -47,8 +47,8 @@ set(zlt_generated_exports)
 foreach(topic GL11 GL12to30 ARB EXT NV Vendors)
   list(APPEND zlt_generated_exports ${zlt_generated}/src/intercept/Exports_${topic}.cpp)
 endforeach()
-foreach(name EntriesByName ExportedFunctions LaterFunctions)
-  list(APPEND zlt_generated_rows ${zlt_generated}/src/intercept/${name}.inl)
+foreach(name EntriesByName.inl ExportedFunctions.inl LaterFunctions.inl SystemFunctions.inl ImportedFunctions.inl opengl32.def)
+  list(APPEND zlt_generated_rows ${zlt_generated}/src/intercept/${name})
 endforeach()
 set(zlt_generated_tests ${zlt_generated}/tests/EntryPoints.inl)
 
@@ -59,6 +59,7 @@ add_custom_command(
   DEPENDS ${zlt_generator_target} ${zlt_tables}/gl_entry_points.tsv ${zlt_tables}/gl_tokens.tsv
           ${zlt_tables}/extensions.tsv ${zlt_tables}/wgl_extension_functions.tsv
           ${zlt_tables}/wgl_entry_points.tsv ${zlt_tables}/gl_later_functions.tsv
+          ${zlt_tables}/opengl32_functions.tsv
   COMMENT "Generating the call families"
   VERBATIM)
 add_custom_target(zlt_generate DEPENDS ${zlt_generated_headers} ${zlt_generated_sources} ${zlt_generated_rows}

@@ -117,6 +117,9 @@ void emitExports(const std::vector<Topic>& topics, const std::filesystem::path& 
 /// EntriesByName.inl, ExportedFunctions.inl, LaterFunctions.inl: what looks a function up by its name.
 void emitExportedNames(const std::vector<EntryPoint>& entries, const std::vector<std::string>& later,
                        const std::filesystem::path& directory);
+/// opengl32.def: what the library of that name exports. SystemFunctions.inl: what goes through it.
+void emitSystemLibrary(const std::vector<EntryPoint>& entries, const std::vector<SystemFunction>& functions,
+                       const std::filesystem::path& directory);
 /// gl_tokens.h.
 void emitTokenHeader(const std::vector<Token>& tokens, const std::filesystem::path& directory);
 /// TokenRows.inl.

@@ -74,4 +74,34 @@ void emitExportedNames(const std::vector<EntryPoint>& entries, const std::vector
     writeFile(directory / "LaterFunctions.inl", text);
 }
 
+void emitSystemLibrary(const std::vector<EntryPoint>& entries, const std::vector<SystemFunction>& functions,
+                       const std::filesystem::path& directory) {
+    std::vector<std::string> names;
+    std::string through =
+        "// Generated from tables/opengl32_functions.tsv: X(place, name) for each that goes through.\n";
+    std::size_t place = 0;
+    for (const SystemFunction& function : functions) {
+        names.push_back(function.name);
+        if (!function.isOwn)
+            through += "X(" + std::to_string(place++) + ", " + function.name + ")\n";
+    }
+    for (const EntryPoint& entry : entries)
+        if (entry.isCore11())
+            names.push_back("gl" + entry.name);
+    // The system's ordinals are the places in the order of the names.
+    std::ranges::sort(names);
+    std::string text = "; Generated from tables/gl_entry_points.tsv and tables/opengl32_functions.tsv.\n"
+                       "LIBRARY opengl32.dll\nEXPORTS\n";
+    for (std::size_t i = 0; i < names.size(); ++i)
+        text += "    " + names[i] + " @" + std::to_string(i + 1) + '\n';
+    writeFile(directory / "opengl32.def", text);
+    // By these the layers' objects call what a library would export.
+    std::string imports = generatedNotice;
+    for (const EntryPoint& entry : entries)
+        if (entry.isCore11())
+            imports += "X(gl" + entry.name + ")\n";
+    writeFile(directory / "ImportedFunctions.inl", imports);
+    writeFile(directory / "SystemFunctions.inl", through);
+}
+
 } // namespace generator

@@ -371,4 +371,18 @@ std::vector<std::string> readLaterFunctions(std::istream& in, const std::vector<
     return names;
 }
 
+std::vector<SystemFunction> readSystemFunctions(std::istream& in) {
+    Rows rows(in, "opengl32_functions.tsv", "name\tway");
+    std::vector<SystemFunction> functions;
+    while (rows.next()) {
+        const SystemFunction function = {rows.cell(0), rows.cell(1) == "own"};
+        if (!functions.empty() && function.name <= functions.back().name)
+            rows.fail(function.name + " does not follow the row before it");
+        if (!function.isOwn && rows.cell(1) != "through")
+            rows.fail("the way " + rows.cell(1) + " is neither own nor through");
+        functions.push_back(function);
+    }
+    return functions;
+}
+
 } // namespace generator

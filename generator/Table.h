@@ -118,6 +118,14 @@ std::vector<Token> readTokens(std::istream& in);
 /// Reads gl_later_functions.tsv: names in ascending order, none of which is an entry's.
 std::vector<std::string> readLaterFunctions(std::istream& in, const std::vector<EntryPoint>& entries);
 
+/// What opengl32.dll exports beside the functions of GL 1.1.
+struct SystemFunction {
+    std::string name;
+    bool isOwn = false; // it has a function of its own in src/intercept; else it goes straight through
+};
+/// Reads opengl32_functions.tsv: names in ascending order.
+std::vector<SystemFunction> readSystemFunctions(std::istream& in);
+
 /// The type of a parameter or result; throws std::invalid_argument on one that isn't known.
 Type typeOf(const std::string& gl);
 /// The same for a function of WGL.

@@ -27,6 +27,8 @@ void generate(const std::filesystem::path& tables, const std::filesystem::path& 
     const std::vector<WglEntryPoint> wglEntries = readWglEntryPoints(wglEntryRows);
     std::ifstream laterRows = open(tables / "gl_later_functions.tsv");
     const std::vector<std::string> later = readLaterFunctions(laterRows, entries);
+    std::ifstream systemRows = open(tables / "opengl32_functions.tsv");
+    const std::vector<SystemFunction> systemFunctions = readSystemFunctions(systemRows);
     const std::vector<Token> tokens = readTokens(tokenRows);
     const std::vector<Topic> topics = topicsOf(entries);
 
@@ -54,6 +56,7 @@ void generate(const std::filesystem::path& tables, const std::filesystem::path& 
     emitErrorReporter(topics, sources);
     emitExports(topics, output / "src" / "intercept");
     emitExportedNames(entries, later, output / "src" / "intercept");
+    emitSystemLibrary(entries, systemFunctions, output / "src" / "intercept");
     emitTokens(tokens, sources);
     emitTokenHeader(tokens, headers);
     emitEntryRows(entries, output / "tests");

@@ -169,6 +169,11 @@ private:
     char* end_;
 };
 
+/// The byte, and the text up to a zero byte, as they are. In a foreign program, of which nothing may be
+/// expected, others stand in their place (src/intercept/ByteForms.cpp).
+void writeByte(std::ostream& out, char value);
+void writeText(std::ostream& out, const char* text);
+
 } // namespace Detail
 
 /// What comes after an argument. Each form writes it in its own insertion.
@@ -273,7 +278,10 @@ struct Character {
     char value;
     std::string_view after;
 };
-inline std::ostream& operator<<(std::ostream& out, Character form) { return out << form.value << form.after; }
+inline std::ostream& operator<<(std::ostream& out, Character form) {
+    Detail::writeByte(out, form.value);
+    return out << form.after;
+}
 
 /// GLfloat: "makeFloat(1065353216) /* 1 */", the bits as a signed number so that a replay loses nothing.
 struct Float {
@@ -305,7 +313,8 @@ struct Text {
 };
 template <class T>
 std::ostream& operator<<(std::ostream& out, Text<T> form) {
-    return out << form.value << form.after;
+    Detail::writeText(out, form.value);
+    return out << form.after;
 }
 
 /// Any other pointer: 16 upper-case hexadecimal digits.

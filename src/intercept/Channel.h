@@ -32,13 +32,18 @@ struct Options {
     std::uint64_t lastFrame = UINT64_MAX;
 };
 
+#if defined(_WIN32)
+inline constexpr std::size_t slotCount = 1; // the system counts all of the memory, also what nobody uses
+#else
 inline constexpr std::size_t slotCount = 64;
+#endif
 inline constexpr std::size_t threadSlotCount = 256;
 inline constexpr std::size_t laterCapacity = 4096;
 inline constexpr std::size_t ringSize = std::size_t(4) << 20; // a power of two
 
 enum class RecordKind : std::uint32_t {
     Pad,    ///< nothing: up to the end of the ring
+    Module, ///< the path of a module that the program has loaded
     Site,   ///< a place that calls come from: SiteRecord, then the module's path
     Text,   ///< the beginning of a line that doesn't fit in one record
     Line,   ///< a line of the trace, or its end: the site (of calls, else 0), then the text

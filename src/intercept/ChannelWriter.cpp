@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstring>
+#include <mutex>
 #include <new>
 #include <thread>
 
@@ -44,7 +45,7 @@ bool ChannelWriter::attach(Channel& channel) {
 
 void ChannelWriter::abandon() {
     slot_ = nullptr;
-    new (&lock_) std::mutex;
+    new (&lock_) Lock;
 }
 
 bool ChannelWriter::waitForSpace(std::uint64_t size) {
@@ -53,6 +54,7 @@ bool ChannelWriter::waitForSpace(std::uint64_t size) {
            ringSize) {
         if (channel_->reading.load(std::memory_order_relaxed) == 0)
             return false;
+        lock_.beat();
         pause();
     }
     return true;

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "intercept/Channel.h"
+#include "intercept/Lock.h"
 
-#include <mutex>
 #include <string_view>
 
 namespace ZLT::Interception {
@@ -16,6 +16,9 @@ public:
     /// In a process that was forked off: writes no more into its parent's slot. The lock may be held by a
     /// thread that is not there any more.
     void abandon();
+
+    /// After a jump out of a call: this thread writes no more.
+    void giveBack() { lock_.giveBack(); }
 
     bool isAttached() const { return slot_ != nullptr; }
     const Options& options() const { return channel_->options; }
@@ -33,7 +36,7 @@ private:
 
     Channel* channel_ = nullptr;
     ProcessSlot* slot_ = nullptr;
-    std::mutex lock_;
+    Lock lock_;
 };
 
 /// The bytes of a plain value.

@@ -1,5 +1,6 @@
 #include "intercept/Contexts.h"
 
+#include "extensionator/OpenGLCall.h"
 #include "extensionator/ReporterThread.h"
 #include "intercept/Program.h"
 #include "intercept/Thread.h"
@@ -29,7 +30,11 @@ ContextRecord* add(Known& all, NativeContext context, ContextRecord* share, bool
     record.isDesktop = isDesktop;
     record.lists = share ? share->lists : std::make_shared<DisplayLists>();
     all.byAddress[context] = &record;
-    program().countContext();
+#if defined(_WIN32)
+    record.functions.resize(OGL::openGLEntryCount());
+#endif
+    if (isDesktop)
+        program().countContext();
     return &record;
 }
 
@@ -67,10 +72,21 @@ ContextRecord* findOrAddContext(NativeContext context, bool isDesktop) {
     return found ? found : add(all, context, nullptr, isDesktop);
 }
 
+void shareLists(NativeContext from, NativeContext to) {
+    Known& all = known();
+    const std::lock_guard guard(all.lock);
+    const ContextRecord* source = find(all, from);
+    if (ContextRecord* target = find(all, to); source && target)
+        target->lists = source->lists;
+}
+
 void setCurrentContext(ContextRecord* context) {
     if (thread.context == context)
         return;
     thread.context = context;
+#if defined(_WIN32)
+    thread.functions = context ? context->functions.data() : functionsWithoutContext;
+#endif
     OGL::Detail::noticeContextChange();
     program().chooseChain();
 }

@@ -4,9 +4,14 @@
 
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 /// @file
 /// The contexts that the program made, as far as it made them by functions that we see.
+
+namespace ZLT::OGL {
+class ExtensionManager;
+} // namespace ZLT::OGL
 
 namespace ZLT::Interception {
 
@@ -18,6 +23,10 @@ struct ContextRecord {
     bool isDesktop = true;    ///< OpenGL, not OpenGL ES
     std::shared_ptr<DisplayLists> lists;
     ListBalance balance;
+#if defined(_WIN32)
+    OGL::ExtensionManager* manager = nullptr; ///< made with the first call past GL 1.1
+    std::vector<void (*)()> functions;        ///< as realFunction() keeps them
+#endif
 };
 
 /// A context was made; `share` may be null, or unknown. Records are kept for good: a thread may still have
@@ -29,6 +38,8 @@ void removeContext(NativeContext context);
 ContextRecord* findContext(NativeContext context);
 /// One that was made past us is made current: as if it had been made now.
 ContextRecord* findOrAddContext(NativeContext context, bool isDesktop);
+/// `to` shares the lists of `from` from now on.
+void shareLists(NativeContext from, NativeContext to);
 /// The calling thread has this context from now on; null for none.
 void setCurrentContext(ContextRecord* context);
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 
 namespace ZLT::Interception {
 
@@ -51,9 +52,17 @@ bool isTypeOfNames(std::uint32_t type) { return type >= GL_BYTE && type <= GL_4_
 
 } // namespace
 
+// The state of the context while lists are run.
+struct DisplayLists::Run {
+    bool inside;
+    std::uint32_t base;
+    std::vector<std::optional<std::uint32_t>> pushed; // the base, where the attributes have it
+};
+
+// A list that neither begins nor ends anything, nor calls another one, changes nothing.
 void DisplayLists::replace(std::uint32_t list, std::vector<Step> steps) {
     const std::lock_guard guard(lock_);
-    if (steps.empty())
+    if (std::ranges::all_of(steps, [](const Step& step) { return step.kind > Step::CallFromBase; }))
         lists_.erase(list);
     else
         lists_[list] = std::move(steps);
@@ -70,26 +79,45 @@ void DisplayLists::erase(std::uint32_t first, std::uint32_t count) {
 
 bool DisplayLists::after(std::uint32_t list, std::uint32_t base, bool inside) const {
     const std::lock_guard guard(lock_);
-    return run(list, base, inside, 0);
+    Run state = {inside, base, {}};
+    run(list, state, 0);
+    return state.inside;
 }
 
-bool DisplayLists::run(std::uint32_t list, std::uint32_t base, bool inside, int depth) const {
+void DisplayLists::run(std::uint32_t list, Run& state, int depth) const {
     const auto found = lists_.find(list);
     if (found == lists_.end() || depth == deepest)
-        return inside;
+        return;
     for (const Step& step : found->second)
         switch (step.kind) {
         case Step::Begin:
-            inside = true;
+            state.inside = true;
             break;
         case Step::End:
-            inside = false;
+            state.inside = false;
             break;
         case Step::Call:
-            inside = run(step.addsBase ? base + step.list : step.list, base, inside, depth + 1);
+            run(step.list, state, depth + 1);
+            break;
+        case Step::CallFromBase:
+            run(state.base + step.list, state, depth + 1);
+            break;
+        case Step::SetBase:
+            state.base = step.list;
+            break;
+        case Step::PushBase:
+            state.pushed.emplace_back(state.base);
+            break;
+        case Step::PushOther:
+            state.pushed.emplace_back();
+            break;
+        case Step::Pop:
+            if (state.pushed.empty())
+                break;
+            state.base = state.pushed.back().value_or(state.base);
+            state.pushed.pop_back();
             break;
         }
-    return inside;
 }
 
 void ListBalance::begun() {
@@ -132,25 +160,28 @@ void ListBalance::listCalled(const DisplayLists& lists, std::uint32_t list) {
 }
 
 void ListBalance::listsCalled(const DisplayLists& lists, std::uint32_t count, std::uint32_t type,
-                              const void* names, std::uint32_t (*base)()) {
+                              const void* names) {
     if (!names || !isTypeOfNames(type) || count > INT32_MAX)
         return;
     const bool matters = executes_ && !lists.isEmpty();
-    if (matters && !inside_)
-        base_ = base(); // which nothing may ask for between begin and end
     for (std::uint32_t i = 0; i < count && (matters || compiles_); ++i) {
         const std::uint32_t name = nameAt(names, type, i);
         if (compiles_)
-            add({DisplayLists::Step::Call, name, true});
+            add({DisplayLists::Step::CallFromBase, name});
         if (matters)
             inside_ = lists.after(base_ + name, base_, inside_);
     }
 }
 
+void ListBalance::compiled(DisplayLists::Step step) {
+    if (compiles_)
+        add(step);
+}
+
 // Of begins and ends without a call between, the last decides.
 void ListBalance::add(DisplayLists::Step step) {
     using Step = DisplayLists::Step;
-    if (step.kind != Step::Call && !steps_.empty() && steps_.back().kind != Step::Call)
+    if (step.kind <= Step::End && !steps_.empty() && steps_.back().kind <= Step::End)
         steps_.back() = step;
     else
         steps_.push_back(step);

@@ -15,11 +15,10 @@ namespace ZLT::Interception {
 /// The lists of a share group that change the balance.
 class DisplayLists {
 public:
-    /// Something that a list does when it is called.
+    /// Something that a list does when it is called. With it goes what a call by GL_LIST_BASE has to know.
     struct Step {
-        enum Kind : std::uint8_t { Begin, End, Call } kind;
-        std::uint32_t list = 0; // of a Call
-        bool addsBase = false;  // of a Call: GL_LIST_BASE at that time is added
+        enum Kind : std::uint8_t { Begin, End, Call, CallFromBase, SetBase, PushBase, PushOther, Pop } kind;
+        std::uint32_t list = 0; // of a call: which; of SetBase: the base
     };
 
     void replace(std::uint32_t list, std::vector<Step> steps);
@@ -30,7 +29,8 @@ public:
     bool isEmpty() const { return empty_; }
 
 private:
-    bool run(std::uint32_t list, std::uint32_t base, bool inside, int depth) const;
+    struct Run;
+    void run(std::uint32_t list, Run& state, int depth) const;
 
     mutable std::mutex lock_;
     std::map<std::uint32_t, std::vector<Step>> lists_;
@@ -42,15 +42,20 @@ class ListBalance {
 public:
     bool isInside() const { return inside_; }
 
+    /// Whether the calls of lists that follow have to know GL_LIST_BASE, and may ask for it.
+    bool wantsBase(const DisplayLists& lists) const { return executes_ && !inside_ && !lists.isEmpty(); }
+    void setBase(std::uint32_t base) { base_ = base; }
+
     // Each after the driver was called.
     void begun();
     void ended();
     void listBegun(std::uint32_t list, bool executes);
     void listEnded(DisplayLists& lists);
-    /// `names` are glCallLists' values, of `type`. `base` is asked of the driver where it is needed.
     void listCalled(const DisplayLists& lists, std::uint32_t list);
-    void listsCalled(const DisplayLists& lists, std::uint32_t count, std::uint32_t type, const void* names,
-                     std::uint32_t (*base)());
+    /// `names` are glCallLists' values, of `type`.
+    void listsCalled(const DisplayLists& lists, std::uint32_t count, std::uint32_t type, const void* names);
+    /// What else is compiled that changes GL_LIST_BASE.
+    void compiled(DisplayLists::Step step);
 
 private:
     void add(DisplayLists::Step step);

@@ -2,6 +2,7 @@
 
 #include "extensionator/OpenGLErrorChecker.inl"
 #include "intercept/Contexts.h"
+#include "intercept/Program.h"
 #include "intercept/RealFunctions.h"
 #include "intercept/Thread.h"
 
@@ -15,10 +16,21 @@ void raisePending(const char* file, unsigned int line) {
         OGL::Detail::raiseGLError(file, line, code);
 }
 
-std::uint32_t listBase() {
+// Before lists are called: afterwards the context may be between begin and end.
+void learnListBase() {
+    if (program().options().mode != Mode::Check || !thread.context ||
+        !thread.context->balance.wantsBase(*thread.context->lists))
+        return;
     GLint base = 0;
     glGetIntegerv(GL_LIST_BASE, &base);
-    return static_cast<std::uint32_t>(base);
+    thread.context->balance.setBase(static_cast<std::uint32_t>(base));
+}
+
+using Step = DisplayLists::Step;
+
+void compiled(Step step) {
+    if (thread.context)
+        thread.context->balance.compiled(step);
 }
 
 // The modes of GL 1.1, those with adjacency and patches: another one is an error, and nothing was begun.
@@ -55,6 +67,7 @@ void DriverEnd::cgmEndList(const char* file, unsigned int line) {
 }
 
 void DriverEnd::cgmCallList(const char* file, unsigned int line, unsigned int list) {
+    learnListBase();
     glCallList(list);
     if (thread.context)
         thread.context->balance.listCalled(*thread.context->lists, list);
@@ -63,10 +76,11 @@ void DriverEnd::cgmCallList(const char* file, unsigned int line, unsigned int li
 
 void DriverEnd::cgmCallLists(const char* file, unsigned int line, int n, unsigned int type,
                              const void* lists) {
+    learnListBase();
     glCallLists(n, type, lists);
     if (thread.context && n > 0)
         thread.context->balance.listsCalled(*thread.context->lists, static_cast<std::uint32_t>(n), type,
-                                            lists, listBase);
+                                            lists);
     raisePending(file, line);
 }
 
@@ -75,6 +89,21 @@ void DriverEnd::cgmDeleteLists(const char* file, unsigned int line, unsigned int
     if (thread.context && range > 0)
         thread.context->lists->erase(list, static_cast<std::uint32_t>(range));
     raisePending(file, line);
+}
+
+void DriverEnd::cgmListBase(const char* file, unsigned int line, unsigned int base) {
+    compiled({Step::SetBase, base});
+    OpenGLErrorChecker::cgmListBase(file, line, base);
+}
+
+void DriverEnd::cgmPushAttrib(const char* file, unsigned int line, unsigned int mask) {
+    compiled({mask & GL_LIST_BIT ? Step::PushBase : Step::PushOther});
+    OpenGLErrorChecker::cgmPushAttrib(file, line, mask);
+}
+
+void DriverEnd::cgmPopAttrib(const char* file, unsigned int line) {
+    compiled({Step::Pop});
+    OpenGLErrorChecker::cgmPopAttrib(file, line);
 }
 
 unsigned int DriverEnd::cgmGetError(const char*, unsigned int) { return realGetError(); }

@@ -17,6 +17,9 @@ public:
     void cgmCallLists(const char* file, unsigned int line, int n, unsigned int type,
                       const void* lists) override;
     void cgmDeleteLists(const char* file, unsigned int line, unsigned int list, int range) override;
+    void cgmListBase(const char* file, unsigned int line, unsigned int base) override;
+    void cgmPushAttrib(const char* file, unsigned int line, unsigned int mask) override;
+    void cgmPopAttrib(const char* file, unsigned int line) override;
     /// As the driver answers, and nothing more: it is the program that asks.
     unsigned int cgmGetError(const char* file, unsigned int line) override;
 };

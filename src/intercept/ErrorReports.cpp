@@ -4,6 +4,7 @@
 #include "extensionator/ReporterThread.h"
 #include "intercept/Contexts.h"
 #include "intercept/Intercepted.h"
+#include "intercept/Lock.h"
 #include "intercept/ReportRecord.h"
 #include "intercept/Stack.h"
 #include "platform/GL.h"
@@ -16,8 +17,19 @@ namespace ZLT::Interception {
 
 namespace {
 
+constinit Lock lock;
+OGL::OpenGLErrorReporter* reporter = nullptr;
+
+// The calls without a context that were told, by place and entry, with their numbers.
+using ToldCalls = std::map<std::pair<std::uint32_t, unsigned int>, std::uint32_t>;
+ToldCalls& toldMissing() {
+    static auto& told = *new ToldCalls;
+    return told;
+}
+
 // The numbers of reports are even for those of the reporter, and odd for those of calls without a context.
 void send(std::uint32_t number, const OGL::OpenGLErrorReport& report) {
+    const NoSignals calm;
     ReportRecord record;
     record.number = number;
     record.site = report.line;
@@ -49,12 +61,11 @@ void tellMissingContext(unsigned int number) {
         setCurrentContext(findOrAddContext(const_cast<char*>(&unknown), true));
         return;
     }
-    static std::mutex lock;
-    static auto& told = *new std::map<std::pair<std::uint32_t, unsigned int>, std::uint32_t>;
     OGL::OpenGLErrorReport report;
     report.kind = OGL::OpenGLErrorReport::Kind::CallRefused;
     report.line = currentSite();
     const std::lock_guard guard(lock);
+    auto& told = toldMissing();
     const auto [place, isNew] = told.try_emplace({report.line, number}, 2 * told.size() + 1);
     if (!isNew) {
         sendAgain(place->second);
@@ -68,14 +79,20 @@ void tellMissingContext(unsigned int number) {
 } // namespace
 
 OGL::OpenGLErrorReporter& errorReporter(OGL::OpenGLInterceptor& next) {
-    static auto& reporter = *[&] {
-        auto* made = new OGL::OpenGLErrorReporter(&next);
-        made->addSink(std::make_shared<ChannelSink>());
+    const std::lock_guard guard(lock);
+    if (!reporter) {
+        reporter = new OGL::OpenGLErrorReporter(&next);
+        reporter->addSink(std::make_shared<ChannelSink>());
         if (program().options().trap)
-            made->addSink(std::make_shared<OGL::OpenGLTrapSink>());
-        return made;
-    }();
-    return reporter;
+            reporter->addSink(std::make_shared<OGL::OpenGLTrapSink>());
+    }
+    return *reporter;
+}
+
+void forgetReports() {
+    lock.unlock();
+    reporter = nullptr; // not destroyed: its locks may be held by threads that are not here
+    toldMissing().clear();
 }
 
 void afterCall(unsigned int number) {

@@ -45,7 +45,7 @@ template <class Result, class... Parameters>
     const auto& entry = OGL::entriesOf<Result, Parameters...>[index];
     OGL::OpenGLInterceptor* head = thread.head;
     if (!head) [[unlikely]]
-        head = program().enter();
+        head = program().enter(__builtin_frame_address(0));
     RealFunction real = realFunction(entry.number);
     if (!real) [[unlikely]]
         real = requireReal(entry.number);

@@ -28,7 +28,11 @@ union Endless {
     constexpr Endless() : value() {}
     ~Endless() {} // NOLINT(modernize-use-equals-default): of a union with a member that has one
 };
-constinit Endless<Program> theProgram;
+#if !defined(_WIN32) // where a mutex has a constructor, which runs before the library attaches
+constinit
+#endif
+    Endless<Program>
+        theProgram;
 
 DriverEnd& driverEnd() {
     static auto& end = *new DriverEnd;
@@ -50,23 +54,32 @@ void Program::leaveAlone() {
     active_.store(false, std::memory_order_relaxed);
     writer_.abandon();
     thread.head = thread.chain = nullptr;
+    thread.number = 0;
+    thread.calls = nullptr;
+    thread.trace = nullptr; // which is the parent's, as are the numbers of all that was told
+    forgetSites();
+    forgetReports();
 }
 
-OGL::OpenGLInterceptor* Program::enter() {
+OGL::OpenGLInterceptor* Program::enter(const void* frame) {
     if (thread.inside) {
-        // A jump out of a call, by longjmp from a signal handler for example, left the mark behind: this
-        // frame is an older one than that call's.
+        // A jump out of a call, by longjmp from a signal handler for example, left the mark behind: what is
+        // called from inside of that call lies below it on the stack.
         constexpr std::ptrdiff_t mostStack = 8 << 20;
-        const std::ptrdiff_t older =
-            static_cast<const char*>(__builtin_frame_address(0)) - static_cast<const char*>(thread.frame);
-        if (!thread.frame || older <= 0 || older > mostStack)
+        const std::ptrdiff_t older = static_cast<const char*>(frame) - static_cast<const char*>(thread.frame);
+        if (!thread.frame || older < 0 || older > mostStack)
             return nullptr;
         thread.inside = false;
         thread.frame = nullptr;
+        writer_.giveBack();
+        TraceOutput::giveBack();
+        if (thread.trace)
+            thread.trace->dropLine();
     }
-    if (!isActive())
+    if (!isActive() || (thread.context && !thread.context->isDesktop))
         return nullptr;
     if (thread.number == 0) {
+        const NoSignals calm; // until we are outside again
         const Inside ours;
         startThread(thread);
     }

@@ -28,7 +28,8 @@ public:
 
     /// The calling thread's first call, or one that found the thread without a chain: gives it one. Null
     /// where the call is not for the layers.
-    OGL::OpenGLInterceptor* enter();
+    /// @param frame  of the function that stands for GL's
+    OGL::OpenGLInterceptor* enter(const void* frame);
     /// After the thread's current context changed.
     void chooseChain();
     void countContext();

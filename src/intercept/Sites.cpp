@@ -1,5 +1,6 @@
 #include "intercept/Sites.h"
 
+#include "intercept/Lock.h"
 #include "intercept/Program.h"
 
 #include <atomic>
@@ -20,7 +21,7 @@ struct Entry {
 };
 constinit Entry table[tableSize];
 
-std::mutex lock;
+constinit Lock lock;
 std::uint32_t last = 0;
 // What the table has no room for.
 std::unordered_map<const void*, std::uint32_t>& overflow() {
@@ -42,11 +43,14 @@ std::uint32_t announce(const void* address) {
         record.address = reinterpret_cast<std::uintptr_t>(address);
         record.reserved = 1; // no module
     }
+    for (const std::string& module : newModules())
+        program().writer().write(RecordKind::Module, module);
     program().writer().write(RecordKind::Site, bytesOf(record), filePath(path));
     return record.site;
 }
 
 [[gnu::noinline]] std::uint32_t add(const void* address) {
+    const NoSignals calm;
     const std::lock_guard guard(lock);
     for (std::size_t i = 0; i < longestSearch; ++i) {
         Entry& entry = table[(hashOf(address) + i) % tableSize];
@@ -81,10 +85,15 @@ std::uint32_t siteOf(const void* returnAddress) {
 }
 
 void forgetSites() {
+    const NoSignals calm;
+    if (!program().isActive())
+        lock.unlock(); // in a process that was forked off; who has it is not here
     const std::lock_guard guard(lock);
     for (Entry& entry : table)
         entry.address.store(nullptr, std::memory_order_relaxed);
     overflow().clear();
+    if (!program().isActive())
+        last = 0;
 }
 
 } // namespace ZLT::Interception

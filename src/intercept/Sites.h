@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 /// @file
 /// The places that calls come from. In the program a place is a number, given once to each return address;
@@ -22,6 +23,8 @@ void forgetSites();
 /// Where an address lies, by the system's loader: the path of the module ("" for the program itself) and the
 /// address as the module's file has it. False where there is no module.
 bool findModule(const void* address, const char*& path, std::uint64_t& offset);
+/// The modules that were loaded since the last time: all of them at first.
+std::vector<std::string> newModules();
 /// The absolute path of a module's file.
 std::string filePath(const char* module);
 

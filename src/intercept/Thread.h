@@ -13,7 +13,10 @@ class OpenGLInterceptor;
 namespace ZLT::Interception {
 
 struct ContextRecord;
-struct TraceOutput;
+class TraceOutput;
+#if defined(_WIN32)
+extern void (*functionsWithoutContext[])();
+#endif
 
 struct Thread {
     /// Where the thread's calls go; null while it is inside of a call, and where its calls are none of ours.
@@ -30,6 +33,10 @@ struct Thread {
     std::uint32_t number = 0;
     std::atomic<std::uint64_t>* calls = nullptr;
     TraceOutput* trace = nullptr;
+#if defined(_WIN32)
+    /// The driver's functions, of the current context: there each driver has its own.
+    void (**functions)() = functionsWithoutContext;
+#endif
 };
 
 // With one instruction on Linux: the object comes with the program.
@@ -44,6 +51,8 @@ class Inside {
 public:
     Inside() : head_(thread.head), inside_(thread.inside) {
         thread.head = nullptr;
+        if (!inside_)
+            thread.frame = __builtin_frame_address(0);
         thread.inside = true;
     }
     ~Inside() {

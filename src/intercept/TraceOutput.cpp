@@ -2,6 +2,7 @@
 
 #include "extensionator/OpenGLCall.h"
 #include "intercept/Contexts.h"
+#include "intercept/Lock.h"
 #include "intercept/Program.h"
 #include "intercept/Thread.h"
 
@@ -17,7 +18,7 @@ namespace {
 constexpr std::size_t longestPiece = ringSize / 8;
 
 // Of which thread and context the last line was.
-std::mutex lastLock;
+constinit Lock lastLock;
 std::uint32_t lastThread = 0;
 std::uint32_t lastContext = 0;
 
@@ -53,12 +54,7 @@ bool TraceOutput::Sender::before(const OGL::OpenGLCall& call) {
 }
 
 void TraceOutput::send(const OGL::OpenGLCall& call) {
-    // A null pointer to text fails the stream, in the middle of the line: of glBitmap, whose last argument it
-    // is.
-    if (!stream_) {
-        stream_.clear();
-        stream_ << "0)\n";
-    }
+    stream_.clear(); // whatever failed in a line, the next one is written
     const std::uint32_t context = thread.context ? thread.context->number : 0;
     if (isWanted()) {
         const std::lock_guard guard(lastLock);
@@ -73,12 +69,15 @@ void TraceOutput::send(const OGL::OpenGLCall& call) {
     line_.clear();
 }
 
+void TraceOutput::giveBack() { lastLock.giveBack(); }
+
 void TraceOutput::markFrame(std::uint64_t frame) {
     if (isWanted())
         write(0, "// frame " + std::to_string(frame) + "\n");
 }
 
 void TraceOutput::Line::grow(std::size_t size) {
+    const NoSignals calm;
     const std::size_t used = text().size();
     room_.resize(std::max(room_.size() * 2, used + size));
     clear();

@@ -19,6 +19,9 @@ public:
     OGL::OpenGLInterceptor* head() { return &tracer_; }
     /// A comment: from here on, this is the frame.
     void markFrame(std::uint64_t frame);
+    /// After a jump out of a call.
+    static void giveBack();
+    void dropLine() { line_.clear(); }
 
 private:
     // Characters that are dropped when they were sent.

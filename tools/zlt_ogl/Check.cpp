@@ -7,11 +7,9 @@
 #include "intercept/ReportRecord.h"
 
 #include <cstring>
-#include <fstream>
 #include <iostream>
 #include <map>
 #include <memory>
-#include <optional>
 #include <tuple>
 
 namespace ZLT::Interception {
@@ -30,6 +28,9 @@ public:
 
     void record(std::size_t process, RecordKind kind, std::string_view bytes) override {
         switch (kind) {
+        case RecordKind::Module:
+            placeFinder().addModule(std::string(bytes));
+            break;
         case RecordKind::Site:
             sites_.add(process, bytes);
             break;
@@ -120,10 +121,10 @@ private:
 
 void check(const CheckOptions& options, const std::vector<std::string>& program) {
     ChannelReader channel(options.channel);
-    std::optional<std::ofstream> sarif;
+    std::unique_ptr<std::ostream> sarif;
     if (!options.sarif.empty())
         sarif = openOutput(options.sarif);
-    Checker checker(options.stack, sarif ? &*sarif : nullptr);
+    Checker checker(options.stack, sarif.get());
     Ending ending = run(program, channel, checker);
     checker.finish();
     std::cerr << "zlt_ogl: " << counted(checker.errorCount(), "error") << "; "

@@ -5,17 +5,52 @@
 #include <cerrno>
 #include <cstring>
 
+#if defined(_WIN32)
+#include <fstream>
+#else
+#include <ext/stdio_filebuf.h>
+#include <fcntl.h>
+#endif
+
 namespace ZLT::Interception {
 
-std::ofstream openOutput(const std::string& path) {
-    std::ofstream file(path, std::ios::binary);
-    if (!file)
+namespace {
+
+#if defined(_WIN32)
+std::unique_ptr<std::ostream> open(const std::string& path) {
+    return std::make_unique<std::ofstream>(path, std::ios::binary);
+}
+#else
+constexpr std::size_t bufferSize = 1 << 16;
+
+// A stream of the standard library can't be told to keep its descriptor from other programs.
+class File : public std::ostream {
+public:
+    explicit File(const std::string& path)
+        : std::ostream(nullptr), buffer_(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666),
+                                         std::ios::out, bufferSize) {
+        rdbuf(&buffer_);
+        if (!buffer_.is_open())
+            setstate(failbit);
+    }
+
+private:
+    __gnu_cxx::stdio_filebuf<char> buffer_;
+};
+std::unique_ptr<std::ostream> open(const std::string& path) { return std::make_unique<File>(path); }
+#endif
+
+} // namespace
+
+std::unique_ptr<std::ostream> openOutput(const std::string& path) {
+    std::unique_ptr<std::ostream> file = open(path);
+    if (!*file)
         throw Refusal(path + " can't be written: " + std::strerror(errno), Refusal::usage);
     return file;
 }
 
-void closeOutput(std::ofstream& file, const std::string& path) {
-    file.close();
+void closeOutput(std::ostream& file, const std::string& path) {
+    file.flush();
     if (!file)
         throw Refusal(path + " could not be written to the end: " + std::strerror(errno), Refusal::usage);
 }

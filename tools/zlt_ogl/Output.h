@@ -1,14 +1,15 @@
 #pragma once
 
-#include <fstream>
+#include <memory>
+#include <ostream>
 #include <string>
 
 namespace ZLT::Interception {
 
-/// A file to write, from its start.
+/// A file to write, from its start. The program that is started does not get it.
 /// @throws Refusal when it can't be written
-std::ofstream openOutput(const std::string& path);
+std::unique_ptr<std::ostream> openOutput(const std::string& path);
 /// @throws Refusal when something of it was lost
-void closeOutput(std::ofstream& file, const std::string& path);
+void closeOutput(std::ostream& file, const std::string& path);
 
 } // namespace ZLT::Interception

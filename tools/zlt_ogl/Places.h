@@ -29,7 +29,9 @@ public:
     /// @param function  what was called. A function that ends by calling another one is left before: then the
     ///                  address is its caller's, and the call is looked for in it
     virtual Place find(const std::string& module, std::uint64_t address, const std::string& function) = 0;
-    /// The same, with the calls that were inlined around it, the innermost first.
+    /// A module of the program, in which a function may be that another one calls.
+    virtual void addModule(const std::string& path) = 0;
+    /// As find(), with the calls that were inlined around it, the innermost first.
     virtual std::vector<Place> findAll(const std::string& module, std::uint64_t address) = 0;
 };
 

@@ -7,7 +7,7 @@
 
 #include <cstring>
 #include <iostream>
-#include <optional>
+#include <memory>
 
 namespace ZLT::Interception {
 
@@ -18,7 +18,9 @@ public:
     explicit Tracer(std::ostream& out) : out_(out) {}
 
     void record(std::size_t process, RecordKind kind, std::string_view bytes) override {
-        if (kind == RecordKind::Site)
+        if (kind == RecordKind::Module)
+            placeFinder().addModule(std::string(bytes));
+        else if (kind == RecordKind::Site)
             sites_.add(process, bytes);
         else if (kind == RecordKind::Note)
             std::cerr << "zlt_ogl: " << bytes << '\n';
@@ -76,7 +78,7 @@ private:
 
 void trace(const TraceOptions& options, const std::vector<std::string>& program) {
     ChannelReader channel(options.channel);
-    std::optional<std::ofstream> file;
+    std::unique_ptr<std::ostream> file;
     if (!options.output.empty())
         file = openOutput(options.output);
     std::ostream& out = file ? *file : std::cerr;

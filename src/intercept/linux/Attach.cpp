@@ -108,6 +108,26 @@ bool findModule(const void* address, const char*& path, std::uint64_t& offset) {
     return true;
 }
 
+std::vector<std::string> newModules() {
+    static unsigned long long seen = 0;
+    struct Search {
+        std::vector<std::string> paths;
+        unsigned long long added;
+    } search = {};
+    dl_iterate_phdr(
+        [](dl_phdr_info* info, std::size_t, void* data) {
+            auto& found = *static_cast<Search*>(data);
+            found.added = info->dlpi_adds;
+            if (found.added == seen)
+                return 1;
+            found.paths.push_back(filePath(info->dlpi_name));
+            return 0;
+        },
+        &search);
+    seen = search.added;
+    return search.paths;
+}
+
 std::string filePath(const char* module) {
     char path[PATH_MAX] = "";
     return realpath(*module ? module : "/proc/self/exe", path) ? path : module;

@@ -134,9 +134,11 @@ RealFunction nextFunction(const char* name) { return function(realDlsym(RTLD_NEX
 
 RealFunction requireReal(unsigned int number) {
     RealFunction& real = realFunction(number);
+    if (real)
+        return real;
+    const NoSignals calm;
     const char* name = OGL::openGLEntryName(number);
-    if (!real)
-        real = findFunctionOfDriver(name);
+    real = findFunctionOfDriver(name);
     if (!real)
         endProgram(name);
     return real;
@@ -176,6 +178,7 @@ RealFunction realOf(const char* name) {
 // The first call of such a function: where it goes from now on.
 ZLT::Interception::RealFunction zlt_find_later(unsigned int place) {
     using namespace ZLT::Interception;
+    const NoSignals calm;
     RealFunction& real = laterFunctions[place];
     const char* name = laterName(place);
     if (!real)

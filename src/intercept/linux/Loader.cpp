@@ -78,6 +78,19 @@ void* nextOf(const void* caller, const char* name) {
     return nullptr;
 }
 
+// Another object that stands in front of GL, and asks for what is behind it: that has to be the driver's.
+bool standsInFront(const void* caller, const char* name) {
+    Dl_info info = {}, own = {};
+    if (!dladdr(caller, &info) || !info.dli_fname)
+        return false;
+    void* handle = realDlopen(info.dli_fname, RTLD_NOLOAD | RTLD_LAZY);
+    if (!handle)
+        return false;
+    void* found = realDlsym(handle, name);
+    dlclose(handle);
+    return found && dladdr(found, &own) && own.dli_fbase == info.dli_fbase;
+}
+
 struct Answer {
     void* result;
     std::intptr_t isFinal; // else the loader's own function is called in our place
@@ -190,7 +203,7 @@ Answer zlt_answer_dlsym(void* handle, const char* name, const void* caller) {
     // Of a handle for the whole program ours is the first one.
     if (found == reinterpret_cast<void*>(replacement.ours))
         found = realDlsym(RTLD_NEXT, name);
-    if (found && isOfDriver(found))
+    if (found && isOfDriver(found) && !standsInFront(caller, name))
         found = reinterpret_cast<void*>(handOut(name, reinterpret_cast<RealFunction>(found)));
     return {found, true};
 }

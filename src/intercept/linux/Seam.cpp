@@ -41,31 +41,3 @@ ExtensionManager* ExtensionManager::Instance() {
 }
 
 } // namespace ZLT::OGL
-
-// GLU's texts, without GLU.
-extern "C" [[gnu::visibility("hidden")]] const GLubyte* gluErrorString(GLenum code) {
-    const char* text = "";
-    switch (code) {
-    case GL_INVALID_ENUM:
-        text = "invalid enumerant";
-        break;
-    case GL_INVALID_VALUE:
-        text = "invalid value";
-        break;
-    case GL_INVALID_OPERATION:
-        text = "invalid operation";
-        break;
-    case GL_STACK_OVERFLOW:
-        text = "stack overflow";
-        break;
-    case GL_STACK_UNDERFLOW:
-        text = "stack underflow";
-        break;
-    case GL_OUT_OF_MEMORY:
-        text = "out of memory";
-        break;
-    default:
-        break;
-    }
-    return reinterpret_cast<const GLubyte*>(text);
-}

@@ -15,6 +15,7 @@ public:
     Place find(const std::string& module, std::uint64_t address, const std::string&) override {
         return placeWithoutLine(module, address);
     }
+    void addModule(const std::string&) override {}
     std::vector<Place> findAll(const std::string& module, std::uint64_t address) override {
         return {placeWithoutLine(module, address)};
     }

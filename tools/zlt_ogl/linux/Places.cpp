@@ -14,7 +14,7 @@
 #include <functional>
 #include <map>
 #include <optional>
-#include <sstream>
+#include <set>
 #include <unordered_map>
 
 namespace ZLT::Interception {
@@ -104,6 +104,23 @@ bool isTailCall(Dwarf_Die callSite) {
     return dwarf_hasattr(&callSite, DW_AT_call_tail_call) || dwarf_hasattr(&callSite, DW_AT_GNU_tail_call);
 }
 
+class Module;
+
+// A function as a call site names it: by what it is linked as, and by where it is described. Nothing of both
+// where the compiler wrote down nothing.
+struct Callee {
+    std::string name;
+    std::optional<Dwarf_Die> die;
+    Dwarf_Addr bias = 0;
+    Module* module = nullptr;
+};
+
+// A call by which a function ends.
+struct TailCall {
+    Place place;
+    Callee called;
+};
+
 class Module {
 public:
     explicit Module(const std::string& path) {
@@ -115,11 +132,8 @@ public:
             return;
         module_ = dwfl_report_elf(dwfl_, path.c_str(), path.c_str(), -1, 0x10000, false);
         dwfl_report_end(dwfl_, nullptr, nullptr);
-        if (!module_)
-            return;
-        GElf_Addr bias = 0;
-        if (dwfl_module_getelf(module_, &bias))
-            bias_ = bias;
+        if (module_)
+            dwfl_module_getelf(module_, &bias_);
     }
     ~Module() { dwfl_end(dwfl_); }
     Module(const Module&) = delete;
@@ -137,46 +151,127 @@ public:
         return places;
     }
 
-    // The place of a call of `function` in tail position, in what the call that returns to the address
-    // called.
-    std::optional<Place> inTailOf(std::uint64_t returnAddress, const std::string& function) {
-        if (!module_)
+    // What the call that returns to this address called. A unit is read once.
+    Callee calledAt(std::uint64_t returnAddress) {
+        const Dwarf_Addr address = returnAddress + bias_;
+        Dwarf_Addr bias = 0;
+        Dwarf_Die* unit = module_ ? unitAt(address - 1, bias) : nullptr;
+        if (!unit)
             return {};
-        const std::string called = calledAt(returnAddress);
-        if (called.empty() || called == function)
-            return {};
-        std::vector<Place> found;
-        findTailCalls(called, function, 0, found);
-        return found.size() == 1 ? std::optional(found.front()) : std::nullopt;
+        const auto [calls, isNew] = calledByReturn_.try_emplace(dwarf_dieoffset(unit));
+        if (isNew)
+            visit(*unit, [&](const Dwarf_Die& die) {
+                if (isCallSite(die))
+                    if (const std::optional<Dwarf_Addr> after = returnOf(die))
+                        calls->second.emplace(*after, calleeOf(die, bias));
+                return false;
+            });
+        const auto found = calls->second.find(address - bias);
+        return found == calls->second.end() ? Callee() : found->second;
+    }
+
+    // The calls by which the function that is linked by this name ends; none where it isn't of this module.
+    std::vector<TailCall> tailCallsOf(const std::string& function) {
+        std::vector<TailCall> found;
+        const auto [first, last] = symbols().equal_range(function);
+        for (auto symbol = first; symbol != last; ++symbol) {
+            Dwarf_Addr bias = 0;
+            Dwarf_Die* unit = unitAt(symbol->second, bias);
+            if (unit)
+                addTailCallsOf(*unit, bias, demangled(function), found,
+                               [&](Dwarf_Die&, Dwarf_Addr low) { return low == symbol->second - bias; });
+        }
+        return found;
+    }
+
+    // The same for a function that is described by itself or as what others are made from: one that is not
+    // linked.
+    std::vector<TailCall> tailCallsOf(const Callee& callee) {
+        std::vector<TailCall> found;
+        Dwarf_Die die = *callee.die, unit;
+        if (!dwarf_diecu(&die, &unit, nullptr, nullptr))
+            return found;
+        addTailCallsOf(unit, callee.bias, callee.name, found, [&](Dwarf_Die& other, Dwarf_Addr) {
+            const std::optional<Dwarf_Die> origin =
+                referenceOf(other, {DW_AT_abstract_origin, DW_AT_specification});
+            return dwarf_dieoffset(&other) == dwarf_dieoffset(&die) ||
+                   (origin && dwarf_dieoffset(const_cast<Dwarf_Die*>(&*origin)) == dwarf_dieoffset(&die));
+        });
+        return found;
     }
 
 private:
+    Callee calleeOf(const Dwarf_Die& callSite, Dwarf_Addr bias) {
+        const std::optional<Dwarf_Die> called = calledOf(callSite);
+        return called ? Callee{linkNameOf(*called), called, bias, this} : Callee();
+    }
+
+    // Of each function in the unit that has code and that `isIt` knows by description and first address.
+    template <class IsIt>
+    void addTailCallsOf(const Dwarf_Die& unit, Dwarf_Addr bias, const std::string& name,
+                        std::vector<TailCall>& found, const IsIt& isIt) {
+        visit(unit, [&](Dwarf_Die die) {
+            Dwarf_Addr low = 0;
+            if (dwarf_tag(&die) == DW_TAG_subprogram && dwarf_lowpc(&die, &low) == 0 && isIt(die, low))
+                addTailCalls(die, bias, name, found);
+            return false;
+        });
+    }
+
+    void addTailCalls(const Dwarf_Die& definition, Dwarf_Addr bias, const std::string& name,
+                      std::vector<TailCall>& found) {
+        visit(definition, [&](const Dwarf_Die& die) {
+            if (!isCallSite(die) || !isTailCall(die))
+                return false;
+            // Some compilers say where the jump is, others what follows it.
+            std::optional<Dwarf_Addr> inside = addressOf(die, {DW_AT_call_pc});
+            if (!inside && (inside = returnOf(die)))
+                --*inside;
+            if (!inside)
+                return false;
+            TailCall call = {lineAt(*inside + bias), calleeOf(die, bias)};
+            call.place.function = name;
+            found.push_back(std::move(call));
+            return false;
+        });
+    }
+
+    // The unit that has code there. Some compilers write no index of them, which is all that the library
+    // looks at.
+    Dwarf_Die* unitAt(Dwarf_Addr address, Dwarf_Addr& bias) {
+        if (Dwarf_Die* unit = dwfl_module_addrdie(module_, address, &bias))
+            return unit;
+        for (Dwarf_Die* unit = nullptr; (unit = dwfl_module_nextcu(module_, unit, &bias));)
+            if (dwarf_haspc(unit, address - bias) > 0)
+                return unit;
+        return nullptr;
+    }
+
     Place lineAt(Dwarf_Addr address) {
         Place place;
-        Dwfl_Line* line = dwfl_module_getsrc(module_, address);
+        Dwarf_Addr bias = 0;
+        Dwarf_Die* unit = unitAt(address, bias);
+        Dwarf_Line* line = unit ? dwarf_getsrc_die(unit, address - bias) : nullptr;
         int number = 0;
-        const char* file = line ? dwfl_lineinfo(line, nullptr, &number, nullptr, nullptr, nullptr) : nullptr;
-        if (!file || number <= 0)
+        if (!line || dwarf_lineno(line, &number) != 0 || number <= 0)
             return place;
-        Dwarf_Die* unit = dwfl_linecu(line);
-        place.file = asGiven(file, textOf(dwfl_line_comp_dir(line)), unit ? textOf(dwarf_diename(unit)) : "");
+        place.file = asGiven(textOf(dwarf_linesrc(line, nullptr, nullptr)), *unit);
         place.line = static_cast<unsigned int>(number);
         return place;
     }
 
     // The debug information has paths made absolute.
-    static std::string asGiven(const std::string& file, const std::string& folder, const std::string& unit) {
-        if (!unit.empty() &&
-            (fs::path(folder) / unit).lexically_normal() == fs::path(file).lexically_normal())
-            return unit;
-        const bool relative = !fs::path(unit).is_absolute();
+    static std::string asGiven(const std::string& file, Dwarf_Die unit) {
+        const std::string name = textOf(dwarf_diename(&unit));
+        std::optional<Dwarf_Attribute> attribute = attributeOf(unit, DW_AT_comp_dir);
+        const std::string folder = attribute ? textOf(dwarf_formstring(&*attribute)) : "";
+        if (!name.empty() &&
+            (fs::path(folder) / name).lexically_normal() == fs::path(file).lexically_normal())
+            return name;
+        const bool relative = !fs::path(name).is_absolute();
         if (relative && !folder.empty() && file.starts_with(folder + '/'))
             return file.substr(folder.size() + 1);
         return file;
-    }
-
-    Dwarf_Die* unitAt(Dwarf_Addr address, Dwarf_Addr& bias) {
-        return dwfl_module_addrdie(module_, address, &bias);
     }
 
     // The functions that were inlined: the innermost has the line that was found, each next one the line of
@@ -184,15 +279,13 @@ private:
     void addInlined(Dwarf_Addr address, std::vector<Place>& places) {
         Dwarf_Addr bias = 0;
         Dwarf_Die* unit = unitAt(address, bias);
-        if (!unit)
+        Dwarf_Files* files = nullptr;
+        std::size_t fileCount = 0;
+        if (!unit || dwarf_getsrcfiles(unit, &files, &fileCount) != 0)
             return;
         Dwarf_Die* scopes = nullptr;
         const int count = dwarf_getscopes(unit, address - bias, &scopes);
         const std::unique_ptr<Dwarf_Die, decltype(&std::free)> owner(scopes, &std::free);
-        Dwarf_Files* files = nullptr;
-        std::size_t fileCount = 0;
-        if (dwarf_getsrcfiles(unit, &files, &fileCount) != 0)
-            return;
         for (int i = 0; i < count; ++i) {
             Dwarf_Die& scope = scopes[i];
             const int tag = dwarf_tag(&scope);
@@ -207,91 +300,33 @@ private:
             Place caller;
             const unsigned int file = numberOf(scope, DW_AT_call_file);
             caller.line = numberOf(scope, DW_AT_call_line);
-            if (file < fileCount && caller.line > 0) {
-                std::optional<Dwarf_Attribute> folder = attributeOf(*unit, DW_AT_comp_dir);
-                caller.file =
-                    asGiven(textOf(dwarf_filesrc(files, file, nullptr, nullptr)),
-                            folder ? textOf(dwarf_formstring(&*folder)) : "", textOf(dwarf_diename(unit)));
-            }
+            if (file < fileCount && caller.line > 0)
+                caller.file = asGiven(textOf(dwarf_filesrc(files, file, nullptr, nullptr)), *unit);
             places.push_back(caller);
         }
     }
 
-    // What the call that returns to this address called, where the compiler wrote it down. A unit is read
-    // once.
-    std::string calledAt(std::uint64_t returnAddress) {
-        const Dwarf_Addr address = returnAddress + bias_;
-        Dwarf_Addr bias = 0;
-        Dwarf_Die* unit = unitAt(address - 1, bias);
-        if (!unit)
-            return "";
-        const auto [calls, isNew] = calledByReturn_.try_emplace(dwarf_dieoffset(unit));
-        if (isNew)
-            visit(*unit, [&](const Dwarf_Die& die) {
-                if (isCallSite(die))
-                    if (const std::optional<Dwarf_Die> called = calledOf(die))
-                        if (const std::optional<Dwarf_Addr> after = returnOf(die))
-                            calls->second.emplace(*after, linkNameOf(*called));
-                return false;
-            });
-        const auto found = calls->second.find(address - bias);
-        return found == calls->second.end() ? "" : found->second;
-    }
-
-    // All calls of `function` by which the function `from` may end, itself or through others.
-    void findTailCalls(const std::string& from, const std::string& function, int depth,
-                       std::vector<Place>& found) {
-        constexpr int deepest = 4;
-        if (from.empty() || depth == deepest)
-            return;
-        Dwarf_Addr bias = 0;
-        const std::optional<Dwarf_Die> definition = definitionOf(from, bias);
-        if (!definition)
-            return;
-        visit(*definition, [&](const Dwarf_Die& die) {
-            if (!isCallSite(die) || !isTailCall(die))
-                return false;
-            const std::optional<Dwarf_Die> called = calledOf(die);
-            const std::optional<Dwarf_Addr> after = returnOf(die);
-            if (!called || !after)
-                return false;
-            if (linkNameOf(*called) == function)
-                found.push_back(withFunction(lineAt(*after + bias - 1), demangled(from)));
-            else
-                findTailCalls(linkNameOf(*called), function, depth + 1, found);
-            return false;
-        });
-    }
-    static Place withFunction(Place place, const std::string& function) {
-        place.function = function;
-        return place;
-    }
-
-    // The functions that have code, by the names by which they are linked. Read once, where it is needed.
-    std::optional<Dwarf_Die> definitionOf(const std::string& name, Dwarf_Addr& bias) {
-        if (!definitionsAreRead_) {
-            definitionsAreRead_ = true;
-            Dwarf_Die* unit = nullptr;
-            while ((unit = dwfl_module_nextcu(module_, unit, &definitionBias_)))
-                visit(*unit, [&](Dwarf_Die die) {
-                    Dwarf_Addr low = 0;
-                    if (dwarf_tag(&die) == DW_TAG_subprogram && dwarf_lowpc(&die, &low) == 0)
-                        definitions_.try_emplace(linkNameOf(die), die);
-                    return false;
-                });
+    // The functions that have code here, by the names by which they are linked. A compiler that makes several
+    // of one gives the others names with a point.
+    const std::unordered_multimap<std::string, Dwarf_Addr>& symbols() {
+        const int count = module_ && symbols_.empty() ? dwfl_module_getsymtab(module_) : 0;
+        for (int i = 0; i < count; ++i) {
+            GElf_Sym symbol = {};
+            GElf_Addr address = 0;
+            GElf_Word section = 0;
+            const char* name =
+                dwfl_module_getsym_info(module_, i, &symbol, &address, &section, nullptr, nullptr);
+            if (name && GELF_ST_TYPE(symbol.st_info) == STT_FUNC && section != SHN_UNDEF)
+                symbols_.emplace(std::string_view(name).substr(0, std::string_view(name).find('.')), address);
         }
-        bias = definitionBias_;
-        const auto definition = definitions_.find(name);
-        return definition == definitions_.end() ? std::nullopt : std::optional(definition->second);
+        return symbols_;
     }
 
     Dwfl* dwfl_ = nullptr;
     Dwfl_Module* module_ = nullptr;
     Dwarf_Addr bias_ = 0;
-    bool definitionsAreRead_ = false;
-    Dwarf_Addr definitionBias_ = 0;
-    std::map<std::string, Dwarf_Die> definitions_;
-    std::map<Dwarf_Off, std::unordered_map<Dwarf_Addr, std::string>> calledByReturn_;
+    std::unordered_multimap<std::string, Dwarf_Addr> symbols_;
+    std::map<Dwarf_Off, std::unordered_map<Dwarf_Addr, Callee>> calledByReturn_;
 };
 
 class PlacesByDwarf final : public PlaceFinder {
@@ -302,11 +337,18 @@ public:
     }
 
     Place find(const std::string& module, std::uint64_t address, const std::string& function) override {
-        if (!module.empty())
-            if (const std::optional<Place> place = moduleOf(module).inTailOf(address, function))
-                return *place;
+        const Callee called = module.empty() ? Callee() : moduleOf(module).calledAt(address);
+        if (!called.name.empty() && called.name != function) {
+            std::vector<TailCall> certain, possible;
+            findTailCalls(called, function, 0, certain, possible);
+            const std::vector<TailCall>& found = certain.empty() ? possible : certain;
+            if (found.size() == 1)
+                return found.front().place;
+        }
         return findAll(module, address).front();
     }
+
+    void addModule(const std::string& path) override { paths_.insert(path); }
 
     std::vector<Place> findAll(const std::string& module, std::uint64_t address) override {
         std::vector<Place> places;
@@ -320,7 +362,38 @@ public:
     }
 
 private:
-    Module& moduleOf(const std::string& path) { return modules_.try_emplace(path, path).first->second; }
+    Module& moduleOf(const std::string& path) {
+        paths_.insert(path);
+        return modules_.try_emplace(path, path).first->second;
+    }
+
+    // The calls by which `from` may have come to `function`, itself or through others: those that are said to
+    // go there, and those, by a pointer for example, of which nothing is said.
+    void findTailCalls(const Callee& from, const std::string& function, int depth,
+                       std::vector<TailCall>& certain, std::vector<TailCall>& possible) {
+        constexpr int deepest = 4;
+        if (depth == deepest)
+            return;
+        for (TailCall& call : tailCallsOf(from))
+            if (call.called.name == function)
+                certain.push_back(std::move(call));
+            else if (call.called.name.empty())
+                possible.push_back(std::move(call));
+            else
+                findTailCalls(call.called, function, depth + 1, certain, possible);
+    }
+
+    std::vector<TailCall> tailCallsOf(const Callee& function) {
+        if (std::vector<TailCall> calls = function.module->tailCallsOf(function); !calls.empty())
+            return calls;
+        const std::set<std::string> paths = paths_;
+        for (const std::string& path : paths)
+            if (std::vector<TailCall> calls = moduleOf(path).tailCallsOf(function.name); !calls.empty())
+                return calls;
+        return {};
+    }
+
+    std::set<std::string> paths_;
     std::map<std::string, Module> modules_;
 };
 

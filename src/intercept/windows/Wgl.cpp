@@ -1,0 +1,138 @@
+// WGL, as far as it makes contexts and frames. The system's library calls itself by its exports, which are
+// ours now: what comes from inside goes straight on. The types are the system's, but its header has other
+// ideas of these names.
+
+#include "intercept/Contexts.h"
+#include "intercept/Intercepted.h"
+#include "intercept/windows/System.h"
+
+namespace ZLT::Interception {
+
+namespace {
+
+using Handle = void*; // HDC, HGLRC
+using Bool = int;     // BOOL
+
+template <class Call>
+auto inside(const Call& call) {
+    const Inside driver;
+    return call();
+}
+
+Handle made(Handle context, Handle share) {
+    if (context && !thread.inside)
+        addContext(context, share, true);
+    return context;
+}
+
+Bool madeCurrent(Bool success, Handle context) {
+    if (success && !thread.inside)
+        setCurrentContext(findOrAddContext(context, true));
+    return success;
+}
+
+Bool swapped(Bool success) {
+    if (success && !thread.inside)
+        program().countFrame();
+    return success;
+}
+
+#define ZLT_REAL(name)                                                                                       \
+    static auto* const real = systemFunction(&name, #name);                                                  \
+    if (!real)                                                                                               \
+        return {};
+
+// Functions of extensions that make contexts or change them: what the driver gave, for the one of ours.
+Handle (*realCreateContextAttribs)(Handle, Handle, const int*) = nullptr;
+Bool (*realMakeContextCurrent)(Handle, Handle, Handle) = nullptr;
+
+Handle createContextAttribs(Handle window, Handle share, const int* attributes) {
+    constexpr int profileMask = 0x9126, es2Profile = 4;
+    bool isDesktop = true;
+    for (const int* pair = attributes; pair && *pair; pair += 2)
+        if (pair[0] == profileMask)
+            isDesktop = (pair[1] & es2Profile) == 0;
+    const Handle context = inside([&] { return realCreateContextAttribs(window, share, attributes); });
+    if (context && !thread.inside)
+        addContext(context, share, isDesktop);
+    return context;
+}
+
+Bool makeContextCurrent(Handle draw, Handle read, Handle context) {
+    return madeCurrent(inside([&] { return realMakeContextCurrent(draw, read, context); }), context);
+}
+
+template <class Function>
+RealFunction keep(Function*& kept, RealFunction real, Function* ours) {
+    kept = reinterpret_cast<Function*>(real);
+    return reinterpret_cast<RealFunction>(ours);
+}
+
+} // namespace
+
+} // namespace ZLT::Interception
+
+using namespace ZLT::Interception;
+
+ZLT_INTERCEPTED Handle wglCreateContext(Handle window) {
+    ZLT_REAL(wglCreateContext)
+    return made(inside([&] { return real(window); }), nullptr);
+}
+
+ZLT_INTERCEPTED Handle wglCreateLayerContext(Handle window, int layer) {
+    ZLT_REAL(wglCreateLayerContext)
+    return made(inside([&] { return real(window, layer); }), nullptr);
+}
+
+ZLT_INTERCEPTED Bool wglDeleteContext(Handle context) {
+    ZLT_REAL(wglDeleteContext)
+    const Bool success = inside([&] { return real(context); });
+    if (success && !thread.inside) {
+        if (thread.context && thread.context == findContext(context))
+            setCurrentContext(nullptr);
+        removeContext(context);
+    }
+    return success;
+}
+
+ZLT_INTERCEPTED Bool wglMakeCurrent(Handle window, Handle context) {
+    ZLT_REAL(wglMakeCurrent)
+    return madeCurrent(inside([&] { return real(window, context); }), context);
+}
+
+ZLT_INTERCEPTED Bool wglShareLists(Handle from, Handle to) {
+    ZLT_REAL(wglShareLists)
+    const Bool success = inside([&] { return real(from, to); });
+    if (success && !thread.inside)
+        shareLists(from, to);
+    return success;
+}
+
+ZLT_INTERCEPTED Bool wglSwapBuffers(Handle window) {
+    ZLT_REAL(wglSwapBuffers)
+    return swapped(inside([&] { return real(window); }));
+}
+
+ZLT_INTERCEPTED Bool wglSwapLayerBuffers(Handle window, unsigned int planes) {
+    ZLT_REAL(wglSwapLayerBuffers)
+    return swapped(inside([&] { return real(window, planes); }));
+}
+
+ZLT_INTERCEPTED unsigned long wglSwapMultipleBuffers(unsigned int count, const void* swaps) {
+    ZLT_REAL(wglSwapMultipleBuffers)
+    const unsigned long success = inside([&] { return real(count, swaps); });
+    swapped(success != 0);
+    return success;
+}
+
+ZLT_INTERCEPTED RealFunction wglGetProcAddress(const char* name) {
+    const RealFunction real = name ? inside([&] { return driverFunction(name); }) : nullptr;
+    if (!real || thread.inside || !program().isActive())
+        return real;
+    const std::string_view text = name;
+    if (text == "wglCreateContextAttribsARB")
+        return keep(realCreateContextAttribs, real, createContextAttribs);
+    if (text == "wglMakeContextCurrentARB" || text == "wglMakeContextCurrentEXT")
+        return keep(realMakeContextCurrent, real, makeContextCurrent);
+    return handOut(name, real);
+}
