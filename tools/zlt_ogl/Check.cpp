@@ -18,6 +18,11 @@ namespace {
 
 using OGL::OpenGLErrorReport;
 
+// What calls main() has debug information on some systems, and is nobody's own source.
+bool isOfRuntime(std::string_view function) {
+    return function.starts_with("__libc_start") || function.find("CRTStartup") != std::string_view::npos;
+}
+
 class Checker : public RecordHandler {
 public:
     Checker(bool stack, std::ostream* sarif) : stack_(stack) {
@@ -92,7 +97,7 @@ private:
             return;
         for (const std::uint32_t site : record.stack)
             for (const Place& frame : sites_.inlined(process, site)) {
-                if (!stack_ && (!frame.isKnown() || frame.function.starts_with("__libc_start")))
+                if (!stack_ && (!frame.isKnown() || isOfRuntime(frame.function)))
                     continue;
                 report.stack.push_back({String(frame.function), String(frame.file), frame.line});
                 if (!stack_)

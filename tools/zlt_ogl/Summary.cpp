@@ -48,7 +48,7 @@ std::string summaryOf(const ChannelReader& channel, const std::string& program, 
     std::string text;
     if (sums.processes == 0 && later.empty()) {
         text = program + " called no OpenGL.";
-        if (!channel.channel().options.children)
+        if (slotCount > 1 && !channel.channel().options.children)
             text += isScript ? " It is a script: --children follows the programs that it starts."
                              : " If it starts other programs, --children follows them.";
         return text + '\n';

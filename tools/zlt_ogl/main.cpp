@@ -8,8 +8,12 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <iostream>
+#include <iterator>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -64,14 +68,15 @@ struct Frames {
     }
 };
 
-// What stands after the options: the program and all that is its own.
-std::vector<std::string> programOf(const CLI::App& command) {
+// What stands after the options, or after `--`: the program and all that is its own, dashes of its own too.
+std::vector<std::string> programOf(const CLI::App& command, std::span<char*> fromDashes) {
     std::vector<std::string> words = command.remaining();
-    if (!words.empty() && words.front() == "--")
-        words.erase(words.begin());
-    else if (!words.empty() && words.front().starts_with('-'))
+    if (!words.empty() && words.front().starts_with('-'))
         throw Refusal("unknown option " + words.front() + "; see zlt_ogl " + command.get_name() + " --help",
                       Refusal::usage);
+    if (words.empty() && !fromDashes.empty())
+        fromDashes = fromDashes.subspan(1);
+    words.insert(words.end(), fromDashes.begin(), fromDashes.end());
     if (words.empty())
         throw Refusal("which program? See zlt_ogl " + command.get_name() + " --help", Refusal::usage);
     return words;
@@ -89,11 +94,13 @@ public:
 };
 
 CLI::App& addProgramCommand(CLI::App& app, const std::string& name, const std::string& text,
-                            const char* description, Options& channel) {
+                            const char* description, [[maybe_unused]] Options& channel) {
     CLI::App& command = *app.add_subcommand(name, text);
     command.description(description);
     command.prefix_command();
+#if !defined(_WIN32)
     command.add_flag("--children", channel.children, "look at the programs that PROGRAM starts as well");
+#endif
     return command;
 }
 
@@ -132,8 +139,12 @@ int runCommand(int argc, char** argv) {
         ->type_name("A-B");
     traceCommand.add_flag("--mark-frames", traceOptions.channel.markFrames, "a comment where a frame begins");
 
+    // In the order in which the parser takes them, from the back.
+    char** const dashes = std::find(argv, argv + argc, std::string_view("--"));
+    std::vector<std::string> words(std::make_reverse_iterator(dashes), std::make_reverse_iterator(argv + 1));
+    const std::span<char*> fromDashes(dashes, argv + argc);
     try {
-        app.parse(argc, argv);
+        app.parse(words);
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == 0)
             return app.exit(error);
@@ -142,7 +153,7 @@ int runCommand(int argc, char** argv) {
     if (infoCommand.parsed())
         becomeInfo(json);
     if (checkCommand.parsed())
-        check(checkOptions, programOf(checkCommand));
+        check(checkOptions, programOf(checkCommand, fromDashes));
     if (!frames.empty()) {
         Frames range;
         if (const std::string wrong = Frames::parse(frames, range); !wrong.empty())
@@ -150,7 +161,7 @@ int runCommand(int argc, char** argv) {
         traceOptions.channel.firstFrame = range.first;
         traceOptions.channel.lastFrame = range.last;
     }
-    trace(traceOptions, programOf(traceCommand));
+    trace(traceOptions, programOf(traceCommand, fromDashes));
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <map>
 #include <mutex>
 #include <string>
@@ -71,10 +72,12 @@ std::string filePath(const char* module) { return module; }
 
 std::vector<const void*> callersOf(const void* first) {
     void* frames[62];
-    const USHORT count = CaptureStackBackTrace(0, 62, frames, nullptr);
+    USHORT count = CaptureStackBackTrace(0, 62, frames, nullptr);
+    count =
+        static_cast<USHORT>(std::find(frames, frames + count, nullptr) - frames); // behind the first function
     for (USHORT i = 0; i < count; ++i)
         if (frames[i] == first)
-            return {frames + i, frames + count};
+            return std::vector<const void*>(frames + i, frames + count);
     return {first};
 }
 

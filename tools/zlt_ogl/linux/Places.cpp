@@ -8,6 +8,7 @@
 #include <elfutils/libdw.h>
 #include <elfutils/libdwfl.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -26,6 +27,8 @@ namespace fs = std::filesystem;
 std::string textOf(const char* text) { return text ? text : ""; }
 
 std::string demangled(const std::string& name) {
+    if (!name.starts_with("_Z"))
+        return name; // a function of C, of which the name may be that of a type: "f" is a float
     int status = 0;
     const std::unique_ptr<char, decltype(&std::free)> text(
         abi::__cxa_demangle(name.c_str(), nullptr, nullptr, &status), &std::free);
@@ -342,7 +345,12 @@ public:
             std::vector<TailCall> certain, possible;
             findTailCalls(called, function, 0, certain, possible);
             const std::vector<TailCall>& found = certain.empty() ? possible : certain;
-            if (found.size() == 1)
+            // A compiler may write the same call several times.
+            const auto isSame = [&](const TailCall& call) {
+                return call.place.file == found.front().place.file &&
+                       call.place.line == found.front().place.line;
+            };
+            if (!found.empty() && std::ranges::all_of(found, isSame))
                 return found.front().place;
         }
         return findAll(module, address).front();
