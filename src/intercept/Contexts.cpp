@@ -72,6 +72,12 @@ ContextRecord* findOrAddContext(NativeContext context, bool isDesktop) {
     return found ? found : add(all, context, nullptr, isDesktop);
 }
 
+void chooseChain() {
+    const bool isOurs = !thread.context || thread.context->isDesktop;
+    if (!thread.inside)
+        thread.head = program().isActive() && isOurs ? thread.chain : nullptr;
+}
+
 void shareLists(NativeContext from, NativeContext to) {
     Known& all = known();
     const std::lock_guard guard(all.lock);
@@ -88,7 +94,7 @@ void setCurrentContext(ContextRecord* context) {
     thread.functions = context ? context->functions.data() : functionsWithoutContext;
 #endif
     OGL::Detail::noticeContextChange();
-    program().chooseChain();
+    chooseChain();
 }
 
 } // namespace ZLT::Interception

@@ -42,5 +42,7 @@ ContextRecord* findOrAddContext(NativeContext context, bool isDesktop);
 void shareLists(NativeContext from, NativeContext to);
 /// The calling thread has this context from now on; null for none.
 void setCurrentContext(ContextRecord* context);
+/// Between calls: whether those of the thread go to its chain, by the context that it has.
+void chooseChain();
 
 } // namespace ZLT::Interception

@@ -106,6 +106,11 @@ void DriverEnd::cgmPopAttrib(const char* file, unsigned int line) {
     OpenGLErrorChecker::cgmPopAttrib(file, line);
 }
 
+unsigned int errorForLayers() {
+    const bool isInside = thread.context && thread.context->balance.isInside();
+    return program().options().mode == Mode::Check && !isInside ? realGetError() : 0;
+}
+
 unsigned int DriverEnd::cgmGetError(const char*, unsigned int) { return realGetError(); }
 
 } // namespace ZLT::Interception

@@ -24,4 +24,7 @@ public:
     unsigned int cgmGetError(const char* file, unsigned int line) override;
 };
 
+/// What glGetError answers to the layers: the driver's flag, or GL_NO_ERROR where it may not be read.
+unsigned int errorForLayers();
+
 } // namespace ZLT::Interception

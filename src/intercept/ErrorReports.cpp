@@ -1,12 +1,15 @@
 #include "intercept/ErrorReports.h"
 
+#include "extensionator/OpenGLCall.h"
 #include "extensionator/OpenGLErrorReporter.h"
 #include "extensionator/ReporterThread.h"
 #include "intercept/Contexts.h"
-#include "intercept/Intercepted.h"
 #include "intercept/Lock.h"
+#include "intercept/Program.h"
 #include "intercept/ReportRecord.h"
+#include "intercept/Sites.h"
 #include "intercept/Stack.h"
+#include "intercept/Thread.h"
 #include "platform/GL.h"
 
 #include <map>

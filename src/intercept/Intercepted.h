@@ -1,6 +1,10 @@
 #pragma once
 
 #include "extensionator/SharedCall.h"
+#include "intercept/Calls.h"
+#include "intercept/Contexts.h"
+#include "intercept/DriverEnd.h"
+#include "intercept/ErrorReports.h"
 #include "intercept/Program.h"
 #include "intercept/RealFunctions.h"
 #include "intercept/Sites.h"
@@ -22,15 +26,6 @@
 
 namespace ZLT::Interception {
 
-/// For what the layers let pass: memory that is short, for example.
-void tellFailure(const std::exception& failure) noexcept;
-/// After each call, still inside: tells the reporter of the balance, and the user of a context that is not
-/// there.
-void afterCall(unsigned int number);
-
-/// What glGetError answers to the layers: the driver's flag, or GL_NO_ERROR where it may not be read.
-unsigned int errorForLayers();
-
 /// Threads have a counter each, but for the last one, which many may share.
 inline void countCall() {
     if (thread.number < threadSlotCount) [[likely]]
@@ -45,7 +40,7 @@ template <class Result, class... Parameters>
     const auto& entry = OGL::entriesOf<Result, Parameters...>[index];
     OGL::OpenGLInterceptor* head = thread.head;
     if (!head) [[unlikely]]
-        head = program().enter(__builtin_frame_address(0));
+        head = enterChain(__builtin_frame_address(0));
     RealFunction real = realFunction(entry.number);
     if (!real) [[unlikely]]
         real = requireReal(entry.number);
@@ -56,13 +51,15 @@ template <class Result, class... Parameters>
     struct Leave {
         ~Leave() {
             thread.inside = false;
-            program().chooseChain();
+            chooseChain();
         }
     } const leave;
-    thread.head = nullptr;
-    thread.inside = true;
     thread.frame = __builtin_frame_address(0);
     thread.returnAddress = returnAddress;
+    thread.head = nullptr;
+    std::atomic_signal_fence(
+        std::memory_order_seq_cst); // a handler that jumps away finds the frame of the mark
+    thread.inside = true;
     countCall();
     try {
         if constexpr (std::is_void_v<Result>) {

@@ -2,6 +2,7 @@
 
 #include "intercept/Lock.h"
 #include "intercept/Program.h"
+#include "intercept/Thread.h"
 
 #include <atomic>
 #include <cstring>
@@ -83,6 +84,8 @@ std::uint32_t siteOf(const void* returnAddress) {
     }
     return add(returnAddress);
 }
+
+std::uint32_t currentSite() { return siteOf(thread.returnAddress); }
 
 void forgetSites() {
     const NoSignals calm;

@@ -17,6 +17,9 @@ inline constexpr const char* siteFile = "@";
 /// any other time it takes no lock. For any thread at any time.
 std::uint32_t siteOf(const void* returnAddress);
 
+/// Of the call that the thread is in.
+std::uint32_t currentSite();
+
 /// Forgets all addresses: a module went, and another one may lie there later.
 void forgetSites();
 

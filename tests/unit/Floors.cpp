@@ -29,6 +29,8 @@ const std::vector<std::vector<std::string>> floors = {
     {"ExceptionOGL."},
     {"extensionator/", "ogl/", "InternalWindow."},
     {"LibraryOGL.", "AutoInitializer."},
+    {"intercept/"},
+    {"intercept/linux/", "intercept/windows/"},
 };
 
 // A manager reads its driver on a context, and a context registers with the manager of its device: each needs

@@ -1,6 +1,7 @@
 // The start inside of a program: the channel that the environment names is opened, and the environment is as
 // it would be without us.
 
+#include "intercept/Calls.h"
 #include "intercept/Program.h"
 #include "intercept/Sites.h"
 
@@ -71,7 +72,7 @@ Channel* theChannel = nullptr;
 // A child is a program of its own, which is left alone, or watched in a slot of its own.
 void forked() {
     const bool watched = program().isActive() && program().options().children;
-    program().leaveAlone();
+    leaveAlone();
     zlt_later_counts = countsOfNobody;
     if (!watched)
         return;

@@ -30,7 +30,7 @@ template <class Call>
 EGLBoolean swapped(const Call& call) {
     const EGLBoolean success = inside(call);
     if (success)
-        program().countFrame();
+        endFrame();
     return success;
 }
 

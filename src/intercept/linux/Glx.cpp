@@ -110,14 +110,14 @@ ZLT_INTERCEPTED Bool glXMakeCurrentReadSGI(Display* display, GLXDrawable draw, G
 
 ZLT_INTERCEPTED void glXSwapBuffers(Display* display, GLXDrawable drawable) {
     inside([&] { ZLT_REAL(glXSwapBuffers)(display, drawable); });
-    program().countFrame();
+    endFrame();
 }
 
 ZLT_INTERCEPTED int64_t glXSwapBuffersMscOML(Display* display, GLXDrawable drawable, int64_t target,
                                              int64_t divisor, int64_t remainder) {
     const int64_t result =
         inside([&] { return ZLT_REAL(glXSwapBuffersMscOML)(display, drawable, target, divisor, remainder); });
-    program().countFrame();
+    endFrame();
     return result;
 }
 

@@ -1,9 +1,11 @@
 #include "intercept/linux/Libraries.h"
 
 #include "extensionator/OpenGLCall.h"
+#include "intercept/Calls.h"
+#include "intercept/Lock.h"
 #include "intercept/Program.h"
 #include "intercept/Sites.h"
-#include "intercept/linux/Loader.h"
+#include "intercept/linux/RealLoader.h"
 
 #include <dlfcn.h>
 
@@ -71,7 +73,7 @@ RealFunction fromDriver(const char* name) {
 // A program that asks the driver for its messages gets all of them: ours give way.
 template <auto& name, class... Parameters>
 auto givingWay(Parameters... parameters) {
-    Program::giveUpDriverMessages();
+    giveUpDriverMessages();
     using Real = unsigned int (*)(Parameters...);
     return reinterpret_cast<Real>(laterFunctions[laterNumber(name)])(parameters...);
 }
@@ -118,7 +120,7 @@ RealFunction findFunction(const char* name) {
     for (const char* library : libraries)
         if (void* handle = realDlopen(library, RTLD_NOLOAD | RTLD_LAZY)) {
             void* address = realDlsym(handle, name);
-            dlclose(handle);
+            realDlclose(handle);
             if (address && !isOurs(address))
                 return function(address);
         }

@@ -2,10 +2,9 @@
 // about GL goes on by a jump, so that the loader sees the program's own address: by it it finds the caller's
 // run path, and what RTLD_NEXT means.
 
-#include "intercept/linux/Loader.h"
-
 #include "intercept/Intercepted.h"
 #include "intercept/linux/Libraries.h"
+#include "intercept/linux/RealLoader.h"
 
 #include <dlfcn.h>
 #include <elf.h>
@@ -14,36 +13,11 @@
 #include <unistd.h>
 
 #include <cstring>
-#include <string>
 #include <string_view>
 
 namespace ZLT::Interception {
 
 namespace {
-
-using Dlsym = void*(void*, const char*);
-using Dlopen = void*(const char*, int);
-using Dlclose = int(void*);
-using Dlerror = char*();
-
-// By a version, since a lookup of "dlsym" by dlsym would find ours.
-template <class Function>
-Function* behind(const char* name) {
-    static_assert(sizeof(Function*) == sizeof(void*));
-    void* found = dlvsym(RTLD_NEXT, name, "GLIBC_2.34");
-    if (!found)
-        found = dlvsym(RTLD_NEXT, name, "GLIBC_2.2.5");
-    return reinterpret_cast<Function*>(found);
-}
-template <class Function>
-Function* real(const char* name) {
-    static Function* const found = behind<Function>(name);
-    return found;
-}
-
-// What dlerror would say, kept while we asked something else.
-thread_local std::string keptError;
-thread_local bool hasKeptError = false;
 
 // Whether the answer to the program's question is a function of GL, and not one of the program's own that has
 // a name of GL: it lies in a library of the driver.
@@ -71,7 +45,7 @@ void* nextOf(const void* caller, const char* name) {
         if (!handle)
             continue;
         void* found = realDlsym(handle, name);
-        dlclose(handle);
+        realDlclose(handle);
         if (found)
             return found;
     }
@@ -87,7 +61,7 @@ bool standsInFront(const void* caller, const char* name) {
     if (!handle)
         return false;
     void* found = realDlsym(handle, name);
-    dlclose(handle);
+    realDlclose(handle);
     return found && dladdr(found, &own) && own.dli_fbase == info.dli_fbase;
 }
 
@@ -163,19 +137,6 @@ void bindAllToOurs(void* handle) {
 
 } // namespace
 
-void* realDlsym(void* handle, const char* name) { return real<Dlsym>("dlsym")(handle, name); }
-void* realDlopen(const char* file, int flags) { return real<Dlopen>("dlopen")(file, flags); }
-
-KeepError::KeepError() {
-    if (hasKeptError)
-        return;
-    if (const char* pending = real<Dlerror>("dlerror")()) {
-        keptError = pending;
-        hasKeptError = true;
-    }
-}
-KeepError::~KeepError() { real<Dlerror>("dlerror")(); }
-
 } // namespace ZLT::Interception
 
 using namespace ZLT::Interception;
@@ -183,15 +144,15 @@ using namespace ZLT::Interception;
 extern "C" {
 [[gnu::visibility("hidden")]] Answer zlt_answer_dlsym(void* handle, const char* name, const void* caller);
 [[gnu::visibility("hidden")]] Answer zlt_answer_dlopen(const char* file, int flags, const void* caller);
-[[gnu::visibility("hidden")]] Dlsym* zlt_real_dlsym();
-[[gnu::visibility("hidden")]] Dlopen* zlt_real_dlopen();
+[[gnu::visibility("hidden")]] void* zlt_real_dlsym();
+[[gnu::visibility("hidden")]] void* zlt_real_dlopen();
 }
 
-Dlsym* zlt_real_dlsym() { return real<Dlsym>("dlsym"); }
-Dlopen* zlt_real_dlopen() { return real<Dlopen>("dlopen"); }
+void* zlt_real_dlsym() { return realDlsym(RTLD_NEXT, "dlsym"); }
+void* zlt_real_dlopen() { return realDlsym(RTLD_NEXT, "dlopen"); }
 
 Answer zlt_answer_dlsym(void* handle, const char* name, const void* caller) {
-    hasKeptError = false;
+    KeepError::forget();
     if (!name || (std::strncmp(name, "gl", 2) != 0 && std::strncmp(name, "egl", 3) != 0) ||
         !program().isActive())
         return {nullptr, false};
@@ -209,7 +170,7 @@ Answer zlt_answer_dlsym(void* handle, const char* name, const void* caller) {
 }
 
 Answer zlt_answer_dlopen(const char* file, int flags, const void*) {
-    hasKeptError = false;
+    KeepError::forget();
     if (!(flags & RTLD_DEEPBIND) || !file || !program().isActive())
         return {nullptr, false};
     void* handle = realDlopen(file, flags);
@@ -251,15 +212,10 @@ asm(R"(
 )");
 
 ZLT_INTERCEPTED int dlclose(void* handle) noexcept {
-    const int result = real<Dlclose>("dlclose")(handle);
+    const int result = realDlclose(handle);
     if (program().isActive())
         forgetSites();
     return result;
 }
 
-ZLT_INTERCEPTED char* dlerror() noexcept {
-    if (!hasKeptError)
-        return real<Dlerror>("dlerror")();
-    hasKeptError = false;
-    return keptError.data();
-}
+ZLT_INTERCEPTED char* dlerror() noexcept { return KeepError::error(); }

@@ -33,7 +33,7 @@ Bool madeCurrent(Bool success, Handle context) {
 
 Bool swapped(Bool success) {
     if (success && !thread.inside)
-        program().countFrame();
+        endFrame();
     return success;
 }
 

@@ -7,6 +7,7 @@ namespace ZLT::Interception {
 
 void* realDlsym(void* handle, const char* name);
 void* realDlopen(const char* file, int flags);
+int realDlclose(void* handle);
 
 /// While we ask the loader something in the midst of the program's work: what `dlerror` has to say afterwards
 /// is what it had to say before.
@@ -16,6 +17,11 @@ public:
     ~KeepError();
     KeepError(const KeepError&) = delete;
     KeepError& operator=(const KeepError&) = delete;
+
+    /// What `dlerror` says to the program: what was kept, else the loader's.
+    static char* error();
+    /// The program asks the loader something new.
+    static void forget();
 };
 
 } // namespace ZLT::Interception
