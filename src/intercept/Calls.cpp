@@ -66,6 +66,7 @@ void leaveAlone() {
     program().detach();
     thread.head = thread.chain = nullptr;
     thread.number = 0;
+    thread.isNew = true;
     thread.calls = nullptr;
     thread.trace = nullptr;
     forgetSites();

@@ -90,6 +90,7 @@ void setCurrentContext(ContextRecord* context) {
     if (thread.context == context)
         return;
     thread.context = context;
+    thread.isNew = true;
 #if defined(_WIN32)
     thread.functions = context ? context->functions.data() : functionsWithoutContext;
 #endif

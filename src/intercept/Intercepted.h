@@ -47,6 +47,12 @@ template <class Result, class... Parameters>
     if (!head)
         return reinterpret_cast<Result (*)(Parameters...)>(real)(arguments...);
 
+    if (thread.isNew) [[unlikely]] {
+        const NoSignals calm;
+        thread.isNew = false;
+        return intercepted<Result, Parameters...>(returnAddress, index, arguments...);
+    }
+
     // Gives the thread its chain back, also where the thread is ended or jumps out of the call by unwinding.
     struct Leave {
         ~Leave() {

@@ -29,6 +29,9 @@ struct Thread {
     const void* frame = nullptr;
     const void* returnAddress = nullptr;
     bool inside = false;
+    /// Whether the next call is the first one, of the thread or with its context: the layers make themselves
+    /// ready.
+    bool isNew = true;
     /// From 1 in the order of their first calls; 0 before.
     std::uint32_t number = 0;
     std::atomic<std::uint64_t>* calls = nullptr;
