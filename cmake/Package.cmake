@@ -8,6 +8,20 @@ install(TARGETS zlt_core zlt_ogl EXPORT zlt_oglTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 
+# The command, and what belongs to it: it looks for these from its own folder.
+if(TARGET zlt_ogl_command)
+  install(TARGETS zlt_ogl_command RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  if(WIN32)
+    install(TARGETS zlt_intercept LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/zlt_ogl)
+    install(TARGETS zlt_ogl_info RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  else()
+    install(TARGETS zlt_intercept zlt_places LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/zlt_ogl)
+    install(TARGETS zlt_ogl_info RUNTIME DESTINATION ${CMAKE_INSTALL_LIBDIR}/zlt_ogl)
+    install(FILES ${PROJECT_SOURCE_DIR}/tools/zlt_ogl/completion.bash
+      DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME zlt_ogl)
+  endif()
+endif()
+
 if(MINGW)
   # The compiler's run-time libraries. Ours share them with the program, to which their exceptions pass.
   cmake_path(GET CMAKE_CXX_COMPILER PARENT_PATH compiler_folder)
@@ -123,8 +137,9 @@ else()
 endif()
 set(CPACK_STRIP_FILES ON)
 set(CPACK_PACKAGE_CONTACT "The developers of zlt_ogl")
-set(CPACK_PACKAGE_DESCRIPTION "Calls OpenGL with each call checked, traced and recorded, and has classes
-for contexts, textures, buffers, framebuffers and programs. With the headers.")
+set(CPACK_PACKAGE_DESCRIPTION "The command zlt_ogl finds the wrong OpenGL calls of any program and writes its calls down.
+The library calls OpenGL with each call checked, traced and recorded, and has classes for contexts, textures, buffers,
+framebuffers and programs. With the headers.")
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 set(CPACK_DEBIAN_PACKAGE_NAME libzlt-ogl-dev)

@@ -1,7 +1,7 @@
-# Runs PROGRAM as its users do: for programs, for people, with a wrong option, and where there is no driver.
+# Runs `PROGRAM info` as its users do: for programs, for people, with a wrong option, and where there is no driver.
 unset(ENV{DISPLAY})
 unset(ENV{WAYLAND_DISPLAY})
-execute_process(COMMAND ${PROGRAM} --json OUTPUT_VARIABLE report COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND ${PROGRAM} info --json OUTPUT_VARIABLE report COMMAND_ERROR_IS_FATAL ANY)
 string(JSON devices LENGTH "${report}" devices)
 if(devices EQUAL 0)
   message(FATAL_ERROR "no device: ${report}")
@@ -15,7 +15,7 @@ if(units LESS 1 OR extensions LESS 1 OR NOT version STREQUAL "GL_VERSION_1_2")
   message(FATAL_ERROR "${report}")
 endif()
 
-execute_process(COMMAND ${PROGRAM} OUTPUT_VARIABLE text COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND ${PROGRAM} info OUTPUT_VARIABLE text COMMAND_ERROR_IS_FATAL ANY)
 foreach(part "${name} (primary)" "texture units:  ${units}" "GL_VERSION_1_2: loaded")
   string(FIND "${text}" "${part}" at)
   if(at EQUAL -1)
@@ -23,13 +23,13 @@ foreach(part "${name} (primary)" "texture units:  ${units}" "GL_VERSION_1_2: loa
   endif()
 endforeach()
 
-execute_process(COMMAND ${PROGRAM} --xml RESULT_VARIABLE result ERROR_VARIABLE error)
-if(NOT result EQUAL 2 OR NOT error MATCHES "usage")
+execute_process(COMMAND ${PROGRAM} info --xml RESULT_VARIABLE result ERROR_VARIABLE error)
+if(NOT result EQUAL 2 OR NOT error MATCHES "--xml.*--help")
   message(FATAL_ERROR "a wrong option: ${result}, ${error}")
 endif()
 
 set(ENV{ZLT_OGL_PLATFORM} none)
-execute_process(COMMAND ${PROGRAM} --json RESULT_VARIABLE result OUTPUT_VARIABLE text ERROR_VARIABLE error)
+execute_process(COMMAND ${PROGRAM} info --json RESULT_VARIABLE result OUTPUT_VARIABLE text ERROR_VARIABLE error)
 if(NOT result EQUAL 1 OR NOT error MATCHES "no display device.*ZLT_OGL_PLATFORM is \"none\", but must be" OR text)
   message(FATAL_ERROR "without a driver: ${result}, ${error}, ${text}")
 endif()
