@@ -1,5 +1,6 @@
 // Makes the calls of TraceBench with nothing in front of GL, so that a tracer from outside can stand there,
-// and prints how many nanoseconds of processor time one took: CallLoop bind|short|random|any COUNT
+// and prints how many nanoseconds of processor time one took: CallLoop bind|asked|short|random|any COUNT.
+// With `asked` glGetError follows each.
 
 #include "CallValues.h"
 #include "HeadlessContext.h"
@@ -22,7 +23,7 @@ double threadNanoseconds() {
 
 int main(int argc, char** argv) {
     if (argc != 3) {
-        std::fprintf(stderr, "usage: CallLoop bind|short|random|any COUNT\n");
+        std::fprintf(stderr, "usage: CallLoop bind|asked|short|random|any COUNT\n");
         return 1;
     }
     const std::string kind = argv[1];
@@ -33,7 +34,12 @@ int main(int argc, char** argv) {
     const std::vector<float> values = CallValues::floats(kind);
 
     const double start = threadNanoseconds();
-    if (kind == "bind") {
+    if (kind == "asked") {
+        for (long i = 0; i < count; ++i) {
+            glBindTexture(GL_TEXTURE_2D, 1 + static_cast<GLuint>(i) % CallValues::textureCount);
+            glGetError();
+        }
+    } else if (kind == "bind") {
         for (long i = 0; i < count; ++i)
             glBindTexture(GL_TEXTURE_2D, 1 + static_cast<GLuint>(i) % CallValues::textureCount);
     } else {

@@ -148,6 +148,7 @@ extern "C" {
 [[gnu::visibility("hidden")]] void* zlt_real_dlopen();
 }
 
+// The next object's, for the program's own questions.
 void* zlt_real_dlsym() { return realDlsym(RTLD_NEXT, "dlsym"); }
 void* zlt_real_dlopen() { return realDlsym(RTLD_NEXT, "dlopen"); }
 

@@ -13,18 +13,14 @@ using Dlopen = void*(const char*, int);
 using Dlclose = int(void*);
 using Dlerror = char*();
 
-// By a version, since a lookup of "dlsym" by dlsym would find ours.
-Dlsym* findDlsym() {
-    void* found = dlvsym(RTLD_NEXT, "dlsym", "GLIBC_2.34");
-    if (!found)
-        found = dlvsym(RTLD_NEXT, "dlsym", "GLIBC_2.2.5");
-    return reinterpret_cast<Dlsym*>(found);
-}
-
-// Another object behind us may have functions of these names too.
+// The loader's own, by their versions. A lookup of "dlsym" by dlsym would find ours, and another object
+// behind us may have functions of these names, which give it the place of a library of GL.
 template <class Function>
 Function* real(const char* name) {
-    static Function* const found = reinterpret_cast<Function*>(realDlsym(RTLD_NEXT, name));
+    static Function* const found = [&] {
+        void* address = dlvsym(RTLD_NEXT, name, "GLIBC_2.34");
+        return reinterpret_cast<Function*>(address ? address : dlvsym(RTLD_NEXT, name, "GLIBC_2.2.5"));
+    }();
     return found;
 }
 
@@ -34,10 +30,7 @@ thread_local bool hasKeptError = false;
 
 } // namespace
 
-void* realDlsym(void* handle, const char* name) {
-    static Dlsym* const found = findDlsym();
-    return found(handle, name);
-}
+void* realDlsym(void* handle, const char* name) { return real<Dlsym>("dlsym")(handle, name); }
 void* realDlopen(const char* file, int flags) { return real<Dlopen>("dlopen")(file, flags); }
 int realDlclose(void* handle) { return real<Dlclose>("dlclose")(handle); }
 

@@ -1,0 +1,94 @@
+// Whole programs under the command, from start to end: `check` against the program that asks for its errors
+// itself, `trace` against `apitrace trace`, each into a file and with the places of the calls; and what a
+// start costs. The times are real ones, since two processes work.
+
+#include "Comparison.h"
+#include "TemporaryFolder.h"
+
+#include <benchmark/benchmark.h>
+
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <stdexcept>
+#include <string>
+#include <tuple>
+
+namespace {
+
+constexpr const char* count = "2000000";
+const Bench::TemporaryFolder temporary;
+const std::string folder = temporary.path();
+const std::string command = "'" ZLT_OGL_COMMAND "' ";
+
+struct Usage {
+    double seconds = 0;
+    double mebibytes = 0; // the largest process of the run
+};
+
+Usage runShell(const std::string& line) {
+    const auto begin = std::chrono::steady_clock::now();
+    const pid_t child = fork();
+    if (child == 0) {
+        execl("/bin/sh", "sh", "-c", (line + " >/dev/null 2>&1").c_str(), nullptr);
+        _exit(127);
+    }
+    int status = 0;
+    rusage usage = {};
+    if (child < 0 || wait4(child, &status, 0, &usage) != child || !WIFEXITED(status) ||
+        WEXITSTATUS(status) != 0)
+        throw std::runtime_error("failed: " + line);
+    const std::chrono::duration<double> time = std::chrono::steady_clock::now() - begin;
+    return {time.count(), static_cast<double>(usage.ru_maxrss) / 1024};
+}
+
+void program(benchmark::State& state, const std::string& line) {
+    Usage usage;
+    for (auto _ : state) {
+        usage = runShell(line);
+        state.SetIterationTime(usage.seconds);
+    }
+    state.counters["MiB"] = usage.mebibytes;
+}
+
+void add(const std::string& name, const std::string& line) {
+    benchmark::RegisterBenchmark(name.c_str(), program, line)
+        ->Iterations(3)
+        ->UseManualTime()
+        ->Unit(benchmark::kMillisecond);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    using Bench::Comparison;
+    setenv("EGL_PLATFORM", "surfaceless", 1);
+    const std::string loop = "'" CALL_LOOP "' ";
+    const std::string traced = command + "trace -o '" + folder + "/trace.txt' ";
+    const std::string apitrace = "apitrace trace --api egl --output '" + folder + "/calls.trace' ";
+    std::vector<Comparison> comparisons;
+
+    add("glBindTexture and glGetError: bare", loop + "asked " + count);
+    add("glBindTexture: zlt_ogl check", command + "check " + loop + "bind " + count);
+    comparisons.push_back({"glBindTexture: zlt_ogl check", "glBindTexture and glGetError: bare", 1.5});
+    add("start: bare", loop + "bind 1");
+    add("start: zlt_ogl check", command + "check " + loop + "bind 1");
+    comparisons.push_back({"start: zlt_ogl check", "start: bare", 15e6, Comparison::By::nanoseconds});
+    for (const auto& [name, kind, aim] :
+         {std::tuple{"glBindTexture", "bind", 0.4}, std::tuple{"glColor4f", "random", 0.8}}) {
+        const std::string ours = name + std::string(": zlt_ogl trace");
+        add(ours, traced + loop + kind + " " + count);
+        if (std::system("command -v apitrace >/dev/null") != 0)
+            continue;
+        add(name + std::string(": apitrace trace"), apitrace + loop + kind + " " + count);
+        comparisons.push_back({ours, name + std::string(": apitrace trace"), aim});
+    }
+    if (std::system("command -v apitrace >/dev/null") == 0) {
+        add("start: apitrace trace", apitrace + loop + "bind 1");
+        comparisons.push_back({"start: zlt_ogl check", "start: apitrace trace"});
+    }
+    return Bench::run(argc, argv, comparisons);
+}
