@@ -12,8 +12,10 @@
 #include "intercept/Thread.h"
 #include "platform/GL.h"
 
+#include <locale>
 #include <map>
 #include <mutex>
+#include <sstream>
 #include <utility>
 
 namespace ZLT::Interception {
@@ -56,29 +58,6 @@ private:
     std::uint32_t count_ = 0;
 };
 
-// Such a call has no effect. Where the program made its context by a way that we don't see, the driver knows
-// its version, and the context is known from now on.
-void tellMissingContext(unsigned int number) {
-    if (glGetString(GL_VERSION)) {
-        static const char unknown = 0;
-        setCurrentContext(findOrAddContext(const_cast<char*>(&unknown), true));
-        return;
-    }
-    OGL::OpenGLErrorReport report;
-    report.kind = OGL::OpenGLErrorReport::Kind::CallRefused;
-    report.line = currentSite();
-    const std::lock_guard guard(lock);
-    auto& told = toldMissing();
-    const auto [place, isNew] = told.try_emplace({report.line, number}, 2 * told.size() + 1);
-    if (!isNew) {
-        sendAgain(place->second);
-        return;
-    }
-    report.function = OGL::openGLEntryName(number);
-    report.reason = "no context is current";
-    send(place->second, report);
-}
-
 } // namespace
 
 OGL::OpenGLErrorReporter& errorReporter(OGL::OpenGLInterceptor& next) {
@@ -98,11 +77,34 @@ void forgetReports() {
     toldMissing().clear();
 }
 
-void afterCall(unsigned int number) {
-    if (program().options().mode != Mode::Check)
+// Such a call has no effect. Where the program made its context by a way that we don't see, the driver knows
+// its version, and the context is known from now on.
+void tellMissingContext(const OGL::OpenGLCall& call) {
+    if (glGetString(GL_VERSION)) {
+        static const char unknown = 0;
+        setCurrentContext(findOrAddContext(const_cast<char*>(&unknown), true));
         return;
-    if (!thread.context) [[unlikely]]
-        tellMissingContext(number);
+    }
+    OGL::OpenGLErrorReport report;
+    report.kind = OGL::OpenGLErrorReport::Kind::CallRefused;
+    report.line = call.line();
+    const std::lock_guard guard(lock);
+    ToldCalls& told = toldMissing();
+    const auto [place, isNew] = told.try_emplace({report.line, call.number()}, 2 * told.size() + 1);
+    if (!isNew) {
+        sendAgain(place->second);
+        return;
+    }
+    report.function = call.name();
+    std::ostringstream arguments;
+    arguments.imbue(std::locale::classic());
+    call.writeReadableArguments(arguments);
+    report.arguments = arguments.view();
+    report.reason = "no context is current";
+    send(place->second, report);
+}
+
+void settleBalance() {
     OGL::Detail::reporterThread.insideBeginEnd = thread.context && thread.context->balance.isInside();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "extensionator/OpenGLCall.h"
 #include "extensionator/SharedCall.h"
 #include "intercept/Calls.h"
 #include "intercept/Contexts.h"
@@ -32,6 +33,18 @@ inline void countCall() {
         thread.calls->store(thread.calls->load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
     else
         thread.calls->fetch_add(1, std::memory_order_relaxed);
+}
+
+/// After each call, still inside.
+template <class... Parameters>
+void afterCall(unsigned int number, Parameters... arguments) {
+    if (program().options().mode != Mode::Check)
+        return;
+    if (!thread.context) [[unlikely]] {
+        const OGL::CallValue values[] = {arguments..., 0};
+        tellMissingContext(OGL::OpenGLCall(number, siteFile, currentSite(), values));
+    }
+    settleBalance();
 }
 
 /// The work of an exported function: once for all entries of the same types.
@@ -70,10 +83,10 @@ template <class Result, class... Parameters>
     try {
         if constexpr (std::is_void_v<Result>) {
             (head->*entry.pointer)(siteFile, siteOf(returnAddress), arguments...);
-            afterCall(entry.number);
+            afterCall<Parameters...>(entry.number, arguments...);
         } else {
             const Result result = (head->*entry.pointer)(siteFile, siteOf(returnAddress), arguments...);
-            afterCall(entry.number);
+            afterCall<Parameters...>(entry.number, arguments...);
             return result;
         }
     } catch (const std::exception& failure) {

@@ -306,13 +306,18 @@ TEST_P(SaversTest, haveNoErrorsAndEndAsWithoutUs) {
     const Words program = wordsOf(GetParam());
     if (access(program[0].c_str(), X_OK) != 0)
         GTEST_SKIP() << program[0] << " is not installed";
-    const Result result = run(Words{COMMAND, "check"} + program, 1s);
+    Result result;
+    for (const auto time : {1s, 4s, 16s}) { // on a busy machine it has not drawn yet
+        result = run(Words{COMMAND, "check"} + program, time);
+        if (result.err.find(" 0 frames") == std::string::npos)
+            break;
+    }
     EXPECT_FALSE(result.hung);
     EXPECT_EQ(SIGTERM, result.signal);
     const Words said = linesOf(result.err);
     ASSERT_FALSE(said.empty());
     EXPECT_EQ(0, said.back().find("zlt_ogl: 0 errors; ")) << result.err;
-    EXPECT_EQ(std::string::npos, said.back().find(" 0 calls, ")) << said.back();
+    EXPECT_EQ(std::string::npos, said.back().find(" 0 frames")) << said.back();
 }
 
 INSTANTIATE_TEST_SUITE_P(, SaversTest,
