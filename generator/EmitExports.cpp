@@ -47,6 +47,7 @@ void emitExports(const std::vector<Topic>& topics, const std::filesystem::path& 
 void emitExportedNames(const std::vector<EntryPoint>& entries, const std::vector<std::string>& later,
                        const std::filesystem::path& directory) {
     std::vector<const EntryPoint*> sorted;
+    sorted.reserve(entries.size());
     for (const EntryPoint& entry : entries)
         sorted.push_back(&entry);
     std::ranges::sort(sorted, {}, &EntryPoint::name);

@@ -161,16 +161,17 @@ public:
         Dwarf_Die* unit = module_ ? unitAt(address - 1, bias) : nullptr;
         if (!unit)
             return {};
-        const auto [calls, isNew] = calledByReturn_.try_emplace(dwarf_dieoffset(unit));
-        if (isNew)
+        const auto place = calledByReturn_.try_emplace(dwarf_dieoffset(unit));
+        auto& calls = place.first->second;
+        if (place.second)
             visit(*unit, [&](const Dwarf_Die& die) {
                 if (isCallSite(die))
                     if (const std::optional<Dwarf_Addr> after = returnOf(die))
-                        calls->second.emplace(*after, calleeOf(die, bias));
+                        calls.emplace(*after, calleeOf(die, bias));
                 return false;
             });
-        const auto found = calls->second.find(address - bias);
-        return found == calls->second.end() ? Callee() : found->second;
+        const auto found = calls.find(address - bias);
+        return found == calls.end() ? Callee() : found->second;
     }
 
     // The calls by which the function that is linked by this name ends; none where it isn't of this module.
@@ -265,7 +266,7 @@ private:
 
     // The debug information has paths made absolute.
     static std::string asGiven(const std::string& file, Dwarf_Die unit) {
-        const std::string name = textOf(dwarf_diename(&unit));
+        std::string name = textOf(dwarf_diename(&unit));
         std::optional<Dwarf_Attribute> attribute = attributeOf(unit, DW_AT_comp_dir);
         const std::string folder = attribute ? textOf(dwarf_formstring(&*attribute)) : "";
         if (!name.empty() &&

@@ -35,7 +35,7 @@ std::string lookUp(const std::string& name) {
     std::istringstream folders(path ? path : "/usr/local/bin:/usr/bin:/bin");
     bool there = false;
     for (std::string folder; std::getline(folders, folder, ':');) {
-        const std::string file = (folder.empty() ? "." : folder) + '/' + name;
+        std::string file = (folder.empty() ? "." : folder) + '/' + name;
         if (!isFile(file, status))
             continue;
         there = true;
