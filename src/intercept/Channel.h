@@ -71,9 +71,8 @@ struct alignas(64) ThreadSlot {
 
 /// Of one watched process. The bytes of the ring that are written and not yet read are [read, written), each
 /// modulo the size of the ring.
-// NOLINTNEXTLINE(clang-analyzer-optin.performance.Padding): what one side writes shares no line with the
-// other's
-struct ProcessSlot {
+/// What one side writes shares no cache line with what the other does.
+struct ProcessSlot {                    // NOLINT(clang-analyzer-optin.performance.Padding)
     std::atomic<std::uint32_t> process; ///< its number in the system; 0 while the slot is free
     std::atomic<std::uint32_t> reached; ///< whether it called GL at all
     alignas(64) std::atomic<std::uint64_t> written;
