@@ -19,6 +19,8 @@ const char* const extensions = "extensions.tsv";
 const char* const tokens = "gl_tokens.tsv";
 const char* const wglFunctions = "wgl_extension_functions.tsv";
 const char* const wglEntryPoints = "wgl_entry_points.tsv";
+const char* const laterFunctions = "gl_later_functions.tsv";
+const char* const systemFunctions = "opengl32_functions.tsv";
 
 Rows readAllRows(const std::string& table) {
     std::ifstream in(ZLT_TABLES "/" + table, std::ios::binary);
@@ -53,13 +55,16 @@ std::string errorOf(const std::map<std::string, Rows>& changed) {
     };
     std::istringstream extensionRows = stream(extensions), entryRows = stream(entryPoints),
                        tokenRows = stream(tokens), wglRows = stream(wglFunctions),
-                       wglEntryRows = stream(wglEntryPoints);
+                       wglEntryRows = stream(wglEntryPoints), laterRows = stream(laterFunctions),
+                       systemRows = stream(systemFunctions);
     try {
         const std::vector<Extension> known = readExtensions(extensionRows);
-        readEntryPoints(entryRows, known);
+        const std::vector<EntryPoint> entries = readEntryPoints(entryRows, known);
         readTokens(tokenRows);
         readWglFunctions(wglRows, known);
         readWglEntryPoints(wglEntryRows);
+        readLaterFunctions(laterRows, entries);
+        readSystemFunctions(systemRows);
     } catch (const TableError& error) {
         return error.what();
     }
@@ -106,6 +111,10 @@ const Damage damages[] = {
     {wglFunctions, 3, 3, "createBufferRegionARB", "'createBufferRegionARB' does not begin with wgl"},
     {wglFunctions, 4, 3, "wglCreateBufferRegionARB", "the name 'wglCreateBufferRegionARB' stands twice"},
     {wglFunctions, 2, 5, "HDC hDC, HFOO uState", "unknown type 'HFOO'"},
+    {laterFunctions, 3, 0, "Absent", "Absent does not follow the row before it"},
+    {laterFunctions, 2, 0, "BindTexture", "the name 'BindTexture' stands twice"},
+    {systemFunctions, 3, 0, "Glm", "Glm does not follow the row before it"},
+    {systemFunctions, 3, 1, "around", "the way around is neither own nor through"},
     {wglEntryPoints, 4, 0, "3", "virtual slot 3 instead of 2"},
     {wglEntryPoints, 13, 1, "wglCopyContext", "the name 'CopyContext' stands twice"},
     {wglEntryPoints, 13, 1, "wgl", "'' is not a name"},

@@ -282,6 +282,36 @@ TEST_F(ReporterTest, twoThreadsThatFailAtTheSameTimeAreCountedAndToldOnceEach) {
     EXPECT_EQ(2, std::ranges::count(newText(), '\n'));
 }
 
+TEST_F(ReporterTest, sinksHearOfEachRepetitionAndWriteTheCallers) {
+    struct Sink : OpenGLErrorSink {
+        std::vector<std::size_t> heard;
+        void report(const OpenGLErrorReport&) override { heard.push_back(100); }
+        void repeated(std::size_t number) override { heard.push_back(number); }
+    };
+    const auto sink = std::make_shared<Sink>();
+    reporter.addSink(sink);
+    for (unsigned line : {1u, 2u, 2u, 1u}) {
+        FakeGL::pushError(0x0500);
+        gl().cgmEnable("a.cpp", line, 0xDEAD);
+    }
+    EXPECT_THAT(sink->heard, ElementsAre(100u, 100u, 1u, 0u));
+
+    OpenGLErrorReport report;
+    report.reason = "GL_INVALID_ENUM";
+    report.function = "glEnable";
+    report.stack = {{"draw", "a.cpp", 3}, {"", "libc.so+0x1", 0}};
+    std::ostringstream lines, log;
+    OpenGLTextSink(lines).report(report);
+    EXPECT_EQ("error: GL_INVALID_ENUM in glEnable()\na.cpp:3: note: called from draw\n"
+              "libc.so+0x1: note: called from here\n",
+              lines.str());
+    OpenGLSarifSink(log).finish({{report, 1}});
+    const Json frames = Json::parse(log.str()).at(Json::json_pointer("/runs/0/results/0/stacks/0/frames"));
+    ASSERT_EQ(2u, frames.size());
+    EXPECT_EQ("draw", frames[0].at(Json::json_pointer("/location/logicalLocations/0/name")));
+    EXPECT_EQ(3, frames[0].at(Json::json_pointer("/location/physicalLocation/region/startLine")));
+}
+
 // What the published schema of SARIF 2.1.0 requires, and what viewers need.
 TEST_F(ReporterTest, theSarifLogHasWhatItsSchemaRequires) {
     reporter.addSink(std::make_shared<OpenGLSarifSink>(out));
