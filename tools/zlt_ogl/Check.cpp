@@ -34,7 +34,7 @@ public:
     void record(std::size_t process, RecordKind kind, std::string_view bytes) override {
         switch (kind) {
         case RecordKind::Module:
-            placeFinder().addModule(std::string(bytes));
+            sites_.addModule(bytes);
             break;
         case RecordKind::Site:
             sites_.add(process, bytes);

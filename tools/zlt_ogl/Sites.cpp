@@ -28,18 +28,27 @@ KnownSites::Site& KnownSites::site(std::size_t process, std::uint32_t number) {
     return sites_[process][number - 1];
 }
 
+// Loaded with the first place that is wanted: most programs have no error.
+PlaceFinder& KnownSites::finder() {
+    PlaceFinder& all = placeFinder();
+    for (const std::string& module : newModules_)
+        all.addModule(module);
+    newModules_.clear();
+    return all;
+}
+
 const Place& KnownSites::place(std::size_t process, std::uint32_t number, std::string_view function) {
     Site& at = site(process, number);
     const auto known = at.byFunction.find(function);
     if (known != at.byFunction.end())
         return known->second;
     const std::string name(function);
-    return at.byFunction.emplace(name, placeFinder().find(at.module, at.address, name)).first->second;
+    return at.byFunction.emplace(name, finder().find(at.module, at.address, name)).first->second;
 }
 
 std::vector<Place> KnownSites::inlined(std::size_t process, std::uint32_t number) {
     Site& at = site(process, number);
-    return placeFinder().findAll(at.module, at.address);
+    return finder().findAll(at.module, at.address);
 }
 
 } // namespace ZLT::Interception

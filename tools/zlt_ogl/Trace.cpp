@@ -19,7 +19,7 @@ public:
 
     void record(std::size_t process, RecordKind kind, std::string_view bytes) override {
         if (kind == RecordKind::Module)
-            placeFinder().addModule(std::string(bytes));
+            sites_.addModule(bytes);
         else if (kind == RecordKind::Site)
             sites_.add(process, bytes);
         else if (kind == RecordKind::Note)

@@ -130,6 +130,8 @@ std::vector<std::string> newModules() {
 }
 
 std::string filePath(const char* module) {
+    if (*module == '/')
+        return module;
     char path[PATH_MAX] = "";
     return realpath(*module ? module : "/proc/self/exe", path) ? path : module;
 }

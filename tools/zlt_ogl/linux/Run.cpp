@@ -4,19 +4,19 @@
 #include "ProgramFile.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <spawn.h>
 #include <sys/resource.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <system_error>
-#include <thread>
 
 namespace ZLT::Interception {
 
@@ -134,6 +134,12 @@ pid_t start(const ProgramFile& program, std::vector<std::string> words, const st
     return process;
 }
 
+// A millisecond, or until the process ends. A negative descriptor is none to the kernel too.
+void pause(int process) {
+    pollfd wanted = {process, POLLIN, 0};
+    poll(&wanted, 1, 1);
+}
+
 bool isRunning(const ChannelReader& channel, std::size_t number) {
     const auto process = static_cast<pid_t>(channel.process(number).process.load());
     return process > 0 && (kill(process, 0) == 0 || errno == EPERM);
@@ -164,6 +170,8 @@ Ending run(const std::vector<std::string>& words, ChannelReader& channel, Record
     const pid_t process = start(program, words, channel.name(), signals);
     programProcess = process;
 
+    // By it the end is seen at once; -1 where the kernel has no such thing.
+    const int descriptor = static_cast<int>(syscall(SYS_pidfd_open, process, 0));
     int status = 0;
     bool ended = false;
     while (!ended || anyIsRunning(channel)) {
@@ -172,9 +180,11 @@ Ending run(const std::vector<std::string>& words, ChannelReader& channel, Record
             ended = found == process || (found < 0 && errno != EINTR);
         }
         if (!channel.read(handler))
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            pause(ended ? -1 : descriptor);
     }
     programProcess = 0;
+    if (descriptor >= 0)
+        close(descriptor);
     while (channel.read(handler))
         continue;
     if (WIFSIGNALED(status))
