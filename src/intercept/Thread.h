@@ -70,4 +70,11 @@ private:
     bool inside_;
 };
 
+/// A call of the driver.
+template <class Call>
+auto inside(const Call& call) {
+    const Inside driver;
+    return call();
+}
+
 } // namespace ZLT::Interception

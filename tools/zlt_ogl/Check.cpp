@@ -1,6 +1,7 @@
 #include "Check.h"
 
 #include "Output.h"
+#include "ProgramFile.h"
 #include "Run.h"
 #include "Sites.h"
 #include "Summary.h"
@@ -10,6 +11,7 @@
 #include <iostream>
 #include <map>
 #include <memory>
+#include <stdexcept>
 #include <tuple>
 
 namespace ZLT::Interception {
@@ -40,7 +42,13 @@ public:
             sites_.add(process, bytes);
             break;
         case RecordKind::Report:
-            report(process, decodeReport(bytes));
+            // A program that writes where it should not may have damaged it; what follows is read all the
+            // same.
+            try {
+                report(process, decodeReport(bytes));
+            } catch (const std::runtime_error& error) {
+                std::cerr << "zlt_ogl: an error is not told: " << error.what() << '\n';
+            }
             break;
         case RecordKind::Again:
             again(process, bytes);
@@ -130,10 +138,11 @@ void check(const CheckOptions& options, const std::vector<std::string>& program)
     if (!options.sarif.empty())
         sarif = openOutput(options.sarif);
     Checker checker(options.stack, sarif.get());
+    const bool isScript = findProgram(program.front()).isScript; // before it runs: it may remove itself
     Ending ending = run(program, channel, checker);
     checker.finish();
     std::cerr << "zlt_ogl: " << counted(checker.errorCount(), "error") << "; "
-              << summaryOf(channel, program.front(), isScript(program.front())) << std::flush;
+              << summaryOf(channel, program.front(), isScript) << std::flush;
     if (sarif)
         closeOutput(*sarif, options.sarif);
     if (options.exitCode && checker.errorCount() > 0 && ending.signal == 0 && ending.status == 0)

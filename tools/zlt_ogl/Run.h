@@ -26,7 +26,4 @@ Ending run(const std::vector<std::string>& words, ChannelReader& channel, Record
 /// @throws Refusal when it is not there
 [[noreturn]] void becomeInfo(bool json);
 
-/// The program in its user's words, for sentences about it.
-bool isScript(const std::string& name);
-
 } // namespace ZLT::Interception

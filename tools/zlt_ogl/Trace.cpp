@@ -1,6 +1,7 @@
 #include "Trace.h"
 
 #include "Output.h"
+#include "ProgramFile.h"
 #include "Run.h"
 #include "Sites.h"
 #include "Summary.h"
@@ -83,11 +84,12 @@ void trace(const TraceOptions& options, const std::vector<std::string>& program)
         file = openOutput(options.output);
     std::ostream& out = file ? *file : std::cerr;
     Tracer tracer(out);
+    const bool isScript = findProgram(program.front()).isScript; // before it runs: it may remove itself
     const Ending ending = run(program, channel, tracer);
     out.flush();
     if (file)
         closeOutput(*file, options.output);
-    std::cerr << "zlt_ogl: " << summaryOf(channel, program.front(), isScript(program.front())) << std::flush;
+    std::cerr << "zlt_ogl: " << summaryOf(channel, program.front(), isScript) << std::flush;
     endAs(ending);
 }
 

@@ -21,12 +21,6 @@ bool makesDesktopContexts() {
 }
 
 template <class Call>
-auto inside(const Call& call) {
-    const Inside driver;
-    return call();
-}
-
-template <class Call>
 EGLBoolean swapped(const Call& call) {
     const EGLBoolean success = inside(call);
     if (success)

@@ -14,8 +14,6 @@ namespace {
 
 #define ZLT_REAL(name) realOf(name, #name)
 
-using FBConfigSGIX = void*;
-
 GLXContext made(GLXContext context, GLXContext share) {
     if (context)
         addContext(context, share, true);
@@ -34,12 +32,6 @@ Bool madeCurrent(Bool success, GLXContext context) {
     if (success)
         setCurrentContext(findOrAddContext(context, true));
     return success;
-}
-
-template <class Call>
-auto inside(const Call& call) {
-    const Inside driver;
-    return call();
 }
 
 } // namespace

@@ -10,7 +10,6 @@
 #include <dlfcn.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>

@@ -13,12 +13,6 @@ namespace {
 using Handle = void*; // HDC, HGLRC
 using Bool = int;     // BOOL
 
-template <class Call>
-auto inside(const Call& call) {
-    const Inside driver;
-    return call();
-}
-
 Handle made(Handle context, Handle share) {
     if (context && !thread.inside)
         addContext(context, share, true);

@@ -162,8 +162,6 @@ void becomeInfo(bool json) {
     throw Refusal(program + " can't be run: " + std::strerror(errno), Refusal::unsuitable);
 }
 
-bool isScript(const std::string& name) { return findProgram(name).isScript; }
-
 Ending run(const std::vector<std::string>& words, ChannelReader& channel, RecordHandler& handler) {
     const ProgramFile program = findProgram(words.front());
     const Signals signals;

@@ -217,7 +217,7 @@ std::optional<Value> Reader::value(const Die& die, unsigned int name) const {
             return own;
         std::optional<Value> next = ownValue(*view, abstractOrigin);
         if (!next)
-            next = ownValue(*view, specification);
+            next = ownValue(*view, declared);
         view = next ? referred(*next) : std::nullopt;
     }
     return {};

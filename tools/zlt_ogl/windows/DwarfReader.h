@@ -31,7 +31,7 @@ enum Name : unsigned int { // DW_AT_...
     highPc = 0x12,
     compDir = 0x1B,
     abstractOrigin = 0x31,
-    specification = 0x47,
+    declared = 0x47, // where the member function is declared
     ranges = 0x55,
     callFile = 0x58,
     callLine = 0x59,

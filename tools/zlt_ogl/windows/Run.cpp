@@ -219,8 +219,6 @@ void becomeInfo(bool json) {
     ExitProcess(status);
 }
 
-bool isScript(const std::string& name) { return findProgram(name).isScript; }
-
 Ending run(const std::vector<std::string>& words, ChannelReader& channel, RecordHandler& handler) {
     const ProgramFile program = findProgram(words.front());
     if (program.isScript)
