@@ -39,7 +39,7 @@ endif()
 execute_process(COMMAND ${EMULATOR} ${COMMAND} trace --frames 2 -o ${TRACE} ${PROGRAM}
   OUTPUT_VARIABLE output RESULT_VARIABLE status)
 file(READ ${TRACE} trace)
-if(NOT status EQUAL 5 OR NOT trace MATCHES "^// thread 2, context 2\r?\n[./]*tests/programs/OnWindows\\.cpp:[0-9]+: glClear\\(16384\\)\r?\n$")
+if(NOT status EQUAL 5 OR NOT trace MATCHES "^// thread 2, context 2\r?\n[^\n]*tests/programs/OnWindows\\.cpp:[0-9]+: glClear\\(16384\\)\r?\n$")
   message(SEND_ERROR "The trace of frame 2: ${status}, ${trace}")
 endif()
 foreach(wrong nowhere.exe ${SOURCE})
