@@ -50,17 +50,26 @@ endforeach()
 foreach(name EntriesByName.inl ExportedFunctions.inl LaterFunctions.inl SystemFunctions.inl ImportedFunctions.inl opengl32.def)
   list(APPEND zlt_generated_rows ${zlt_generated}/src/intercept/${name})
 endforeach()
+# src/capture.
+set(zlt_generated_capture)
+foreach(topic GL11 GL12to30 ARB EXT NV Vendors)
+  list(APPEND zlt_generated_capture ${zlt_generated}/src/capture/OpenGLCapture_${topic}.cpp)
+  list(APPEND zlt_generated_player ${zlt_generated}/src/capture/DriverCalls_${topic}.cpp)
+endforeach()
+foreach(name CapturedEntries PlayedEntries)
+  list(APPEND zlt_generated_rows ${zlt_generated}/src/capture/${name}.inl)
+endforeach()
 set(zlt_generated_tests ${zlt_generated}/tests/EntryPoints.inl)
 
 add_custom_command(
   OUTPUT ${zlt_generated_headers} ${zlt_generated_sources} ${zlt_generated_rows} ${zlt_generated_exports}
-    ${zlt_generated_tests}
+    ${zlt_generated_capture} ${zlt_generated_player} ${zlt_generated_tests}
   COMMAND ${zlt_generator} ${zlt_tables} ${zlt_generated}
   DEPENDS ${zlt_generator_target} ${zlt_tables}/gl_entry_points.tsv ${zlt_tables}/gl_tokens.tsv
           ${zlt_tables}/extensions.tsv ${zlt_tables}/wgl_extension_functions.tsv
           ${zlt_tables}/wgl_entry_points.tsv ${zlt_tables}/gl_later_functions.tsv
-          ${zlt_tables}/opengl32_functions.tsv
+          ${zlt_tables}/opengl32_functions.tsv ${zlt_tables}/gl_arguments.tsv
   COMMENT "Generating the call families"
   VERBATIM)
 add_custom_target(zlt_generate DEPENDS ${zlt_generated_headers} ${zlt_generated_sources} ${zlt_generated_rows}
-  ${zlt_generated_exports} ${zlt_generated_tests})
+  ${zlt_generated_exports} ${zlt_generated_capture} ${zlt_generated_player} ${zlt_generated_tests})

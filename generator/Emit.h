@@ -120,6 +120,24 @@ void emitExportedNames(const std::vector<EntryPoint>& entries, const std::vector
 /// opengl32.def: what the library of that name exports. SystemFunctions.inl: what goes through it.
 void emitSystemLibrary(const std::vector<EntryPoint>& entries, const std::vector<SystemFunction>& functions,
                        const std::filesystem::path& directory);
+/// A layer of which each entry does its work in a template that all entries of the same types share.
+struct SharedLayer {
+    std::string name;                // "OpenGLWatchLayer"
+    std::string header;              // "extensionator/OpenGLWatcher.inl"
+    std::string work;                // the template: "watched"
+    std::vector<std::string> byHand; // the entries that are not generated
+    std::string space = "ZLT::OGL";
+};
+void emitSharedLayer(const std::vector<Topic>& topics, const std::filesystem::path& directory,
+                     const SharedLayer& layer);
+/// OpenGLCapture_*.cpp.
+void emitCapture(const std::vector<Topic>& topics, const std::vector<Arguments>& arguments,
+                 const std::filesystem::path& directory);
+/// DriverCalls_*.cpp.
+void emitDriverCalls(const std::vector<Topic>& topics, const std::filesystem::path& directory);
+/// CapturedEntries.inl: forms and meanings of the entries. PlayedEntries.inl: how a player calls them.
+void emitCapturedFunctions(const std::vector<EntryPoint>& entries, const std::vector<Arguments>& arguments,
+                           const std::filesystem::path& directory);
 /// gl_tokens.h.
 void emitTokenHeader(const std::vector<Token>& tokens, const std::filesystem::path& directory);
 /// TokenRows.inl.

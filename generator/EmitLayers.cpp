@@ -26,33 +26,31 @@ EntriesByType::EntriesByType(const std::vector<Topic>& topics) {
         }
 }
 
-namespace {
-
-/// A layer of which each entry does its work in a template that all entries of the same types share.
 void emitSharedLayer(const std::vector<Topic>& topics, const std::filesystem::path& directory,
-                     const std::string& layer, const std::string& header, const std::string& work,
-                     const std::vector<std::string>& byHand) {
+                     const SharedLayer& layer) {
     const EntriesByType byType(topics);
     for (const Topic& topic : topics) {
-        std::string text = std::string(generatedNotice) + "#include \"extensionator/" + header +
-                           "\"\n\n"
-                           "namespace ZLT::OGL {\n";
+        std::string text = std::string(generatedNotice) + "#include \"" + layer.header + "\"\n\nnamespace " +
+                           layer.space + " {\n";
         for (const EntryPoint* entry : topic.entries) {
-            if (std::ranges::count(byHand, entry->name))
+            if (std::ranges::count(layer.byHand, entry->name))
                 continue;
             std::vector<std::string> parts = {"CallPlace{file, line, " +
                                               std::to_string(byType.placeOf(*entry)) + "}"};
             for (const Parameter& parameter : entry->parameters)
                 parts.push_back(parameter.name);
-            text += '\n' + layerHead(*entry, layer);
-            text += list(
-                4, std::string(entry->hasResult() ? "return " : "") + work + "<" + signatureOf(*entry) + ">(",
-                parts, ");\n}\n");
+            text += '\n' + layerHead(*entry, layer.name);
+            text += list(4,
+                         std::string(entry->hasResult() ? "return " : "") + layer.work + "<" +
+                             signatureOf(*entry) + ">(",
+                         parts, ");\n}\n");
         }
-        text += "\n} // namespace ZLT::OGL\n";
-        writeFile(directory / (layer + "_" + topic.name + ".cpp"), text);
+        text += "\n} // namespace " + layer.space + "\n";
+        writeFile(directory / (layer.name + "_" + topic.name + ".cpp"), text);
     }
 }
+
+namespace {
 
 // How the argument is written, as CallArguments.cpp reads it.
 char formLetter(const EntryPoint& entry, const Parameter& parameter) {
@@ -179,13 +177,17 @@ void emitForwarder(const std::vector<Topic>& topics, const std::filesystem::path
 }
 
 void emitWatchLayer(const std::vector<Topic>& topics, const std::filesystem::path& directory) {
-    emitSharedLayer(topics, directory, "OpenGLWatchLayer", "OpenGLWatcher.inl", "watched", {});
+    emitSharedLayer(topics, directory,
+                    {"OpenGLWatchLayer", "extensionator/OpenGLWatcher.inl", "watched", {}});
 }
 
 void emitErrorReporter(const std::vector<Topic>& topics, const std::filesystem::path& directory) {
     // These three are in OpenGLErrorReporter.cpp: the balance, and the errors that a program asks for itself.
-    emitSharedLayer(topics, directory, "OpenGLErrorReporter", "OpenGLErrorReporter.inl", "reported",
-                    {"Begin", "End", "GetError"});
+    emitSharedLayer(topics, directory,
+                    {"OpenGLErrorReporter",
+                     "extensionator/OpenGLErrorReporter.inl",
+                     "reported",
+                     {"Begin", "End", "GetError"}});
 }
 
 } // namespace generator

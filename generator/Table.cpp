@@ -385,4 +385,137 @@ std::vector<SystemFunction> readSystemFunctions(std::istream& in) {
     return functions;
 }
 
+namespace {
+
+// What a length may call: the functions of src/capture/Sizes.h and of the writer.
+constexpr std::string_view lengthFunctions[] = {"clearValues",
+                                                "colorTable",
+                                                "compressedImage",
+                                                "compressedMultiImage",
+                                                "compressedTextureImage",
+                                                "controlPoints",
+                                                "convolution",
+                                                "counted",
+                                                "filterWeights",
+                                                "functionPoints",
+                                                "histogram",
+                                                "image",
+                                                "indexLists",
+                                                "indexedValues",
+                                                "indices",
+                                                "lists",
+                                                "mapParameterValues",
+                                                "mapPoints",
+                                                "mapValues",
+                                                "modes",
+                                                "multiTextureImage",
+                                                "namedProgramString",
+                                                "namedTextureImage",
+                                                "packed",
+                                                "pixelMap",
+                                                "programString",
+                                                "programStringNV",
+                                                "separableColumn",
+                                                "separableRow",
+                                                "symbolBytes",
+                                                "symbolValues",
+                                                "text",
+                                                "textureImage",
+                                                "texturePoints",
+                                                "texts",
+                                                "uniformValues",
+                                                "unpacked",
+                                                "values",
+                                                "volume",
+                                                "written"};
+
+constexpr std::string_view objectKinds[] = {"",
+                                            "assembly program",
+                                            "async marker",
+                                            "buffer",
+                                            "buffer region",
+                                            "display list",
+                                            "fence",
+                                            "fragment shader",
+                                            "framebuffer",
+                                            "occlusion query",
+                                            "program",
+                                            "query",
+                                            "symbol",
+                                            "renderbuffer",
+                                            "shader",
+                                            "sync",
+                                            "texture",
+                                            "uniform location",
+                                            "vertex array",
+                                            "vertex shader"};
+
+void checkLength(const std::string& length, const EntryPoint& entry, const Rows& rows) {
+    std::string word;
+    for (std::size_t at = 0; at <= length.size(); ++at) {
+        const char letter = at < length.size() ? length[at] : ' ';
+        if (isIdentifier(std::string(1, letter)) || (letter >= '0' && letter <= '9')) {
+            word += letter;
+            continue;
+        }
+        const bool isParameter =
+            std::ranges::any_of(entry.parameters, [&](const Parameter& p) { return p.name == word; });
+        const bool isKnown = letter == '(' || word == "text" ? std::ranges::count(lengthFunctions, word) > 0
+                                                             : isParameter || word.starts_with("GL_");
+        if (isIdentifier(word) && !isKnown)
+            rows.fail(word + " in the length '" + length + "' means nothing");
+        word.clear();
+    }
+}
+
+Argument readArgument(const EntryPoint& entry, const Rows& rows) {
+    const Argument argument = {rows.cell(3), rows.cell(4), rows.cell(6)};
+    constexpr std::string_view directions[] = {"", "in", "out", "array", "address", "kept", "text"};
+    if (std::ranges::count(directions, argument.pointer) == 0)
+        rows.fail("unknown pointer '" + argument.pointer + "'");
+    if ((argument.pointer == "in" || argument.pointer == "out") == argument.length.empty())
+        rows.fail("what goes in or out has a length, and nothing else has");
+    if (std::ranges::count(objectKinds, argument.object) == 0)
+        rows.fail("unknown object '" + argument.object + "'");
+    checkLength(argument.length, entry, rows);
+    return argument;
+}
+
+} // namespace
+
+std::vector<Arguments> readArguments(std::istream& in, const std::vector<EntryPoint>& entries) {
+    Rows rows(in, "gl_arguments.tsv", "name\tindex\tparameter\tpointer\tlength\tgroup\tobject");
+    bool isRow = rows.next();
+    std::vector<Arguments> all;
+    for (const EntryPoint& entry : entries) {
+        Arguments arguments;
+        for (std::size_t index = 0; index < entry.parameters.size(); ++index) {
+            const Parameter& parameter = entry.parameters[index];
+            Argument argument;
+            if (isRow && rows.cell(0) == entry.name && rows.cell(1) == std::to_string(index)) {
+                if (rows.cell(2) != parameter.name)
+                    rows.fail("the parameter is called " + parameter.name);
+                argument = readArgument(entry, rows);
+                isRow = rows.next();
+            }
+            if (parameter.type.pointer == argument.pointer.empty())
+                rows.fail("before this row: a meaning for " + entry.name + "'s " + parameter.name +
+                          " is missing, or it has one and is no pointer");
+            arguments.push_back(std::move(argument));
+        }
+        Argument result;
+        if (isRow && rows.cell(0) == entry.name && rows.cell(1) == "result") {
+            result = readArgument(entry, rows);
+            isRow = rows.next();
+        }
+        if ((entry.result.find('*') != std::string::npos) == result.pointer.empty())
+            rows.fail("before this row: what " + entry.name + " returns needs a meaning");
+        arguments.push_back(std::move(result));
+        all.push_back(std::move(arguments));
+    }
+    if (isRow)
+        rows.fail("no entry is called " + rows.cell(0) + ", or the row is not in the order of the entries");
+    return all;
+}
+
 } // namespace generator

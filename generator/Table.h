@@ -118,6 +118,21 @@ std::vector<Token> readTokens(std::istream& in);
 /// Reads gl_later_functions.tsv: names in ascending order, none of which is an entry's.
 std::vector<std::string> readLaterFunctions(std::istream& in, const std::vector<EntryPoint>& entries);
 
+/// What a pointer, a name or a location means; see readArguments().
+struct Argument {
+    std::string pointer; // "in", "out", "array", "address", "kept", "text", or empty for what is no pointer
+    std::string length;  // of what "in" and "out" point at, in elements
+    std::string object;  // "texture", "uniform location"
+};
+/// Of one entry point: one for each parameter, the last one for the result.
+using Arguments = std::vector<Argument>;
+
+/// Reads gl_arguments.tsv: what the entries' pointers point at, in the order of the entries. Checks that each
+/// pointer has a meaning, and that a length is made of what a length can be made of: parameters, numbers,
+/// tokens, and the functions of src/capture/Sizes.h.
+/// @return one for each entry
+std::vector<Arguments> readArguments(std::istream& in, const std::vector<EntryPoint>& entries);
+
 /// What opengl32.dll exports beside the functions of GL 1.1.
 struct SystemFunction {
     std::string name;

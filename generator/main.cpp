@@ -30,6 +30,8 @@ void generate(const std::filesystem::path& tables, const std::filesystem::path& 
     std::ifstream systemRows = open(tables / "opengl32_functions.tsv");
     const std::vector<SystemFunction> systemFunctions = readSystemFunctions(systemRows);
     const std::vector<Token> tokens = readTokens(tokenRows);
+    std::ifstream argumentRows = open(tables / "gl_arguments.tsv");
+    const std::vector<Arguments> arguments = readArguments(argumentRows, entries);
     const std::vector<Topic> topics = topicsOf(entries);
 
     const std::filesystem::path headers = output / "include" / "extensionator";
@@ -57,6 +59,9 @@ void generate(const std::filesystem::path& tables, const std::filesystem::path& 
     emitExports(topics, output / "src" / "intercept");
     emitExportedNames(entries, later, output / "src" / "intercept");
     emitSystemLibrary(entries, systemFunctions, output / "src" / "intercept");
+    emitCapture(topics, arguments, output / "src" / "capture");
+    emitDriverCalls(topics, output / "src" / "capture");
+    emitCapturedFunctions(entries, arguments, output / "src" / "capture");
     emitTokens(tokens, sources);
     emitTokenHeader(tokens, headers);
     emitEntryRows(entries, output / "tests");

@@ -2,6 +2,7 @@
 
 #include "extensionator/DriverMessages.h"
 #include "extensionator/OpenGLErrorReporter.h"
+#include "intercept/CallCapture.h"
 #include "intercept/Contexts.h"
 #include "intercept/DriverEnd.h"
 #include "intercept/ErrorReports.h"
@@ -30,6 +31,8 @@ void startThread() {
     if (program().options().mode == Mode::Trace) {
         thread.trace = new TraceOutput(driverEnd());
         thread.chain = thread.trace->head();
+    } else if (program().options().mode == Mode::Capture) {
+        thread.chain = captureOf(driverEnd());
     } else {
         thread.chain = &errorReporter(driverEnd());
     }
@@ -74,7 +77,7 @@ void leaveAlone() {
 }
 
 void endFrame() {
-    if (!program().isActive())
+    if (!program().isActive() || program().options().mode == Mode::Capture) // which counts for itself
         return;
     const std::uint64_t frame = program().countFrame();
     if (program().options().mode == Mode::Trace && program().options().markFrames && thread.trace)

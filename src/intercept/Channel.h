@@ -16,18 +16,20 @@ namespace ZLT::Interception {
 
 inline constexpr std::uint32_t channelMagic = 0x5A4C5443;
 /// Of the layout below. Command and watched object come from one build; a stranger is refused.
-inline constexpr std::uint32_t channelVersion = 1;
+inline constexpr std::uint32_t channelVersion = 2;
 
 /// In the environment of the program: the name by which it opens the memory. Taken out again at the start.
 inline constexpr const char* channelVariable = "ZLT_OGL_CHANNEL";
 
-enum class Mode : std::uint32_t { Check, Trace };
+enum class Mode : std::uint32_t { Check, Trace, Capture };
 
 struct Options {
     Mode mode = Mode::Check;
-    bool children = false;   ///< the programs that the program starts are watched as well
-    bool trap = false;       ///< stop in a debugger where an error is
-    bool markFrames = false; ///< a comment in the trace at each swap
+    bool children = false;     ///< the programs that the program starts are watched as well
+    bool trap = false;         ///< stop in a debugger where an error is
+    bool markFrames = false;   ///< a comment in the trace at each swap
+    bool hashPictures = false; ///< in a capture
+    bool goOn = false;         ///< the program runs on after the last frame of a capture
     std::uint64_t firstFrame = 1;
     std::uint64_t lastFrame = UINT64_MAX;
 };
@@ -50,12 +52,30 @@ enum class RecordKind : std::uint32_t {
     Report, ///< an error that is new: see ReportRecord
     Again,  ///< the number of an error that was reported, which came once more
     Note,   ///< a sentence for the user
+    Call,   ///< a record of a capture; the thread's number stands above the kind, see kindOf()
+    Data,   ///< a part of data of a capture: DataRecord, then the bytes
 };
 
 /// In front of each record. Records begin at multiples of 8.
 struct RecordHead {
     std::uint32_t size = 0; ///< with this head, without what fills up to the next one
     RecordKind kind = RecordKind::Pad;
+};
+
+/// Threads of a capture are in the higher bits of a kind.
+inline constexpr unsigned int threadShift = 8;
+constexpr RecordKind callOf(std::uint32_t thread) {
+    return static_cast<RecordKind>(static_cast<std::uint32_t>(RecordKind::Call) | thread << threadShift);
+}
+constexpr RecordKind kindOf(RecordKind kind) {
+    return static_cast<RecordKind>(static_cast<std::uint32_t>(kind) & ((1u << threadShift) - 1));
+}
+constexpr std::uint32_t threadOf(RecordKind kind) { return static_cast<std::uint32_t>(kind) >> threadShift; }
+
+struct DataRecord {
+    std::uint32_t number = 0; ///< from 0
+    std::uint32_t reserved = 0;
+    std::uint64_t size = 0; ///< of all parts
 };
 
 struct SiteRecord {

@@ -51,10 +51,12 @@ ContextRecord* addContext(NativeContext context, NativeContext share, bool isDes
     return add(all, context, find(all, share), isDesktop);
 }
 
-void removeContext(NativeContext context) {
+ContextRecord* removeContext(NativeContext context) {
     Known& all = known();
     const std::lock_guard guard(all.lock);
+    ContextRecord* const found = find(all, context);
     all.byAddress.erase(context);
+    return found;
 }
 
 ContextRecord* findContext(NativeContext context) {

@@ -33,7 +33,8 @@ struct ContextRecord {
 /// the context current when it is destroyed, and a new one of the same address gets another record.
 ContextRecord* addContext(NativeContext context, NativeContext share, bool isDesktop);
 /// The context is no more known by its address.
-void removeContext(NativeContext context);
+/// @return its record; null for an unknown one
+ContextRecord* removeContext(NativeContext context);
 /// Null for one that was made past us.
 ContextRecord* findContext(NativeContext context);
 /// One that was made past us is made current: as if it had been made now.

@@ -15,6 +15,8 @@ public:
     void attach(Channel& channel);
     /// In a process that was forked off: nothing more is written.
     void detach();
+    /// Enough was seen: the calls that follow go straight to the driver.
+    void stop() { active_.store(false, std::memory_order_relaxed); }
     bool isActive() const { return active_.load(std::memory_order_relaxed); }
 
     const Options& options() const { return writer_.options(); }

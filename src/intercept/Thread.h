@@ -36,6 +36,10 @@ struct Thread {
     std::uint32_t number = 0;
     std::atomic<std::uint64_t>* calls = nullptr;
     TraceOutput* trace = nullptr;
+    /// What the context draws to and reads from, by the numbers of the window system; 0 for none.
+    std::uint64_t drawSurface = 0, readSurface = 0;
+    void* display = nullptr; ///< on which these are
+    bool isEgl = false;      ///< of EGL
 #if defined(_WIN32)
     /// The driver's functions, of the current context: there each driver has its own.
     void (**functions)() = functionsWithoutContext;

@@ -325,6 +325,8 @@ ZLT_OGL_API BOOL GetClientRect(HWND window, RECT* rectangle);
 /// The window's device context: always the same one, valid as long as the window.
 ZLT_OGL_API HDC GetDC(HWND window);
 ZLT_OGL_API int ReleaseDC(HWND window, HDC device);
+/// The window of which it is the device context; null, without an error, for anything else.
+ZLT_OGL_API HWND WindowFromDC(HDC device);
 
 /// The index, from 1, of the format nearest to the one described, among those that the window can have. The
 /// formats are EGL's configurations, all double buffered and then all single buffered; the formats of several
@@ -511,6 +513,7 @@ using ZLT::Platform::SetPixelFormat;
 using ZLT::Platform::ShowWindow;
 using ZLT::Platform::SwapBuffers;
 using ZLT::Platform::UnregisterClassA;
+using ZLT::Platform::WindowFromDC;
 using ZLT::Platform::wglCopyContext;
 using ZLT::Platform::wglCreateContext;
 using ZLT::Platform::wglCreateLayerContext;

@@ -505,6 +505,17 @@ HDC WINAPI GetDC(HWND window) {
     return good && on->windows.contains(window) ? deviceOf(window) : nullptr;
 }
 
+HWND WINAPI WindowFromDC(HDC device) {
+    ENTER(device);
+    return good && on->isLive(device) ? windowOf(device) : nullptr;
+}
+
+BOOL WINAPI GetClientRect(HWND window, RECT* rectangle) {
+    ENTER(window);
+    *rectangle = {0, 0, 640, 480};
+    return good && on->windows.contains(window);
+}
+
 int WINAPI ReleaseDC(HWND window, HDC device) {
     ENTER(window, device);
     return good && device == deviceOf(window);

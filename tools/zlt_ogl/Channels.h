@@ -18,6 +18,8 @@ class RecordHandler {
 public:
     virtual ~RecordHandler() = default;
     virtual void record(std::size_t process, RecordKind kind, std::string_view bytes) = 0;
+    /// Enough was seen: the program may be ended.
+    virtual bool isDone() const { return false; }
 };
 
 /// Makes the memory, reads it, and ends it.

@@ -14,7 +14,7 @@ struct Ending {
 };
 
 /// Runs a program with the object of src/intercept in it, and reads what it writes until it has ended.
-/// Signals from the terminal are the program's.
+/// Signals from the terminal are the program's. Where the handler is done first, the program is ended.
 /// @param words  the program and its arguments
 /// @throws Refusal when the program can't be run or watched
 Ending run(const std::vector<std::string>& words, ChannelReader& channel, RecordHandler& handler);
@@ -22,8 +22,9 @@ Ending run(const std::vector<std::string>& words, ChannelReader& channel, Record
 /// Ends this process as the program ended.
 [[noreturn]] void endAs(const Ending& ending);
 
-/// Goes on as the program behind `zlt_ogl info`.
+/// Goes on as a program that belongs to the command.
+/// @param name  without the ending that the system's programs have
 /// @throws Refusal when it is not there
-[[noreturn]] void becomeInfo(bool json);
+[[noreturn]] void becomeOwn(const char* name, const std::vector<std::string>& arguments);
 
 } // namespace ZLT::Interception

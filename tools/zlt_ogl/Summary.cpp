@@ -36,15 +36,21 @@ std::string counted(unsigned long long number, const std::string& noun) {
     return std::to_string(number) + ' ' + noun + (number == 1 ? "" : "s");
 }
 
-std::string summaryOf(const ChannelReader& channel, const std::string& program, bool isScript) {
-    if (channel.processCount() == 0)
-        return program + " was not watched: it could not be entered.\n";
+std::string laterCallsOf(const ChannelReader& channel) {
     const Sums sums = sumsOf(channel);
     std::string later;
     for (std::size_t i = 0; i < sums.later.size(); ++i)
         if (sums.later[i] > 0)
             later += (later.empty() ? "" : ", ") + std::string(laterName(i)) + " (" +
                      counted(sums.later[i], "call") + ')';
+    return later;
+}
+
+std::string summaryOf(const ChannelReader& channel, const std::string& program, bool isScript) {
+    if (channel.processCount() == 0)
+        return program + " was not watched: it could not be entered.\n";
+    const Sums sums = sumsOf(channel);
+    const std::string later = laterCallsOf(channel);
     std::string text;
     if (sums.processes == 0 && later.empty()) {
         text = program + " called no OpenGL.";

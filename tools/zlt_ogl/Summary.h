@@ -10,6 +10,9 @@ namespace ZLT::Interception {
 /// A line each, without the errors.
 std::string summaryOf(const ChannelReader& channel, const std::string& program, bool isScript);
 
+/// The functions that were called and not looked at: "glFoo (1 call), glBar (2 calls)"; empty for none.
+std::string laterCallsOf(const ChannelReader& channel);
+
 /// "1 call", "2 calls".
 std::string counted(unsigned long long number, const std::string& noun);
 

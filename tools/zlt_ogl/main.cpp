@@ -1,6 +1,8 @@
 // The command: what OpenGL a machine has, and what a program does with it.
 
+#include "Capture.h"
 #include "Check.h"
+#include "Frames.h"
 #include "ProgramFile.h"
 #include "Run.h"
 #include "Trace.h"
@@ -14,6 +16,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -25,6 +28,9 @@ constexpr const char* description =
 
   zlt_ogl check ./game           each wrong call, with its line and its arguments
   zlt_ogl trace -o t.txt ./game  each call
+  zlt_ogl capture ./game         everything that it draws, into a file
+  zlt_ogl replay game.zlt        the same again
+  zlt_ogl dump game.zlt          the calls of a capture
   zlt_ogl info                   what OpenGL this machine has)";
 
 constexpr const char* checkDescription =
@@ -44,29 +50,12 @@ constexpr const char* traceDescription =
 The lines come from the program's debug information, see `zlt_ogl check --help`. A comment tells the thread and the
 context where another one goes on.)";
 
-// "3", "3-7", "3-".
-struct Frames {
-    std::uint64_t first = 1, last = UINT64_MAX;
+constexpr const char* captureDescription =
+    R"(Runs PROGRAM and writes all of its OpenGL calls, with all that they point at, to a file that `zlt_ogl replay`
+plays without the program. A frame ends with a swap; where a window has one buffer, with glFlush or glFinish.)";
 
-    static std::string parse(const std::string& text, Frames& frames) {
-        const auto number = [](const std::string& digits, std::uint64_t& value) {
-            if (digits.empty() || digits.size() > 18 ||
-                digits.find_first_not_of("0123456789") != std::string::npos)
-                return false;
-            value = std::stoull(digits);
-            return value > 0;
-        };
-        const std::size_t dash = text.find('-');
-        bool good = number(text.substr(0, dash), frames.first);
-        if (dash == std::string::npos)
-            frames.last = frames.first;
-        else if (dash + 1 < text.size())
-            good = good && number(text.substr(dash + 1), frames.last);
-        return good && frames.first <= frames.last
-                   ? ""
-                   : text + " is no range of frames: write 3, 3-7 or 3-; the first frame is 1";
-    }
-};
+constexpr std::pair<const char*, const char*> playerCommands[] = {
+    {"replay", "Draw again what a capture has"}, {"dump", "Write down the calls of a capture"}};
 
 // What stands after the options, or after `--`: the program and all that is its own, dashes of its own too.
 std::vector<std::string> programOf(const CLI::App& command, std::span<char*> fromDashes) {
@@ -139,6 +128,28 @@ int runCommand(int argc, char** argv) {
         ->type_name("A-B");
     traceCommand.add_flag("--mark-frames", traceOptions.channel.markFrames, "a comment where a frame begins");
 
+    CaptureOptions captureOptions;
+    captureOptions.channel.mode = Mode::Capture;
+    CLI::App& captureCommand =
+        addProgramCommand(app, "capture", "Write everything that a program draws to a file, to have it again",
+                          captureDescription, captureOptions.channel);
+    std::uint64_t captureFrames = 0;
+    captureCommand.add_option("-o,--output", captureOptions.output, "the file; else PROGRAM's name and .zlt")
+        ->type_name("FILE");
+    captureCommand.add_option("--frames", captureFrames, "so many frames, then PROGRAM is ended")
+        ->type_name("N")
+        ->check(CLI::PositiveNumber);
+    captureCommand.add_flag("--go-on", captureOptions.channel.goOn, "let PROGRAM run on after these frames");
+    captureCommand.add_flag("--verify", captureOptions.channel.hashPictures,
+                            "with a hash of each picture, which a replay compares");
+
+    // The program behind it knows their options.
+    for (const auto& [name, text] : playerCommands) {
+        if (argc > 1 && std::string_view(argv[1]) == name)
+            becomeOwn("zlt_ogl_player", std::vector<std::string>(argv + 1, argv + argc));
+        app.add_subcommand(name, text);
+    }
+
     // In the order in which the parser takes them, from the back.
     char** const dashes = std::find(argv, argv + argc, std::string_view("--"));
     std::vector<std::string> words(std::make_reverse_iterator(dashes), std::make_reverse_iterator(argv + 1));
@@ -151,7 +162,12 @@ int runCommand(int argc, char** argv) {
         throw Refusal(std::string(error.what()) + "; see zlt_ogl --help", Refusal::usage);
     }
     if (infoCommand.parsed())
-        becomeInfo(json);
+        becomeOwn("zlt_ogl_info", json ? std::vector<std::string>{"--json"} : std::vector<std::string>());
+    if (captureCommand.parsed()) {
+        if (captureFrames > 0)
+            captureOptions.channel.lastFrame = captureFrames;
+        capture(captureOptions, programOf(captureCommand, fromDashes));
+    }
     if (checkCommand.parsed())
         check(checkOptions, programOf(checkCommand, fromDashes));
     if (!frames.empty()) {

@@ -1,5 +1,6 @@
 // EGL, as far as it makes contexts and frames.
 
+#include "intercept/CallCapture.h"
 #include "intercept/Contexts.h"
 #include "intercept/Intercepted.h"
 #include "intercept/linux/Libraries.h"
@@ -20,8 +21,12 @@ bool makesDesktopContexts() {
     return query && query() == EGL_OPENGL_API;
 }
 
+// Surfaces are addresses, and those of GLX small numbers: neither is taken for the other.
+std::uint64_t numberOf(EGLSurface surface) { return reinterpret_cast<std::uintptr_t>(surface); }
+
 template <class Call>
-EGLBoolean swapped(const Call& call) {
+EGLBoolean swapped(EGLSurface surface, const Call& call) {
+    captureSwap(numberOf(surface));
     const EGLBoolean success = inside(call);
     if (success)
         endFrame();
@@ -46,37 +51,43 @@ ZLT_INTERCEPTED EGLContext eglCreateContext(EGLDisplay display, EGLConfig config
 ZLT_INTERCEPTED EGLBoolean eglDestroyContext(EGLDisplay display, EGLContext context) {
     const EGLBoolean success = inside([&] { return ZLT_REAL(eglDestroyContext)(display, context); });
     if (success)
-        removeContext(context);
+        captureDestroyed(removeContext(context));
     return success;
 }
 
 ZLT_INTERCEPTED EGLBoolean eglMakeCurrent(EGLDisplay display, EGLSurface draw, EGLSurface read,
                                           EGLContext context) {
     const EGLBoolean success = inside([&] { return ZLT_REAL(eglMakeCurrent)(display, draw, read, context); });
-    if (success)
+    if (success) {
         setCurrentContext(findOrAddContext(context, true));
+        captureCurrent(numberOf(draw), numberOf(read), display, true);
+    }
     return success;
 }
 
 ZLT_INTERCEPTED EGLBoolean eglReleaseThread() {
     const EGLBoolean success = inside([&] { return ZLT_REAL(eglReleaseThread)(); });
-    if (success)
+    if (success) {
         setCurrentContext(nullptr);
+        captureCurrent(0, 0, nullptr, true);
+    }
     return success;
 }
 
 ZLT_INTERCEPTED EGLBoolean eglSwapBuffers(EGLDisplay display, EGLSurface surface) {
-    return swapped([&] { return ZLT_REAL(eglSwapBuffers)(display, surface); });
+    return swapped(surface, [&] { return ZLT_REAL(eglSwapBuffers)(display, surface); });
 }
 
 ZLT_INTERCEPTED EGLBoolean eglSwapBuffersWithDamageKHR(EGLDisplay display, EGLSurface surface,
                                                        const EGLint* rects, EGLint count) {
-    return swapped([&] { return ZLT_REAL(eglSwapBuffersWithDamageKHR)(display, surface, rects, count); });
+    return swapped(surface,
+                   [&] { return ZLT_REAL(eglSwapBuffersWithDamageKHR)(display, surface, rects, count); });
 }
 
 ZLT_INTERCEPTED EGLBoolean eglSwapBuffersWithDamageEXT(EGLDisplay display, EGLSurface surface,
                                                        const EGLint* rects, EGLint count) {
-    return swapped([&] { return ZLT_REAL(eglSwapBuffersWithDamageEXT)(display, surface, rects, count); });
+    return swapped(surface,
+                   [&] { return ZLT_REAL(eglSwapBuffersWithDamageEXT)(display, surface, rects, count); });
 }
 
 ZLT_INTERCEPTED void (*eglGetProcAddress(const char* name))() {

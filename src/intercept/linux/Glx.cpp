@@ -1,5 +1,6 @@
 // GLX, as far as it makes contexts and frames.
 
+#include "intercept/CallCapture.h"
 #include "intercept/Contexts.h"
 #include "intercept/Intercepted.h"
 #include "intercept/linux/Libraries.h"
@@ -28,9 +29,11 @@ bool isDesktop(const int* attributes) {
     return true;
 }
 
-Bool madeCurrent(Bool success, GLXContext context) {
-    if (success)
+Bool madeCurrent(Bool success, Display* display, GLXDrawable draw, GLXDrawable read, GLXContext context) {
+    if (success) {
         setCurrentContext(findOrAddContext(context, true));
+        captureCurrent(draw, read, display);
+    }
     return success;
 }
 
@@ -73,40 +76,43 @@ ZLT_INTERCEPTED GLXContext glXImportContextEXT(Display* display, GLXContextID id
 }
 
 ZLT_INTERCEPTED void glXDestroyContext(Display* display, GLXContext context) {
-    removeContext(context);
+    captureDestroyed(removeContext(context));
     const Inside driver;
     ZLT_REAL(glXDestroyContext)(display, context);
 }
 
 ZLT_INTERCEPTED void glXFreeContextEXT(Display* display, GLXContext context) {
-    removeContext(context);
+    captureDestroyed(removeContext(context));
     const Inside driver;
     ZLT_REAL(glXFreeContextEXT)(display, context);
 }
 
 ZLT_INTERCEPTED Bool glXMakeCurrent(Display* display, GLXDrawable drawable, GLXContext context) {
-    return madeCurrent(inside([&] { return ZLT_REAL(glXMakeCurrent)(display, drawable, context); }), context);
+    return madeCurrent(inside([&] { return ZLT_REAL(glXMakeCurrent)(display, drawable, context); }), display,
+                       drawable, drawable, context);
 }
 
 ZLT_INTERCEPTED Bool glXMakeContextCurrent(Display* display, GLXDrawable draw, GLXDrawable read,
                                            GLXContext context) {
     return madeCurrent(inside([&] { return ZLT_REAL(glXMakeContextCurrent)(display, draw, read, context); }),
-                       context);
+                       display, draw, read, context);
 }
 
 ZLT_INTERCEPTED Bool glXMakeCurrentReadSGI(Display* display, GLXDrawable draw, GLXDrawable read,
                                            GLXContext context) {
     return madeCurrent(inside([&] { return ZLT_REAL(glXMakeCurrentReadSGI)(display, draw, read, context); }),
-                       context);
+                       display, draw, read, context);
 }
 
 ZLT_INTERCEPTED void glXSwapBuffers(Display* display, GLXDrawable drawable) {
+    captureSwap(drawable);
     inside([&] { ZLT_REAL(glXSwapBuffers)(display, drawable); });
     endFrame();
 }
 
 ZLT_INTERCEPTED int64_t glXSwapBuffersMscOML(Display* display, GLXDrawable drawable, int64_t target,
                                              int64_t divisor, int64_t remainder) {
+    captureSwap(drawable);
     const int64_t result =
         inside([&] { return ZLT_REAL(glXSwapBuffersMscOML)(display, drawable, target, divisor, remainder); });
     endFrame();

@@ -2,6 +2,7 @@
 // ours now: what comes from inside goes straight on. The types are the system's, but its header has other
 // ideas of these names.
 
+#include "intercept/CallCapture.h"
 #include "intercept/Contexts.h"
 #include "intercept/Intercepted.h"
 #include "intercept/windows/System.h"
@@ -19,10 +20,20 @@ Handle made(Handle context, Handle share) {
     return context;
 }
 
-Bool madeCurrent(Bool success, Handle context) {
-    if (success && !thread.inside)
+std::uint64_t numberOf(Handle window) { return reinterpret_cast<std::uintptr_t>(window); }
+
+Bool madeCurrent(Bool success, Handle draw, Handle read, Handle context) {
+    if (success && !thread.inside) {
         setCurrentContext(findOrAddContext(context, true));
+        captureCurrent(numberOf(draw), numberOf(read), draw);
+    }
     return success;
+}
+
+// Before a swap.
+void swapping(Handle window) {
+    if (!thread.inside)
+        captureSwap(numberOf(window));
 }
 
 Bool swapped(Bool success) {
@@ -53,7 +64,8 @@ Handle createContextAttribs(Handle window, Handle share, const int* attributes) 
 }
 
 Bool makeContextCurrent(Handle draw, Handle read, Handle context) {
-    return madeCurrent(inside([&] { return realMakeContextCurrent(draw, read, context); }), context);
+    return madeCurrent(inside([&] { return realMakeContextCurrent(draw, read, context); }), draw, read,
+                       context);
 }
 
 template <class Function>
@@ -84,6 +96,7 @@ ZLT_INTERCEPTED Bool wglDeleteContext(Handle context) {
     if (success && !thread.inside) {
         if (thread.context && thread.context == findContext(context))
             setCurrentContext(nullptr);
+        captureDestroyed(context);
         removeContext(context);
     }
     return success;
@@ -91,7 +104,7 @@ ZLT_INTERCEPTED Bool wglDeleteContext(Handle context) {
 
 ZLT_INTERCEPTED Bool wglMakeCurrent(Handle window, Handle context) {
     ZLT_REAL(wglMakeCurrent)
-    return madeCurrent(inside([&] { return real(window, context); }), context);
+    return madeCurrent(inside([&] { return real(window, context); }), window, window, context);
 }
 
 ZLT_INTERCEPTED Bool wglShareLists(Handle from, Handle to) {
@@ -104,16 +117,24 @@ ZLT_INTERCEPTED Bool wglShareLists(Handle from, Handle to) {
 
 ZLT_INTERCEPTED Bool wglSwapBuffers(Handle window) {
     ZLT_REAL(wglSwapBuffers)
+    swapping(window);
     return swapped(inside([&] { return real(window); }));
 }
 
 ZLT_INTERCEPTED Bool wglSwapLayerBuffers(Handle window, unsigned int planes) {
     ZLT_REAL(wglSwapLayerBuffers)
+    swapping(window);
     return swapped(inside([&] { return real(window, planes); }));
 }
 
 ZLT_INTERCEPTED unsigned long wglSwapMultipleBuffers(unsigned int count, const void* swaps) {
     ZLT_REAL(wglSwapMultipleBuffers)
+    struct Swap { // WGLSWAP
+        Handle window;
+        unsigned int planes;
+    };
+    for (unsigned int i = 0; i < count; ++i)
+        swapping(static_cast<const Swap*>(swaps)[i].window);
     const unsigned long success = inside([&] { return real(count, swaps); });
     swapped(success != 0);
     return success;

@@ -12,6 +12,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
@@ -140,6 +141,28 @@ void pause(int process) {
     poll(&wanted, 1, 1);
 }
 
+// Ends a program: asks it first.
+class Ender {
+public:
+    void ask(pid_t process) {
+        if (!asked_)
+            kill(process, SIGTERM);
+        else if (Clock::now() - since_ < patience)
+            return;
+        else
+            kill(process, SIGKILL);
+        if (!asked_)
+            since_ = Clock::now();
+        asked_ = true;
+    }
+
+private:
+    using Clock = std::chrono::steady_clock;
+    static constexpr std::chrono::seconds patience{2};
+    bool asked_ = false;
+    Clock::time_point since_;
+};
+
 bool isRunning(const ChannelReader& channel, std::size_t number) {
     const auto process = static_cast<pid_t>(channel.process(number).process.load());
     return process > 0 && (kill(process, 0) == 0 || errno == EPERM);
@@ -156,9 +179,11 @@ bool anyIsRunning(const ChannelReader& channel) {
 
 } // namespace
 
-void becomeInfo(bool json) {
-    const std::string program = findOwn("zlt_ogl_info");
-    execl(program.c_str(), program.c_str(), json ? "--json" : nullptr, nullptr);
+void becomeOwn(const char* name, const std::vector<std::string>& arguments) {
+    const std::string program = findOwn(name);
+    std::vector<std::string> words = {program};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    execv(program.c_str(), pointersTo(words).data());
     throw Refusal(program + " can't be run: " + std::strerror(errno), Refusal::unsuitable);
 }
 
@@ -172,6 +197,7 @@ Ending run(const std::vector<std::string>& words, ChannelReader& channel, Record
     const int descriptor = static_cast<int>(syscall(SYS_pidfd_open, process, 0));
     int status = 0;
     bool ended = false;
+    Ender end;
     while (!ended || anyIsRunning(channel)) {
         if (!ended) {
             const pid_t found = waitpid(process, &status, WNOHANG);
@@ -179,6 +205,8 @@ Ending run(const std::vector<std::string>& words, ChannelReader& channel, Record
         }
         if (!channel.read(handler))
             pause(ended ? -1 : descriptor);
+        if (handler.isDone() && !ended)
+            end.ask(process);
     }
     programProcess = 0;
     if (descriptor >= 0)

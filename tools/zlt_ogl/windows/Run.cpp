@@ -203,16 +203,17 @@ std::string findOwn(const char* name) {
                   Refusal::unsuitable);
 }
 
-void becomeInfo(bool json) {
-    std::wstring line = quoted(findOwn("zlt_ogl_info.exe"));
-    if (json)
-        line += L" --json";
+void becomeOwn(const char* name, const std::vector<std::string>& arguments) {
+    const std::string program = findOwn((name + std::string(".exe")).c_str());
+    std::wstring line = quoted(program);
+    for (const std::string& word : arguments)
+        (line += L' ') += quoted(word);
     STARTUPINFOW startup = {};
     startup.cb = sizeof startup;
     PROCESS_INFORMATION information = {};
     if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
                         &information))
-        raise("zlt_ogl_info.exe can't be run");
+        raise(program + " can't be run");
     WaitForSingleObject(information.hProcess, INFINITE);
     DWORD status = 1;
     GetExitCodeProcess(information.hProcess, &status);
@@ -252,6 +253,8 @@ Ending run(const std::vector<std::string>& words, ChannelReader& channel, Record
             setting.reset();
         if (!channel.read(handler) && !ended)
             Sleep(1);
+        if (handler.isDone() && !ended)
+            TerminateProcess(process.handle(), 0);
     }
     while (channel.read(handler))
         continue;

@@ -316,4 +316,11 @@ int ReleaseDC(HWND handle, HDC device) {
     return 1;
 }
 
+HWND WindowFromDC(HDC device) {
+    Records& all = records();
+    const std::lock_guard guard(all.lock);
+    const std::shared_ptr<Drawable> drawable = find(all.drawables, device);
+    return drawable ? drawable->window : nullptr;
+}
+
 } // namespace ZLT::Platform

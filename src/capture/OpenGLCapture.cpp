@@ -1,0 +1,72 @@
+#include "capture/OpenGLCapture.h"
+
+#include "capture/OpenGLCapture.inl"
+#include "platform/Platform.h"
+
+#include <algorithm>
+
+namespace ZLT::Capture {
+
+namespace {
+
+std::atomic<std::uint64_t> captures = 0;
+
+} // namespace
+
+CaptureSurroundings::~CaptureSurroundings() = default;
+
+CaptureState& attachThread(OpenGLCapture::Shared& shared) {
+    thread_local std::map<std::uint64_t, CaptureState*> known;
+    CaptureState*& state = known[shared.id];
+    if (!state) {
+        const std::lock_guard guard(shared.lock);
+        shared.states.push_back(std::make_unique<CaptureState>(shared, ++shared.threads));
+        state = shared.states.back().get();
+    }
+    captureThread = {shared.id, state};
+    return *state;
+}
+
+OpenGLCapture::OpenGLCapture(CaptureOutput& output) : OpenGLCapture(output, Options()) {}
+
+OpenGLCapture::OpenGLCapture(CaptureOutput& output, Options options)
+    : OpenGLCapture(output, options, nullptr) {}
+
+OpenGLCapture::OpenGLCapture(CaptureOutput& output, Options options, CaptureSurroundings* surroundings)
+    : OpenGLInterceptorDecorator(nullptr), shared_(std::make_unique<Shared>()) {
+    shared_->output = &output;
+    shared_->options = options;
+    if (!surroundings)
+        shared_->ownSurroundings = platformSurroundings();
+    shared_->surroundings = surroundings ? surroundings : shared_->ownSurroundings.get();
+    shared_->id = ++captures;
+}
+
+OpenGLCapture::~OpenGLCapture() = default;
+
+void OpenGLCapture::contextChanged() {
+    CaptureState& state =
+        captureThread.capture == shared_->id ? *captureThread.state : attachThread(*shared_);
+    state.forgetContext();
+}
+
+void OpenGLCapture::contextDestroyed(void* context) {
+    std::uint32_t number = 0;
+    {
+        const std::lock_guard guard(shared_->lock);
+        if (auto known = shared_->contexts.extract(context)) {
+            number = known.mapped()->number;
+            shared_->formerContexts.push_back(std::move(known.mapped()));
+        }
+    }
+    if (number != 0)
+        stateOf(*shared_).send(EventRecord(Event::Destroyed).value(number));
+}
+
+void OpenGLCapture::swapping(std::uint64_t surface) { stateOf(*shared_).swapping(surface); }
+
+void OpenGLCapture::incomplete(std::string_view what) { stateOf(*shared_).incomplete(what); }
+
+void OpenGLCapture::end() { stateOf(*shared_).send(EventRecord(Event::End)); }
+
+} // namespace ZLT::Capture

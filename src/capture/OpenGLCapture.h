@@ -1,0 +1,78 @@
+#pragma once
+
+#include "capture/CaptureOutput.h"
+#include "capture/Export.h"
+#include "extensionator/OpenGLInterceptorDecorator.h"
+
+#include <cstdint>
+#include <memory>
+#include <string_view>
+
+namespace ZLT::Capture {
+
+using OGL::OpenGLInterceptor;
+using OGL::OpenGLInterceptorDecorator;
+
+/// Where the calls come from, beside GL: the window system, as far as a capture has to know it.
+class ZLT_CAPTURE_API CaptureSurroundings {
+public:
+    /// A window, a pbuffer or a pixmap that a context draws to.
+    struct Surface {
+        std::uint64_t id = 0;      ///< any number that is the surface's own; 0 for none
+        int width = 0, height = 0; ///< in pixels; 0 where it is not known
+    };
+
+    virtual ~CaptureSurroundings();
+    /// Those of the calling thread's current context.
+    virtual Surface drawSurface() = 0;
+    virtual Surface readSurface() = 0;
+    /// Contexts of the same number share their objects. `context` is what wglGetCurrentContext() gives.
+    virtual std::uint64_t shareGroupOf(void* context) = 0;
+};
+
+/// A layer that captures every call with all that it points at, so that it can be done again: see
+/// docs/capture-format.md for what is in a capture, and CapturePlayer for how it is played.
+///
+///     CaptureFileWriter file("scene.zlt");
+///     OpenGLCapture capture(file);
+///     const ScopedInterceptor installed(capture);
+///     ...                      // draw
+///     capture.swapping();      // before each swap; WglCapture does it for the calls of the WGL chain
+///
+/// Each call is made first and written then. Threads may call at once. The layer asks the driver about state
+/// that it needs (arrays, the pixel store), never between glBegin and glEnd, and changes none.
+class ZLT_CAPTURE_API OpenGLCapture : public OpenGLInterceptorDecorator {
+public:
+    struct Options {
+        bool hashPictures = false; ///< the hash of what a surface shows, before each swap
+    };
+
+    /// @param output  not owned; lives longer than the layer
+    explicit OpenGLCapture(CaptureOutput& output);
+    OpenGLCapture(CaptureOutput& output, Options options);
+    /// @param surroundings  not owned; null for those of the platform layer
+    OpenGLCapture(CaptureOutput& output, Options options, CaptureSurroundings* surroundings);
+    ~OpenGLCapture() override;
+
+    /// The calling thread's context or its surfaces changed, by the window system's functions. A change of
+    /// the context alone is seen without.
+    void contextChanged();
+    /// A context is no more. `context` as wglGetCurrentContext() gave it.
+    void contextDestroyed(void* context);
+    /// The frame is complete, and about to be shown. To be called before the swap.
+    /// @param surface  its id; 0 for the one that the current context draws to
+    void swapping(std::uint64_t surface = 0);
+    /// Something that can't be captured: told once in the capture.
+    void incomplete(std::string_view what);
+    /// No call follows: the capture is complete.
+    void end();
+
+#include "extensionator/LayerEntries.inl"
+
+    struct Shared; ///< of the layer's own sources
+
+private:
+    std::unique_ptr<Shared> shared_;
+};
+
+} // namespace ZLT::Capture

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+
+/// @file
+/// The capture of a foreign program: what its threads and contexts do, into the channel. Each function does
+/// nothing where no capture is wanted.
+
+namespace ZLT::OGL {
+class OpenGLInterceptor;
+} // namespace ZLT::OGL
+
+namespace ZLT::Interception {
+
+/// The head of the chain of a program that is captured: one for all threads.
+OGL::OpenGLInterceptor* captureOf(OGL::OpenGLInterceptor& end);
+/// The calling thread's context or its surfaces changed.
+void captureCurrent(std::uint64_t draw, std::uint64_t read, void* display, bool isEgl = false);
+/// @param context  what wglGetCurrentContext() gives of it here; null for none
+void captureDestroyed(void* context);
+/// Before the surface is swapped; 0 for the current one.
+void captureSwap(std::uint64_t surface);
+/// Something that is not captured.
+void captureIncomplete(const char* what);
+
+/// The size of a surface of the calling thread's window system.
+/// @return whether it is known
+bool sizeOfSurface(std::uint64_t surface, int& width, int& height);
+
+} // namespace ZLT::Interception

@@ -1,0 +1,308 @@
+#include "Dump.h"
+
+#include "capture/CaptureFile.h"
+#include "extensionator/TokenName.h"
+
+#include <nlohmann/json.hpp>
+
+#include <cstdio>
+#include <cstring>
+#include <iostream>
+#include <sstream>
+
+namespace ZLT::Interception {
+
+namespace {
+
+using namespace Capture;
+using Json = nlohmann::ordered_json;
+
+// As many elements of an array are written out.
+constexpr std::size_t longestList = 32;
+
+std::string realText(double value) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.9g", value);
+    return text;
+}
+
+std::string quoted(std::string_view text) {
+    std::string all = "\"";
+    for (const char letter : text) {
+        if (letter == '"' || letter == '\\')
+            (all += '\\') += letter;
+        else if (letter == '\n')
+            all += "\\n";
+        else if (letter == '\t')
+            all += "\\t";
+        else if (static_cast<unsigned char>(letter) < ' ' || letter == 0x7F) {
+            char code[8];
+            std::snprintf(code, sizeof code, "\\x%02X", static_cast<unsigned char>(letter));
+            all += code;
+        } else
+            all += letter;
+    }
+    return all + '"';
+}
+
+std::string address(std::uint64_t bits) {
+    char text[24];
+    std::snprintf(text, sizeof text, "0x%llx", static_cast<unsigned long long>(bits));
+    return text;
+}
+
+std::string tokenText(std::uint32_t value) {
+    std::ostringstream text;
+    text << OGL::TokenName(value);
+    return text.str();
+}
+
+std::string numberText(char form, std::uint64_t bits) {
+    switch (form) {
+    case 'e':
+        return tokenText(static_cast<std::uint32_t>(bits));
+    case 'b':
+        return bits == 0 ? "GL_FALSE" : bits == 1 ? "GL_TRUE" : std::to_string(bits);
+    case 'f':
+        return realText(std::bit_cast<float>(static_cast<std::uint32_t>(bits)));
+    case 'd':
+        return realText(std::bit_cast<double>(bits));
+    case 'i':
+    case 's':
+    case 'c':
+    case 'l':
+        return std::to_string(static_cast<std::int64_t>(bits));
+    case 'y':
+        return address(bits);
+    default:
+        return std::to_string(bits);
+    }
+}
+
+std::size_t sizeOfForm(char form) {
+    switch (form) {
+    case 'c':
+    case 'C':
+    case 'b':
+        return 1;
+    case 's':
+    case 'S':
+    case 'h':
+        return 2;
+    case 'l':
+    case 'L':
+    case 'd':
+    case 'a':
+    case 'y':
+        return 8;
+    default:
+        return 4;
+    }
+}
+
+// One element of an array, sign extended.
+std::uint64_t elementAt(std::string_view bytes, char form, std::size_t index) {
+    const std::size_t size = sizeOfForm(form);
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, bytes.data() + index * size, size);
+    if (form == 'c')
+        return static_cast<std::uint64_t>(static_cast<std::int8_t>(bits));
+    if (form == 's')
+        return static_cast<std::uint64_t>(static_cast<std::int16_t>(bits));
+    if (form == 'i')
+        return static_cast<std::uint64_t>(static_cast<std::int32_t>(bits));
+    return bits;
+}
+
+// "texture 5", "5".
+std::string named(const Parameter& parameter, const std::string& number) {
+    return parameter.object.empty() ? number : std::string(parameter.object) + ' ' + number;
+}
+
+std::vector<std::string_view> textsOf(const CapturedValue& value) {
+    std::vector<std::string_view> texts;
+    ByteReader from(value.bytes);
+    while (!from.isAtEnd())
+        texts.push_back(from.text());
+    return texts;
+}
+
+std::string_view withoutZero(std::string_view text) {
+    return text.ends_with('\0') ? text.substr(0, text.size() - 1) : text;
+}
+
+bool isWrittenOut(const Parameter& parameter, const CapturedValue& value) {
+    return value.isMemory() && value.skipped == 0 && parameter.element != 'v' && parameter.element != 0 &&
+           value.bytes.size() / sizeOfForm(parameter.element) <= longestList;
+}
+
+std::string memoryText(const Parameter& parameter, const CapturedValue& value) {
+    const bool isText = (parameter.element == 'c' || parameter.element == 'C') && value.bytes.ends_with('\0');
+    if (isText)
+        return quoted(withoutZero(value.bytes));
+    if (!isWrittenOut(parameter, value))
+        return '<' + std::to_string(value.bytes.size()) + " bytes" +
+               (value.skipped != 0 ? " from byte " + std::to_string(value.skipped) : "") + '>';
+    std::string text = "{";
+    const std::size_t count = value.bytes.size() / sizeOfForm(parameter.element);
+    for (std::size_t i = 0; i < count; ++i)
+        text +=
+            (i > 0 ? ", " : "") + numberText(parameter.element, elementAt(value.bytes, parameter.element, i));
+    return named(parameter, text + '}');
+}
+
+std::string valueText(const Parameter& parameter, const CapturedValue& value) {
+    switch (parameter.form) {
+    case 'w':
+        return quoted(value.bytes);
+    case 't':
+        return value.isMemory() ? quoted(withoutZero(value.bytes)) : "NULL";
+    case 'x': {
+        std::string text;
+        for (const std::string_view one : textsOf(value))
+            text += (text.empty() ? "" : ", ") + quoted(one);
+        return '{' + text + '}';
+    }
+    case 'p':
+    case 'o':
+    case 'n':
+    case 'a':
+        if (value.pointer == PointerForm::Null)
+            return "NULL";
+        if (value.pointer == PointerForm::Address)
+            return address(value.bits);
+        return (parameter.form == 'o' ? "-> " : "") + memoryText(parameter, value);
+    default:
+        return named(parameter, numberText(parameter.form, value.bits));
+    }
+}
+
+std::string callText(const CapturedCall& call) {
+    std::string text = call.function->name + '(';
+    for (std::size_t i = 0; i < call.values.size(); ++i)
+        text += (i > 0 ? ", " : "") + valueText(call.function->parameters[i], call.values[i]);
+    text += ')';
+    if (call.function->result.form != 0)
+        text += " = " + valueText(call.function->result, call.result);
+    return text;
+}
+
+Json numberJson(char form, std::uint64_t bits) {
+    switch (form) {
+    case 'e':
+        return tokenText(static_cast<std::uint32_t>(bits));
+    case 'b':
+        return bits != 0;
+    case 'f':
+        return std::bit_cast<float>(static_cast<std::uint32_t>(bits));
+    case 'd':
+        return std::bit_cast<double>(bits);
+    case 'i':
+    case 's':
+    case 'c':
+    case 'l':
+        return static_cast<std::int64_t>(bits);
+    default:
+        return bits;
+    }
+}
+
+Json valueJson(const Parameter& parameter, const CapturedValue& value) {
+    switch (parameter.form) {
+    case 'w':
+        return std::string(value.bytes);
+    case 't':
+        return value.isMemory() ? Json(std::string(withoutZero(value.bytes))) : Json();
+    case 'x': {
+        Json list = Json::array();
+        for (const std::string_view one : textsOf(value))
+            list.push_back(std::string(one));
+        return list;
+    }
+    case 'p':
+    case 'o':
+    case 'n':
+    case 'a': {
+        if (value.pointer == PointerForm::Null)
+            return Json();
+        if (value.pointer == PointerForm::Address)
+            return Json{{"address", value.bits}};
+        if (!isWrittenOut(parameter, value))
+            return Json{{"bytes", value.bytes.size()}};
+        Json list = Json::array();
+        for (std::size_t i = 0; i < value.bytes.size() / sizeOfForm(parameter.element); ++i)
+            list.push_back(numberJson(parameter.element, elementAt(value.bytes, parameter.element, i)));
+        return list;
+    }
+    default:
+        return numberJson(parameter.form, value.bits);
+    }
+}
+
+Json callJson(const CapturedCall& call, const std::string& site) {
+    Json line;
+    if (call.function->isCall())
+        line["call"] = call.number;
+    line["frame"] = call.frame;
+    line["thread"] = call.thread;
+    if (!site.empty())
+        line["site"] = site;
+    line[call.function->isCall() ? "function" : "event"] = call.function->name;
+    Json arguments = Json::object();
+    for (std::size_t i = 0; i < call.values.size(); ++i) {
+        const Parameter& parameter = call.function->parameters[i];
+        arguments[parameter.name.empty() ? std::to_string(i) : std::string(parameter.name)] =
+            valueJson(parameter, call.values[i]);
+    }
+    line["arguments"] = std::move(arguments);
+    if (call.function->result.form != 0)
+        line["result"] = valueJson(call.function->result, call.result);
+    return line;
+}
+
+// What is about the file more than about the program.
+bool isBookkeeping(const CapturedCall& call) {
+    return call.is(Event::Function) || call.is(Event::Site) || call.is(Event::Thread);
+}
+
+} // namespace
+
+int dump(const DumpOptions& options) {
+    CaptureFile file(options.file);
+    CapturedCall call;
+    std::uint64_t frame = 0;
+    std::uint32_t thread = 0;
+    if (options.frames.first > 1)
+        file.seekFrame(options.frames.first);
+    while (file.next(call)) {
+        if (isBookkeeping(call) || call.frame < options.frames.first || call.number < options.calls.first)
+            continue;
+        if (call.frame > options.frames.last || call.number > options.calls.last)
+            break;
+        if (options.isJson) {
+            std::cout
+                << callJson(call, file.siteOf(call)).dump(-1, ' ', false, Json::error_handler_t::replace)
+                << '\n';
+            continue;
+        }
+        if (call.frame != frame)
+            std::cout << "// frame " << (frame = call.frame) << '\n';
+        if (call.thread != thread)
+            std::cout << "// thread " << (thread = call.thread) << '\n';
+        if (!call.function->isCall()) {
+            std::cout << "// " << callText(call) << '\n';
+            continue;
+        }
+        std::cout << call.number << ' ';
+        if (const std::string& site = file.siteOf(call); !site.empty())
+            std::cout << site << ": ";
+        std::cout << callText(call) << '\n';
+    }
+    std::cout.flush();
+    if (file.damage().empty())
+        return 0;
+    std::cerr << "zlt_ogl: " << file.damage() << ".\n";
+    return 1;
+}
+
+} // namespace ZLT::Interception

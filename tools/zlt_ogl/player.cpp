@@ -1,0 +1,102 @@
+// What is behind `zlt_ogl replay` and `zlt_ogl dump`.
+
+#include "Dump.h"
+#include "ProgramFile.h"
+#include "Replay.h"
+#include "zlt/core/Exceptions.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cstdlib>
+#include <iostream>
+#include <string>
+
+namespace {
+
+using namespace ZLT::Interception;
+
+constexpr const char* replayDescription =
+    R"(Makes the contexts of a capture and makes its calls again: off screen, unless --window is given. Then it says how
+many frames and calls there were, and how long it took.)";
+
+constexpr const char* dumpDescription =
+    R"(Writes the calls of a capture, a line each:
+
+  17 scene.cpp:168: glBindTexture(GL_TEXTURE_2D, texture 1)
+
+with the number of the call, what pointers point at (-> for what came back), and comments where frames and threads
+begin. What is large has its size in place of it.)";
+
+void readRange(const std::string& text, Frames& range, const std::string& what) {
+    if (text.empty())
+        return;
+    if (const std::string wrong = Frames::parse(text, range, what); !wrong.empty())
+        throw Refusal(wrong, Refusal::usage);
+}
+
+int run(int argc, char** argv) {
+    CLI::App app("Plays what zlt_ogl captured.", "zlt_ogl");
+    app.set_version_flag("--version", ZLT_OGL_VERSION);
+    app.require_subcommand(1);
+    std::string frames, calls;
+
+    ReplayOptions replayOptions;
+    CLI::App& replayCommand = *app.add_subcommand("replay", replayDescription);
+    replayCommand.add_option("FILE", replayOptions.file, "the capture")->required();
+    replayCommand.add_flag("--verify", replayOptions.verifies,
+                           "compare pictures, and what the program read back");
+    replayCommand.add_option("--png", replayOptions.pictures, "write a picture of each frame to this folder")
+        ->type_name("FOLDER");
+    replayCommand
+        .add_option("--frames", frames, "of which there are pictures: 3, 3-7, 3-; the last one is the last")
+        ->type_name("A-B");
+    replayCommand.add_option("--loop", replayOptions.times, "play it so many times")
+        ->type_name("N")
+        ->check(CLI::PositiveNumber);
+    replayCommand.add_flag("--window", replayOptions.isShown, "show the windows");
+
+    DumpOptions dumpOptions;
+    CLI::App& dumpCommand = *app.add_subcommand("dump", dumpDescription);
+    dumpCommand.add_option("FILE", dumpOptions.file, "the capture")->required();
+    dumpCommand.add_option("--frames", frames, "only these: 3, 3-7, 3-")->type_name("A-B");
+    dumpCommand.add_option("--calls", calls, "only these, by their numbers")->type_name("A-B");
+    dumpCommand.add_flag("--json", dumpOptions.isJson, "for programs: an object a line");
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        if (error.get_exit_code() == 0)
+            return app.exit(error);
+        throw Refusal(std::string(error.what()) + "; see zlt_ogl " + (argc > 1 ? argv[1] : "") + " --help",
+                      Refusal::usage);
+    }
+    if (dumpCommand.parsed()) {
+        readRange(frames, dumpOptions.frames, "frame");
+        readRange(calls, dumpOptions.calls, "call");
+        return dump(dumpOptions);
+    }
+    readRange(frames, replayOptions.frames, "frame");
+#if !defined(_WIN32)
+    if (!replayOptions.isShown)
+        setenv("ZLT_OGL_PLATFORM", "headless", 1);
+#endif
+    return replay(replayOptions);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return run(argc, argv);
+    } catch (const Refusal& refusal) {
+        std::cerr << "zlt_ogl: " << refusal.what() << ".\n";
+        return refusal.status();
+    } catch (const ZLT::LogicalException& error) {
+        std::cerr << "zlt_ogl: ";
+        error.write(std::cerr);
+        std::cerr << '\n';
+    } catch (const std::exception& error) {
+        std::cerr << "zlt_ogl: " << error.what() << ".\n";
+    }
+    return 1;
+}
