@@ -795,15 +795,19 @@ struct CapturePlayer::Play {
                 continue;
             ++compared;
             const char* const now = one.memory.get() + value.skipped;
-            bool isWritten = false, isEqual = true;
+            bool isWritten = false;
+            std::size_t differing = value.bytes.size();
             for (std::size_t i = 0; i < value.bytes.size(); ++i) {
                 // Bytes between the rows stay as they were.
                 const bool isUntouched = now[i] == static_cast<char>(~value.bytes[i]);
                 isWritten = isWritten || !isUntouched;
-                isEqual = isEqual && (isUntouched || now[i] == value.bytes[i]);
+                if (!isUntouched && now[i] != value.bytes[i])
+                    differing = std::min(differing, i);
             }
-            if (!isWritten || !isEqual)
-                listener.differs(call, "what was read back");
+            if (!isWritten)
+                listener.differs(call, "what was read back, of which nothing came now,");
+            else if (differing < value.bytes.size())
+                listener.differs(call, "byte " + std::to_string(differing) + " of what was read back");
         }
     }
 

@@ -66,9 +66,8 @@ void CaptureState::noticeContext() {
     handle_ = wglGetCurrentContext();
     static CapturedContext none;
     if (!handle_) {
-        if (context_ && context_->number != 0)
-            send(EventRecord(Event::Current).value(0u).value(0u).value(0u));
         context_ = &none;
+        tellCurrent(0, 0);
         return;
     }
     bool isNew = false;
@@ -100,22 +99,30 @@ void CaptureState::noticeContext() {
                  .value(flags)
                  .text(std::string(renderer ? renderer : "") + ", " + (version ? version : "")));
     }
-    const std::uint32_t draw = noticeSurface(shared_->surroundings->drawSurface());
-    const std::uint32_t read = noticeSurface(shared_->surroundings->readSurface());
+    const std::uint64_t drawId = shared_->surroundings->drawSurface();
+    const std::uint64_t readId = shared_->surroundings->readSurface();
+    const std::uint32_t draw = noticeSurface(drawId);
+    tellCurrent(draw, readId == drawId ? draw : noticeSurface(readId));
+}
+
+void CaptureState::tellCurrent(std::uint32_t draw, std::uint32_t read) {
+    if (told_ == std::array{context_->number, draw, read})
+        return;
+    told_ = {context_->number, draw, read};
     send(EventRecord(Event::Current).value(context_->number).value(draw).value(read));
 }
 
-std::uint32_t CaptureState::noticeSurface(const CaptureSurroundings::Surface& surface) {
-    if (surface.id == 0)
+std::uint32_t CaptureState::noticeSurface(std::uint64_t id) {
+    if (id == 0)
         return 0;
+    const CaptureSurroundings::Size surface = shared_->surroundings->sizeOf(id);
     std::unique_lock guard(shared_->lock);
     const auto [place, isNew] = shared_->surfaces.try_emplace(
-        surface.id,
-        OpenGLCapture::Shared::KnownSurface{static_cast<std::uint32_t>(shared_->surfaces.size()), 0, 0});
+        id, OpenGLCapture::Shared::KnownSurface{static_cast<std::uint32_t>(shared_->surfaces.size()), 0, 0});
     OpenGLCapture::Shared::KnownSurface& known = place->second;
     if (!isNew) {
         guard.unlock();
-        noticeSize(surface);
+        noticeSize(id, surface);
         return known.number;
     }
     known.number = static_cast<std::uint32_t>(shared_->surfaces.size());
@@ -140,9 +147,9 @@ std::uint32_t CaptureState::noticeSurface(const CaptureSurroundings::Surface& su
     return known.number;
 }
 
-void CaptureState::noticeSize(CaptureSurroundings::Surface surface) {
+void CaptureState::noticeSize(std::uint64_t id, CaptureSurroundings::Size surface) {
     std::unique_lock guard(shared_->lock);
-    const auto place = shared_->surfaces.find(surface.id);
+    const auto place = shared_->surfaces.find(id);
     if (place == shared_->surfaces.end() || surface.width <= 0 || surface.height <= 0 ||
         (place->second.width == surface.width && place->second.height == surface.height))
         return;
@@ -154,8 +161,10 @@ void CaptureState::noticeSize(CaptureSurroundings::Surface surface) {
 }
 
 void CaptureState::viewportSet() {
-    if (handle_)
-        noticeSize(shared_->surroundings->drawSurface());
+    if (!handle_)
+        return;
+    const std::uint64_t id = shared_->surroundings->drawSurface();
+    noticeSize(id, shared_->surroundings->sizeOf(id));
 }
 
 void CaptureState::shown() {
@@ -166,13 +175,9 @@ void CaptureState::shown() {
 }
 
 void CaptureState::swapping(std::uint64_t id) {
-    CaptureSurroundings::Surface current;
-    if (handle_)
-        current = shared_->surroundings->drawSurface();
+    const std::uint64_t current = handle_ ? shared_->surroundings->drawSurface() : 0;
     if (id == 0)
-        id = current.id;
-    if (id == current.id)
-        noticeSize(current);
+        id = current;
     std::uint32_t number = 0;
     int width = 0, height = 0;
     {
@@ -184,10 +189,12 @@ void CaptureState::swapping(std::uint64_t id) {
         }
     }
     Picture picture;
-    if (shared_->options.hashPictures && number != 0 && id == current.id &&
+    if (shared_->options.hashPictures && number != 0 && id == current &&
         readPicture(*context_, width, height, picture))
         send(EventRecord(Event::Picture).value(number).value(picture.hash()));
     send(EventRecord(Event::Swap).value(number));
+    // Before the next frame the window may have got another size; the next call looks.
+    forgetContext();
     shared_->output->frameEnded();
 }
 

@@ -5,6 +5,7 @@
 #include "capture/OpenGLCapture.h"
 #include "capture/Records.h"
 
+#include <array>
 #include <atomic>
 #include <map>
 #include <memory>
@@ -80,7 +81,7 @@ public:
     /// The context that is current is another one, or has other surfaces.
     void noticeContext();
     void forgetContext() { handle_ = unknownHandle(); }
-    void noticeSize(CaptureSurroundings::Surface surface);
+    void noticeSize(std::uint64_t id, CaptureSurroundings::Size size);
     void swapping(std::uint64_t surface);
     void incomplete(std::string_view what);
 
@@ -120,12 +121,14 @@ private:
     void drawRange(Range range, int instances);
     bool addRange(unsigned int type, const void* indices, int count, Range& range);
     void written(const void* address, std::uint64_t offset, std::uint64_t size);
-    std::uint32_t noticeSurface(const CaptureSurroundings::Surface& surface);
+    std::uint32_t noticeSurface(std::uint64_t id);
+    void tellCurrent(std::uint32_t draw, std::uint32_t read);
 
     OpenGLCapture::Shared* shared_;
     void* handle_ = unknownHandle();
     CapturedContext* context_ = nullptr;
     std::uint32_t thread_;
+    std::array<std::uint32_t, 3> told_ = {}; // context and surfaces
 };
 
 /// Those that the platform layer knows.

@@ -10,19 +10,15 @@ namespace {
 
 class PlatformSurroundings final : public CaptureSurroundings {
 public:
-    Surface drawSurface() override {
-        const HDC device = wglGetCurrentDC();
-        Surface surface;
-        surface.id = reinterpret_cast<std::uintptr_t>(device);
+    std::uint64_t drawSurface() override { return reinterpret_cast<std::uintptr_t>(wglGetCurrentDC()); }
+    std::uint64_t readSurface() override { return drawSurface(); }
+    Size sizeOf(std::uint64_t surface) override {
+        const HWND window = WindowFromDC(reinterpret_cast<HDC>(surface)); // NOLINT(performance-no-int-to-ptr)
         RECT area = {};
-        if (const HWND window = device ? WindowFromDC(device) : nullptr;
-            window && GetClientRect(window, &area)) {
-            surface.width = static_cast<int>(area.right - area.left);
-            surface.height = static_cast<int>(area.bottom - area.top);
-        }
-        return surface;
+        if (!window || !GetClientRect(window, &area))
+            return {};
+        return {static_cast<int>(area.right - area.left), static_cast<int>(area.bottom - area.top)};
     }
-    Surface readSurface() override { return drawSurface(); }
     // Without somebody who saw them made, contexts are taken for ones that share nothing.
     std::uint64_t shareGroupOf(void* context) override { return reinterpret_cast<std::uintptr_t>(context); }
 };

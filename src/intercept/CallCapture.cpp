@@ -40,19 +40,14 @@ protected:
 
 class ProgramSurroundings final : public Capture::CaptureSurroundings {
 public:
-    Surface drawSurface() override { return surface(thread.drawSurface); }
-    Surface readSurface() override { return surface(thread.readSurface); }
+    std::uint64_t drawSurface() override { return thread.drawSurface; }
+    std::uint64_t readSurface() override { return thread.readSurface; }
+    Size sizeOf(std::uint64_t surface) override {
+        Size size;
+        return sizeOfSurface(surface, size.width, size.height) ? size : Size();
+    }
     std::uint64_t shareGroupOf(void*) override {
         return thread.context ? reinterpret_cast<std::uintptr_t>(thread.context->lists.get()) : 0;
-    }
-
-private:
-    static Surface surface(std::uint64_t id) {
-        Surface found;
-        found.id = id;
-        if (id != 0)
-            sizeOfSurface(id, found.width, found.height);
-        return found;
     }
 };
 
