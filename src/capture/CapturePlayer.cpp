@@ -1,6 +1,7 @@
 #include "capture/CapturePlayer.h"
 
 #include "capture/CapturedContext.h"
+#include "capture/PlayedAccumulation.h"
 #include "capture/PlayedArrays.h"
 #include "capture/PlayedEntries.h"
 #include "capture/PlayedNames.h"
@@ -33,6 +34,7 @@ constexpr std::uint64_t nobody = 0x3FFFFFFF;
 struct Surface {
     SurfaceShape shape;
     void* handle = nullptr;
+    PlayedAccumulation accumulation; // where the handle has none
 };
 
 struct Group {
@@ -45,11 +47,13 @@ struct Group {
 
 struct Context {
     ContextShape shape;
+    std::string driver; // with which it was captured
     std::shared_ptr<Group> group;
     NameTable names; // of what belongs to the context
     void* handle = nullptr;
     CapturedContext facts;
     bool isLearnt = false;
+    bool hasAccumulation = true;
     std::uint32_t thread = 0; // that has it
     std::uint32_t draw = 0, read = 0;
     std::uint64_t program = 0; // captured name; 0 may stand for not known
@@ -118,6 +122,7 @@ struct CapturePlayer::Play {
             *fields[i] = call.i32(i + 1);
         shape.isDoubleBuffered = call.i32(11) != 0;
         shape.isStereo = call.i32(12) != 0;
+        shape.isSrgb = call.i32(13) != 0;
         surface.handle = system.makeSurface(shape);
     }
 
@@ -136,6 +141,7 @@ struct CapturePlayer::Play {
         made.group = group;
         group->contexts.push_back(&made);
         made.shape = {call.i32(2), call.i32(3), call.i32(4)};
+        made.driver = call.values[5].bytes;
     }
 
     void makeCurrent() {
@@ -177,6 +183,7 @@ struct CapturePlayer::Play {
         if (!next.isLearnt) {
             next.facts.learn();
             next.isLearnt = true;
+            next.hasAccumulation = next.facts.isCore || next.facts.integer(GL_ACCUM_RED_BITS) > 0;
         }
     }
 
@@ -612,6 +619,36 @@ struct CapturePlayer::Play {
         }
     }
 
+    // The accumulation buffer that the surface lacks.
+    Surface* surfaceToAccumulate() {
+        const Context& now = context();
+        const auto surface = surfaces.find(now.draw);
+        if (now.hasAccumulation || surface == surfaces.end() || surface->second.shape.accumulation == 0)
+            return nullptr;
+        return &surface->second;
+    }
+
+    // Calls that are played in another way.
+    bool isReplaced(std::uint32_t entry) {
+        Surface* const surface =
+            entry == Entry::Accum || (entry == Entry::Clear && (arguments[0] & GL_ACCUM_BUFFER_BIT))
+                ? surfaceToAccumulate()
+                : nullptr;
+        if (!surface)
+            return false;
+        const SurfaceShape& shape = surface->shape;
+        // Mesa accumulates linear values of surfaces that can be sRGB, whether they are or not.
+        surface->accumulation.setSrgb(shape.isSrgb && context().driver.find("Mesa") != std::string::npos);
+        if (entry == Entry::Accum) {
+            surface->accumulation.accumulate(context().facts, shape.width, shape.height, call.u32(0),
+                                             call.values[1].asFloat());
+            return true;
+        }
+        surface->accumulation.clear(context().facts, shape.width, shape.height);
+        arguments[0] &= ~std::uint64_t(GL_ACCUM_BUFFER_BIT);
+        return false;
+    }
+
     // Before the call.
     void begin(std::uint32_t entry) {
         switch (entry) {
@@ -823,7 +860,7 @@ struct CapturePlayer::Play {
         const std::string& site = file.siteOf(call);
         if (!arrays.empty() && (entry == Entry::ArrayElement || entry == Entry::ArrayElementEXT)) {
             playElement(gl, arrays);
-        } else {
+        } else if (!isReplaced(entry)) {
             const ArraysForDraw forDraw(gl, context().facts, arrays);
             play(gl, site.c_str(), 0, arguments.data(), result);
         }

@@ -17,6 +17,7 @@ struct SurfaceShape {
     int width = 0, height = 0;
     int red = 0, green = 0, blue = 0, alpha = 0, depth = 0, stencil = 0, accumulation = 0, samples = 0;
     bool isDoubleBuffered = false, isStereo = false;
+    bool isSrgb = false; ///< it can be: GL_FRAMEBUFFER_SRGB_CAPABLE
 };
 
 /// A context as it was captured.

@@ -21,13 +21,16 @@ namespace {
 
 // Bits of what the context draws to.
 struct SurfaceBits {
-    int red, green, blue, alpha, depth, stencil, accumulation, samples, doubleBuffered, stereo;
+    int red, green, blue, alpha, depth, stencil, accumulation, samples, doubleBuffered, stereo, srgb;
 };
 
 SurfaceBits bitsOf(const CapturedContext& context) {
     SurfaceBits bits = {};
     bits.doubleBuffered = context.integer(GL_DOUBLEBUFFER);
     bits.stereo = context.integer(GL_STEREO);
+    if (context.isVersion(3, 0) || context.has("GL_ARB_framebuffer_sRGB") ||
+        context.has("GL_EXT_framebuffer_sRGB"))
+        bits.srgb = context.integer(GL_FRAMEBUFFER_SRGB_CAPABLE_EXT);
     if (context.isVersion(1, 3) || context.has("GL_ARB_multisample"))
         bits.samples = context.integer(GL_SAMPLES);
     if (!context.isCore) {
@@ -140,7 +143,7 @@ std::uint32_t CaptureState::noticeSurface(std::uint64_t id) {
     EventRecord event(Event::Surface);
     event.value(known.number).value(known.width).value(known.height);
     for (const int value : {bits.red, bits.green, bits.blue, bits.alpha, bits.depth, bits.stencil,
-                            bits.accumulation, bits.samples, bits.doubleBuffered, bits.stereo})
+                            bits.accumulation, bits.samples, bits.doubleBuffered, bits.stereo, bits.srgb})
         event.value(value);
     guard.unlock();
     send(event);

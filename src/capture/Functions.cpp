@@ -28,8 +28,9 @@ constexpr EventRow eventRows[] = {
     {"Site", "uwu", "number|file|line|"},
     {"Thread", "u", "thread|"},
     {"Context", "uuiiiw", "context|group|version|profile|flags|driver|"},
-    {"Surface", "uiiiiiiiiiiii",
-     "surface|width|height|red|green|blue|alpha|depth|stencil|accumulation|samples|doubleBuffered|stereo|"},
+    {"Surface", "uiiiiiiiiiiiii",
+     "surface|width|height|red|green|blue|alpha|depth|stencil|accumulation|samples|doubleBuffered|stereo|"
+     "srgb|"},
     {"Current", "uuu", "context|draw|read|"},
     {"Size", "uii", "surface|width|height|"},
     {"Destroyed", "u", "context|"},

@@ -1,5 +1,5 @@
-// A program that draws what its arguments name, and knows nothing of captures: each scene is a corner of GL that
-// programs use. It reads back what it drew, so that a replay has something to compare.
+// A program that draws what its arguments name, and knows nothing of captures: each scene is a corner of GL
+// that programs use. It reads back what it drew, so that a replay has something to compare.
 
 #define GL_GLEXT_PROTOTYPES
 #include <GLFW/glfw3.h>
@@ -31,7 +31,8 @@ std::vector<Value> fresh(std::initializer_list<Value> values) {
 }
 
 std::vector<unsigned char> checkered(int width, int height, int components, int rowLength = 0) {
-    std::vector<unsigned char> pixels(static_cast<std::size_t>((rowLength ? rowLength : width) * height * components));
+    std::vector<unsigned char> pixels(
+        static_cast<std::size_t>((rowLength ? rowLength : width) * height * components));
     for (std::size_t i = 0; i < pixels.size(); ++i)
         pixels[i] = static_cast<unsigned char>(i * 37 + static_cast<std::size_t>(frame) * 11);
     return pixels;
@@ -341,9 +342,11 @@ void textures() {
         glTexSubImage1D(GL_TEXTURE_1D, 0, 3, 5, GL_RED, GL_UNSIGNED_BYTE, checkered(5, 1, 1).data());
     });
     with(GL_TEXTURE_2D, name, [] {
-        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, 16, 16, 0, GL_BGRA, GL_UNSIGNED_INT_8_8_8_8_REV, checkered(16, 16, 4).data());
+        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, 16, 16, 0, GL_BGRA, GL_UNSIGNED_INT_8_8_8_8_REV,
+                     checkered(16, 16, 4).data());
         glPixelStorei(GL_UNPACK_ROW_LENGTH, 13);
-        glTexSubImage2D(GL_TEXTURE_2D, 0, 2, 3, 7, 5, GL_LUMINANCE_ALPHA, GL_UNSIGNED_BYTE, checkered(13, 5, 2).data());
+        glTexSubImage2D(GL_TEXTURE_2D, 0, 2, 3, 7, 5, GL_LUMINANCE_ALPHA, GL_UNSIGNED_BYTE,
+                        checkered(13, 5, 2).data());
         glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
         std::vector<unsigned char> back(16 * 16 * 4);
         glGetTexImage(GL_TEXTURE_2D, 0, GL_RGBA, GL_UNSIGNED_BYTE, back.data());
@@ -352,26 +355,33 @@ void textures() {
     with(GL_TEXTURE_3D, 5, [] {
         glPixelStorei(GL_UNPACK_IMAGE_HEIGHT, 6);
         glPixelStorei(GL_UNPACK_SKIP_IMAGES, 1);
-        glTexImage3D(GL_TEXTURE_3D, 0, GL_RGB, 4, 4, 4, 0, GL_RGB, GL_UNSIGNED_BYTE, checkered(4, 6 * 5, 3).data());
+        glTexImage3D(GL_TEXTURE_3D, 0, GL_RGB, 4, 4, 4, 0, GL_RGB, GL_UNSIGNED_BYTE,
+                     checkered(4, 6 * 5, 3).data());
         glPixelStorei(GL_UNPACK_IMAGE_HEIGHT, 0);
         glPixelStorei(GL_UNPACK_SKIP_IMAGES, 0);
-        glTexSubImage3D(GL_TEXTURE_3D, 0, 1, 1, 1, 2, 2, 2, GL_RGB, GL_FLOAT, std::vector<float>(24, 0.3f).data());
+        glTexSubImage3D(GL_TEXTURE_3D, 0, 1, 1, 1, 2, 2, 2, GL_RGB, GL_FLOAT,
+                        std::vector<float>(24, 0.3f).data());
     });
     with(GL_TEXTURE_RECTANGLE_ARB, 6, [] {
-        glTexImage2D(GL_TEXTURE_RECTANGLE_ARB, 0, GL_RGB, 5, 3, 0, GL_RGB, GL_UNSIGNED_SHORT_5_6_5, checkered(5, 3, 2).data());
+        glTexImage2D(GL_TEXTURE_RECTANGLE_ARB, 0, GL_RGB, 5, 3, 0, GL_RGB, GL_UNSIGNED_SHORT_5_6_5,
+                     checkered(5, 3, 2).data());
     });
     with(GL_TEXTURE_CUBE_MAP, 7, [] {
         for (unsigned int face = 0; face < 6; ++face)
-            glTexImage2D(GL_TEXTURE_CUBE_MAP_POSITIVE_X + face, 0, GL_RGB, 4, 4, 0, GL_RGB, GL_UNSIGNED_BYTE, checkered(4, 4, 3).data() + 0);
+            glTexImage2D(GL_TEXTURE_CUBE_MAP_POSITIVE_X + face, 0, GL_RGB, 4, 4, 0, GL_RGB, GL_UNSIGNED_BYTE,
+                         checkered(4, 4, 3).data() + 0);
     });
     with(GL_TEXTURE_2D_ARRAY, 8, [] {
-        glTexImage3D(GL_TEXTURE_2D_ARRAY, 0, GL_RGBA, 4, 4, 3, 0, GL_RGBA, GL_UNSIGNED_BYTE, checkered(4, 12, 4).data());
+        glTexImage3D(GL_TEXTURE_2D_ARRAY, 0, GL_RGBA, 4, 4, 3, 0, GL_RGBA, GL_UNSIGNED_BYTE,
+                     checkered(4, 12, 4).data());
         std::vector<unsigned char> back(4 * 12 * 4);
         glGetTexImage(GL_TEXTURE_2D_ARRAY, 0, GL_RGBA, GL_UNSIGNED_BYTE, back.data());
     });
     with(GL_TEXTURE_2D, 9, [] {
-        glCompressedTexImage2D(GL_TEXTURE_2D, 0, GL_COMPRESSED_RGBA_S3TC_DXT1_EXT, 8, 8, 0, 32, checkered(32, 1, 1).data());
-        glCompressedTexSubImage2D(GL_TEXTURE_2D, 0, 4, 4, 4, 4, GL_COMPRESSED_RGBA_S3TC_DXT1_EXT, 8, checkered(8, 1, 1).data());
+        glCompressedTexImage2D(GL_TEXTURE_2D, 0, GL_COMPRESSED_RGBA_S3TC_DXT1_EXT, 8, 8, 0, 32,
+                               checkered(32, 1, 1).data());
+        glCompressedTexSubImage2D(GL_TEXTURE_2D, 0, 4, 4, 4, 4, GL_COMPRESSED_RGBA_S3TC_DXT1_EXT, 8,
+                                  checkered(8, 1, 1).data());
         unsigned char back[32];
         glGetCompressedTexImage(GL_TEXTURE_2D, 0, back);
     });
@@ -381,8 +391,10 @@ void textures() {
 }
 
 void evaluators() {
-    const float points[4][2][3] = {{{-0.9f, -0.9f, 0}, {9, 9, 9}}, {{-0.5f, 0.9f, 0}, {9, 9, 9}},
-                                   {{0.5f, -0.9f, 0}, {9, 9, 9}},  {{0.9f, 0.1f * frame, 0}, {9, 9, 9}}};
+    const float points[4][2][3] = {{{-0.9f, -0.9f, 0}, {9, 9, 9}},
+                                   {{-0.5f, 0.9f, 0}, {9, 9, 9}},
+                                   {{0.5f, -0.9f, 0}, {9, 9, 9}},
+                                   {{0.9f, 0.1f * frame, 0}, {9, 9, 9}}};
     glMap1f(GL_MAP1_VERTEX_3, 0, 1, 6, 4, &points[0][0][0]);
     glEnable(GL_MAP1_VERTEX_3);
     glMapGrid1f(20, 0, 1);
@@ -421,7 +433,8 @@ void modes() {
     glEnd();
     glPassThrough(7);
     const int values = glRenderMode(GL_RENDER);
-    glColor3f(static_cast<float>(found) / 4, static_cast<float>(values) / 100, static_cast<float>(hits[3]) / 16);
+    glColor3f(static_cast<float>(found) / 4, static_cast<float>(values) / 100,
+              static_cast<float>(hits[3]) / 16);
     glRectf(-0.9f, -0.9f, 0.9f, 0.9f);
 }
 
@@ -465,15 +478,18 @@ void assembly() {
                                "DP4 result.position.z, m[2], vertex.position;\n"
                                "DP4 result.position.w, m[3], vertex.position;\n"
                                "MUL result.color, c, vertex.attrib[3];\nEND\n";
-    const char* const fragment = "!!ARBfp1.0\nPARAM e = program.env[1];\nADD result.color, fragment.color, e;\nEND\n";
+    const char* const fragment =
+        "!!ARBfp1.0\nPARAM e = program.env[1];\nADD result.color, fragment.color, e;\nEND\n";
     static GLuint names[2];
     if (names[0] == 0) {
         glGenProgramsARB(1, names);
         names[1] = 333; // made up
         glBindProgramARB(GL_VERTEX_PROGRAM_ARB, names[0]);
-        glProgramStringARB(GL_VERTEX_PROGRAM_ARB, GL_PROGRAM_FORMAT_ASCII_ARB, static_cast<int>(std::strlen(vertex)), vertex);
+        glProgramStringARB(GL_VERTEX_PROGRAM_ARB, GL_PROGRAM_FORMAT_ASCII_ARB,
+                           static_cast<int>(std::strlen(vertex)), vertex);
         glBindProgramARB(GL_FRAGMENT_PROGRAM_ARB, names[1]);
-        glProgramStringARB(GL_FRAGMENT_PROGRAM_ARB, GL_PROGRAM_FORMAT_ASCII_ARB, static_cast<int>(std::strlen(fragment)), fragment);
+        glProgramStringARB(GL_FRAGMENT_PROGRAM_ARB, GL_PROGRAM_FORMAT_ASCII_ARB,
+                           static_cast<int>(std::strlen(fragment)), fragment);
     }
     glBindProgramARB(GL_VERTEX_PROGRAM_ARB, names[0]);
     glBindProgramARB(GL_FRAGMENT_PROGRAM_ARB, names[1]);
@@ -511,20 +527,25 @@ GLuint compiled(GLenum type, std::initializer_list<const char*> parts) {
 void shaders() {
     static GLuint program = 0;
     static GLint places[12];
-    const char* const names[] = {"scale", "tint", "matrix", "offsets[0]", "offsets[1]", "picture", "wide", "flag", "count"};
+    const char* const names[] = {"scale",   "tint", "matrix", "offsets[0]", "offsets[1]",
+                                 "picture", "wide", "flag",   "count"};
     if (program == 0) {
         program = glCreateProgram();
         const GLuint parts[] = {
-            compiled(GL_VERTEX_SHADER,
-                     {"#version 130\n", "uniform float scale; uniform mat3 matrix; uniform mat2x3 wide; uniform vec2 offsets[3];\n",
-                      "in vec2 position; in vec4 color; in uvec2 bits; out vec4 shade;\n"
-                      "void main() { vec3 p = matrix * vec3(position * scale + offsets[1] + offsets[2], 1.0);\n"
-                      "shade = color + vec4(wide * vec2(0.1, 0.2), 0.0) + vec4(float(bits.x) / 10.0);\n"
-                      "gl_Position = vec4(p.xy, 0.0, 1.0); }\n"}),
+            compiled(
+                GL_VERTEX_SHADER,
+                {"#version 130\n",
+                 "uniform float scale; uniform mat3 matrix; uniform mat2x3 wide; uniform vec2 offsets[3];\n",
+                 "in vec2 position; in vec4 color; in uvec2 bits; out vec4 shade;\n"
+                 "void main() { vec3 p = matrix * vec3(position * scale + offsets[1] + offsets[2], 1.0);\n"
+                 "shade = color + vec4(wide * vec2(0.1, 0.2), 0.0) + vec4(float(bits.x) / 10.0);\n"
+                 "gl_Position = vec4(p.xy, 0.0, 1.0); }\n"}),
             compiled(GL_FRAGMENT_SHADER,
-                     {"#version 130\n", "uniform vec4 tint; uniform sampler2D picture; uniform bool flag; uniform int count;\n",
+                     {"#version 130\n",
+                      "uniform vec4 tint; uniform sampler2D picture; uniform bool flag; uniform int count;\n",
                       "in vec4 shade; out vec4 result;\n"
-                      "void main() { result = shade * tint + texture(picture, vec2(0.3)) * float(count); if (flag) result = result.grba; }\n"})};
+                      "void main() { result = shade * tint + texture(picture, vec2(0.3)) * float(count); if "
+                      "(flag) result = result.grba; }\n"})};
         for (const GLuint part : parts)
             glAttachShader(program, part), glDeleteShader(part);
         glBindAttribLocation(program, 5, "color");
@@ -534,7 +555,8 @@ void shaders() {
     }
     glUseProgram(program);
     glUniform1f(places[0], 0.8f);
-    const float tint[] = {1, 0.5f, 1, 1}, matrix[] = {1, 0, 0, 0, 1, 0, 0.1f, 0.1f, 1}, wide[] = {1, 2, 3, 4, 5, 6};
+    const float tint[] = {1, 0.5f, 1, 1}, matrix[] = {1, 0, 0, 0, 1, 0, 0.1f, 0.1f, 1},
+                wide[] = {1, 2, 3, 4, 5, 6};
     glUniform4fv(places[1], 1, tint);
     glUniformMatrix3fv(places[2], 1, frame % 2 == 0, matrix);
     const float offsets[] = {0.1f, 0, 0, 0.1f, 0.05f, 0.05f};
@@ -658,8 +680,10 @@ void imaging() {
     // Where the driver has none of it these are errors, and so they are in the replay.
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
     glColorTable(GL_COLOR_TABLE, GL_RGB, 256, GL_RGB, GL_UNSIGNED_BYTE, checkered(256, 1, 3).data());
-    glConvolutionFilter2D(GL_CONVOLUTION_2D, GL_LUMINANCE, 3, 3, GL_LUMINANCE, GL_UNSIGNED_BYTE, checkered(3, 3, 1).data());
-    glSeparableFilter2D(GL_SEPARABLE_2D, GL_RGB, 3, 5, GL_RGB, GL_UNSIGNED_BYTE, checkered(3, 1, 3).data(), checkered(5, 1, 3).data());
+    glConvolutionFilter2D(GL_CONVOLUTION_2D, GL_LUMINANCE, 3, 3, GL_LUMINANCE, GL_UNSIGNED_BYTE,
+                          checkered(3, 3, 1).data());
+    glSeparableFilter2D(GL_SEPARABLE_2D, GL_RGB, 3, 5, GL_RGB, GL_UNSIGNED_BYTE, checkered(3, 1, 3).data(),
+                        checkered(5, 1, 3).data());
     immediate();
 }
 
@@ -719,11 +743,12 @@ void resize() {
 }
 
 const std::map<std::string, void (*)()> scenes = {
-    {"immediate", immediate},   {"lists", lists},   {"arrays", arrays},       {"buffers", buffers},
-    {"pixels", pixels},         {"textures", textures}, {"evaluators", evaluators}, {"modes", modes},
-    {"accumulation", accumulation}, {"queries", queries}, {"assembly", assembly}, {"shaders", shaders},
-    {"framebuffers", framebuffers}, {"stacks", stacks}, {"imaging", imaging}, {"contexts", contexts},
-    {"resize", resize}};
+    {"immediate", immediate},       {"lists", lists},       {"arrays", arrays},
+    {"buffers", buffers},           {"pixels", pixels},     {"textures", textures},
+    {"evaluators", evaluators},     {"modes", modes},       {"accumulation", accumulation},
+    {"queries", queries},           {"assembly", assembly}, {"shaders", shaders},
+    {"framebuffers", framebuffers}, {"stacks", stacks},     {"imaging", imaging},
+    {"contexts", contexts},         {"resize", resize},     {"samples", immediate}};
 
 } // namespace
 
@@ -735,7 +760,9 @@ int main(int argc, char** argv) {
     }
     if (!glfwInit())
         return 3;
-    glfwWindowHint(GLFW_ACCUM_RED_BITS, std::string(argv[1]) == "accumulation" ? 16 : 0);
+    for (const int hint :
+         {GLFW_ACCUM_RED_BITS, GLFW_ACCUM_GREEN_BITS, GLFW_ACCUM_BLUE_BITS, GLFW_ACCUM_ALPHA_BITS})
+        glfwWindowHint(hint, std::string(argv[1]) == "accumulation" ? 16 : 0);
     glfwWindowHint(GLFW_DECORATED, GLFW_FALSE);
     glfwWindowHint(GLFW_SAMPLES, std::string(argv[1]) == "samples" ? 4 : 0);
     window = glfwCreateWindow(size, size, argv[1], nullptr, nullptr);

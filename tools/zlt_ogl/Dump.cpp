@@ -275,7 +275,8 @@ int dump(const DumpOptions& options) {
     if (options.frames.first > 1)
         file.seekFrame(options.frames.first);
     while (file.next(call)) {
-        if (isBookkeeping(call) || call.frame < options.frames.first || call.number < options.calls.first)
+        if (isBookkeeping(call) || call.frame < options.frames.first ||
+            (options.calls.first > 1 && call.number < options.calls.first))
             continue;
         if (call.frame > options.frames.last || call.number > options.calls.last)
             break;
