@@ -121,8 +121,8 @@ std::uint32_t CaptureState::noticeSurface(std::uint64_t id) {
     const CaptureSurroundings::Size surface = shared_->surroundings->sizeOf(id);
     std::unique_lock guard(shared_->lock);
     const auto [place, isNew] = shared_->surfaces.try_emplace(
-        id, OpenGLCapture::Shared::KnownSurface{static_cast<std::uint32_t>(shared_->surfaces.size()), 0, 0});
-    OpenGLCapture::Shared::KnownSurface& known = place->second;
+        id, CaptureShared::KnownSurface{static_cast<std::uint32_t>(shared_->surfaces.size()), 0, 0});
+    CaptureShared::KnownSurface& known = place->second;
     if (!isNew) {
         guard.unlock();
         noticeSize(id, surface);

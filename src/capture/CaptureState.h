@@ -1,8 +1,9 @@
 #pragma once
 
 #include "capture/Bytes.h"
+#include "capture/CaptureOutput.h"
+#include "capture/CaptureSurroundings.h"
 #include "capture/CapturedContext.h"
-#include "capture/OpenGLCapture.h"
 #include "capture/Records.h"
 
 #include <array>
@@ -20,9 +21,9 @@ namespace ZLT::Capture {
 class CaptureState;
 
 /// What the threads of one capture share.
-struct OpenGLCapture::Shared {
+struct CaptureShared {
     CaptureOutput* output = nullptr;
-    Options options;
+    CaptureOptions options;
     CaptureSurroundings* surroundings = nullptr;
     std::unique_ptr<CaptureSurroundings> ownSurroundings;
     std::uint64_t id = 0; ///< of all captures of the process
@@ -65,10 +66,10 @@ private:
 /// The capture of one thread: its number, its context, and what happens around its calls.
 class CaptureState {
 public:
-    CaptureState(OpenGLCapture::Shared& shared, std::uint32_t thread) : shared_(&shared), thread_(thread) {}
+    CaptureState(CaptureShared& shared, std::uint32_t thread) : shared_(&shared), thread_(thread) {}
 
     CapturedContext& context() { return *context_; }
-    OpenGLCapture::Shared& shared() { return *shared_; }
+    CaptureShared& shared() { return *shared_; }
     void* handle() const { return handle_; }
 
     void send(std::string_view record) { shared_->output->record(thread_, record); }
@@ -124,7 +125,7 @@ private:
     std::uint32_t noticeSurface(std::uint64_t id);
     void tellCurrent(std::uint32_t draw, std::uint32_t read);
 
-    OpenGLCapture::Shared* shared_;
+    CaptureShared* shared_;
     void* handle_ = unknownHandle();
     CapturedContext* context_ = nullptr;
     std::uint32_t thread_;

@@ -4,12 +4,27 @@
 
 #define XXH_INLINE_ALL
 #include <xxhash.h>
+#if !defined(ZLT_WITHOUT_ZSTD)
 #include <zstd.h>
+#endif
 
 #include <memory>
 #include <new>
 
 namespace ZLT::Capture {
+
+#if defined(ZLT_WITHOUT_ZSTD)
+
+std::string compress(std::string_view bytes, bool& packed) {
+    packed = false;
+    return std::string(bytes);
+}
+
+std::string expand(std::string_view, std::uint64_t) {
+    throw FormatError("it is compressed with Zstandard, which this build has not");
+}
+
+#else
 
 namespace {
 
@@ -56,6 +71,8 @@ std::string expand(std::string_view bytes, std::uint64_t size) {
                           (ZSTD_isError(result) ? ZSTD_getErrorName(result) : "they end too early"));
     return all;
 }
+
+#endif
 
 std::uint64_t checksumOf(std::string_view bytes) { return XXH3_64bits(bytes.data(), bytes.size()); }
 

@@ -13,9 +13,7 @@ std::atomic<std::uint64_t> captures = 0;
 
 } // namespace
 
-CaptureSurroundings::~CaptureSurroundings() = default;
-
-CaptureState& attachThread(OpenGLCapture::Shared& shared) {
+CaptureState& attachThread(CaptureShared& shared) {
     thread_local std::map<std::uint64_t, CaptureState*> known;
     CaptureState*& state = known[shared.id];
     if (!state) {
@@ -33,7 +31,7 @@ OpenGLCapture::OpenGLCapture(CaptureOutput& output, Options options)
     : OpenGLCapture(output, options, nullptr) {}
 
 OpenGLCapture::OpenGLCapture(CaptureOutput& output, Options options, CaptureSurroundings* surroundings)
-    : OpenGLInterceptorDecorator(nullptr), shared_(std::make_unique<Shared>()) {
+    : OpenGLInterceptorDecorator(nullptr), shared_(std::make_unique<CaptureShared>()) {
     shared_->output = &output;
     shared_->options = options;
     if (!surroundings)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "capture/CaptureOutput.h"
+#include "capture/CaptureSurroundings.h"
 #include "capture/Export.h"
 #include "extensionator/OpenGLInterceptorDecorator.h"
 
@@ -10,27 +11,9 @@
 
 namespace ZLT::Capture {
 
+struct CaptureShared;
 using OGL::OpenGLInterceptor;
 using OGL::OpenGLInterceptorDecorator;
-
-/// Where the calls come from, beside GL: the window system, as far as a capture has to know it.
-class ZLT_CAPTURE_API CaptureSurroundings {
-public:
-    /// In pixels; 0 where it is not known.
-    struct Size {
-        int width = 0, height = 0;
-    };
-
-    virtual ~CaptureSurroundings();
-    /// The windows, pbuffers or pixmaps of the calling thread's current context: any number that is the
-    /// surface's own, 0 for none.
-    virtual std::uint64_t drawSurface() = 0;
-    virtual std::uint64_t readSurface() = 0;
-    /// Of one of these.
-    virtual Size sizeOf(std::uint64_t surface) = 0;
-    /// Contexts of the same number share their objects. `context` is what wglGetCurrentContext() gives.
-    virtual std::uint64_t shareGroupOf(void* context) = 0;
-};
 
 /// A layer that captures every call with all that it points at, so that it can be done again: see
 /// docs/capture-format.md for what is in a capture, and CapturePlayer for how it is played.
@@ -45,9 +28,7 @@ public:
 /// that it needs (arrays, the pixel store), never between glBegin and glEnd, and changes none.
 class ZLT_CAPTURE_API OpenGLCapture : public OpenGLInterceptorDecorator {
 public:
-    struct Options {
-        bool hashPictures = false; ///< the hash of what a surface shows, before each swap
-    };
+    using Options = CaptureOptions;
 
     /// @param output  not owned; lives longer than the layer
     explicit OpenGLCapture(CaptureOutput& output);
@@ -71,10 +52,8 @@ public:
 
 #include "extensionator/LayerEntries.inl"
 
-    struct Shared; ///< of the layer's own sources
-
 private:
-    std::unique_ptr<Shared> shared_;
+    std::unique_ptr<CaptureShared> shared_;
 };
 
 } // namespace ZLT::Capture

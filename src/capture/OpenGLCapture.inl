@@ -14,9 +14,9 @@ namespace ZLT::Capture {
 using OGL::NextLayer;
 
 /// A thread's first call, or one after calls of another capture.
-CaptureState& attachThread(OpenGLCapture::Shared& shared);
+CaptureState& attachThread(CaptureShared& shared);
 
-inline CaptureState& stateOf(OpenGLCapture::Shared& shared) {
+inline CaptureState& stateOf(CaptureShared& shared) {
     CaptureState& state = captureThread.capture == shared.id ? *captureThread.state : attachThread(shared);
     if (wglGetCurrentContext() != state.handle()) [[unlikely]]
         state.noticeContext();

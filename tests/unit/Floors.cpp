@@ -29,6 +29,7 @@ const std::vector<std::vector<std::string>> floors = {
     {"ExceptionOGL."},
     {"extensionator/", "ogl/", "InternalWindow."},
     {"LibraryOGL.", "AutoInitializer."},
+    {"capture/"},
     {"intercept/"},
     {"intercept/linux/", "intercept/windows/"},
 };
