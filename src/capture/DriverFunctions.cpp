@@ -2,6 +2,8 @@
 
 #include "platform/Platform.h"
 
+#include <initializer_list>
+
 namespace ZLT::Capture {
 
 namespace {

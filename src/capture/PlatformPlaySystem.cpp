@@ -120,8 +120,8 @@ int chooseFormat(HDC device, const SurfaceShape& shape) {
                                         values.data()) ||
             !values[0])
             continue;
-        if (const int far = distance(shape, values); far < least) {
-            least = far;
+        if (const int apart = distance(shape, values); apart < least) {
+            least = apart;
             best = format;
         }
     }
