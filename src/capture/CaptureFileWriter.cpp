@@ -30,6 +30,7 @@ struct CaptureFileWriter::File {
     int error = 0; // the first that writing had
 
     std::string calls, pieces;
+    Compressor compressor;
     std::uint32_t thread = 0;
     std::uint64_t callCount = 0, firstCall = 0, chunkCount = 0, size = 0;
     std::uint64_t pieceCount = 0, firstPiece = 0;
@@ -45,7 +46,7 @@ struct CaptureFileWriter::File {
 
     void writeChunk(ChunkKind kind, std::string_view bytes, std::uint64_t first, std::uint64_t count) {
         bool packed = false;
-        const std::string stored = compress(bytes, packed);
+        const std::string_view stored = compressor.compress(bytes, packed);
         const ChunkHead head = {chunkMagic,
                                 kind,
                                 packed ? Codec::Zstandard : Codec::None,

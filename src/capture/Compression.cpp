@@ -15,9 +15,11 @@ namespace ZLT::Capture {
 
 #if defined(ZLT_WITHOUT_ZSTD)
 
-std::string compress(std::string_view bytes, bool& packed) {
+struct Compressor::State {};
+
+std::string_view Compressor::compress(std::string_view bytes, bool& packed) {
     packed = false;
-    return std::string(bytes);
+    return bytes;
 }
 
 std::string expand(std::string_view, std::uint64_t) {
@@ -31,25 +33,33 @@ namespace {
 // The fastest of those that find repetitions over a whole chunk.
 constexpr int level = 1;
 
-struct FreeCompressor {
-    void operator()(ZSTD_CCtx* context) const { ZSTD_freeCCtx(context); }
-};
 struct FreeExpander {
     void operator()(ZSTD_DCtx* context) const { ZSTD_freeDCtx(context); }
 };
 
 } // namespace
 
-std::string compress(std::string_view bytes, bool& packed) {
-    thread_local const std::unique_ptr<ZSTD_CCtx, FreeCompressor> context(ZSTD_createCCtx());
-    std::string small(ZSTD_compressBound(bytes.size()), '\0');
+struct Compressor::State {
+    ZSTD_CCtx* context = ZSTD_createCCtx();
+    std::unique_ptr<char[]> room;
+    std::size_t size = 0;
+
+    State() = default;
+    ~State() { ZSTD_freeCCtx(context); }
+    State(const State&) = delete;
+    State& operator=(const State&) = delete;
+};
+
+std::string_view Compressor::compress(std::string_view bytes, bool& packed) {
+    const std::size_t most = ZSTD_compressBound(bytes.size());
+    if (state_->size < most) {
+        state_->room = std::make_unique_for_overwrite<char[]>(most);
+        state_->size = most;
+    }
     const std::size_t size =
-        ZSTD_compressCCtx(context.get(), small.data(), small.size(), bytes.data(), bytes.size(), level);
+        ZSTD_compressCCtx(state_->context, state_->room.get(), most, bytes.data(), bytes.size(), level);
     packed = !ZSTD_isError(size) && size < bytes.size();
-    if (!packed)
-        return std::string(bytes);
-    small.resize(size);
-    return small;
+    return packed ? std::string_view(state_->room.get(), size) : bytes;
 }
 
 std::string expand(std::string_view bytes, std::uint64_t size) {
@@ -73,6 +83,9 @@ std::string expand(std::string_view bytes, std::uint64_t size) {
 }
 
 #endif
+
+Compressor::Compressor() : state_(std::make_unique<State>()) {}
+Compressor::~Compressor() = default;
 
 std::uint64_t checksumOf(std::string_view bytes) { return XXH3_64bits(bytes.data(), bytes.size()); }
 

@@ -1,14 +1,28 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 
 namespace ZLT::Capture {
 
-/// The bytes, made smaller; as they are where that makes them no smaller.
-/// @param packed  whether it did
-std::string compress(std::string_view bytes, bool& packed);
+/// Makes bytes smaller, in memory that it keeps.
+class Compressor {
+public:
+    Compressor();
+    ~Compressor();
+    Compressor(const Compressor&) = delete;
+    Compressor& operator=(const Compressor&) = delete;
+
+    /// The bytes, made smaller; as they are where that makes them no smaller. Valid up to the next call.
+    /// @param packed  whether it did
+    std::string_view compress(std::string_view bytes, bool& packed);
+
+private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
 /// The bytes back, which are `size`. Throws FormatError where they are not.
 std::string expand(std::string_view bytes, std::uint64_t size);
 /// Of bytes in a file.

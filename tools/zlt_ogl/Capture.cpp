@@ -59,6 +59,8 @@ public:
         std::memcpy(&head, bytes.data(), sizeof head);
         bytes.remove_prefix(sizeof head);
         std::string& parts = parts_[head.number];
+        if (parts.empty())
+            parts.reserve(head.size);
         if (bytes.size() == head.size)
             file_.addData(head.number, bytes);
         else if ((parts += bytes).size() >= head.size)
