@@ -9,6 +9,7 @@
 
 #include <array>
 #include <cmath>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -41,6 +42,10 @@ std::vector<unsigned char> checkered(int width, int height, int components, int 
 void readBack() {
     std::vector<unsigned char> pixels(static_cast<std::size_t>(size * size * 4));
     glReadPixels(0, 0, size, size, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+    unsigned int sum = 0;
+    for (const unsigned char value : pixels)
+        sum = 31 * sum + value;
+    std::printf("%u\n", sum);
 }
 
 void immediate() {
@@ -96,7 +101,7 @@ void lists() {
         glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
         glRasterPos2f(-0.9f, -0.9f);
         glDrawPixels(8, 8, GL_RGB, GL_UNSIGNED_BYTE, pixels.data());
-        const unsigned char bits[] = {0xF0, 0x0F, 0xAA, 0x55, 0xFF, 0x81, 0x18, 0x3C};
+        const unsigned char bits[] = {0xF0, 0x0F, 0xAA, 0x55, 0xFF, 0x81, 0x18, 0x3C, 0x42, 0x24, 0x66};
         glBitmap(8, 8, 0, 0, 10, 0, bits);
         glEndList();
         glNewList(first + 3, GL_COMPILE);
@@ -247,7 +252,7 @@ void pixels() {
     glDrawPixels(9, 7, GL_RGBA, GL_UNSIGNED_SHORT_4_4_4_4, checkered(20, 11, 2).data());
     glPixelStorei(GL_UNPACK_LSB_FIRST, 1);
     glRasterPos2f(0, -0.9f);
-    glBitmap(12, 7, 0, 0, 0, 0, checkered(3, 11, 1).data());
+    glBitmap(12, 7, 0, 0, 0, 0, checkered(4, 12, 1).data());
     glPixelStorei(GL_UNPACK_LSB_FIRST, 0);
     glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
     glPixelStorei(GL_UNPACK_SKIP_ROWS, 0);
@@ -759,7 +764,7 @@ int main(int argc, char** argv) {
         return 0;
     }
     if (!glfwInit())
-        return 3;
+        return 77;
     for (const int hint :
          {GLFW_ACCUM_RED_BITS, GLFW_ACCUM_GREEN_BITS, GLFW_ACCUM_BLUE_BITS, GLFW_ACCUM_ALPHA_BITS})
         glfwWindowHint(hint, std::string(argv[1]) == "accumulation" ? 16 : 0);
@@ -767,7 +772,7 @@ int main(int argc, char** argv) {
     glfwWindowHint(GLFW_SAMPLES, std::string(argv[1]) == "samples" ? 4 : 0);
     window = glfwCreateWindow(size, size, argv[1], nullptr, nullptr);
     if (!window)
-        return 4;
+        return 77;
     glfwMakeContextCurrent(window);
     const auto scene = scenes.find(argv[1]);
     if (scene == scenes.end())
@@ -776,6 +781,8 @@ int main(int argc, char** argv) {
         glClearColor(0.2f, 0.2f, 0.2f, 1);
         glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
         scene->second();
+        if (argc > 2 && std::atoi(argv[2]) == frame)
+            raise(SIGKILL);
         if (std::string(argv[1]) != "resize")
             readBack();
         glfwSwapBuffers(window);
@@ -784,8 +791,6 @@ int main(int argc, char** argv) {
             for (int i = 0; i < 20; ++i)
                 glfwWaitEventsTimeout(0.01);
         }
-        if (argc > 2 && std::atoi(argv[2]) == frame)
-            std::abort();
     }
     glfwTerminate();
     return 0;
