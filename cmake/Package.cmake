@@ -1,9 +1,9 @@
 # What `cmake --install` puts where: headers below include/zlt_ogl with the paths that the sources use, the
-# two libraries, a CMake configuration and a pkg-config file. And what `cpack` makes of that: a ZIP, or a
+# libraries, a CMake configuration and a pkg-config file. And what `cpack` makes of that: a ZIP, or a
 # .deb.
 include(CMakePackageConfigHelpers)
 
-install(TARGETS zlt_core zlt_ogl EXPORT zlt_oglTargets
+install(TARGETS zlt_core zlt_ogl zlt_capture EXPORT zlt_oglTargets
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
@@ -13,10 +13,10 @@ if(TARGET zlt_ogl_command)
   install(TARGETS zlt_ogl_command RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
   if(WIN32)
     install(TARGETS zlt_intercept LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/zlt_ogl)
-    install(TARGETS zlt_ogl_info RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+    install(TARGETS zlt_ogl_info zlt_ogl_player RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
   else()
     install(TARGETS zlt_intercept zlt_places LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/zlt_ogl)
-    install(TARGETS zlt_ogl_info RUNTIME DESTINATION ${CMAKE_INSTALL_LIBDIR}/zlt_ogl)
+    install(TARGETS zlt_ogl_info zlt_ogl_player RUNTIME DESTINATION ${CMAKE_INSTALL_LIBDIR}/zlt_ogl)
     install(FILES ${PROJECT_SOURCE_DIR}/tools/zlt_ogl/completion.bash
       DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME zlt_ogl)
   endif()
@@ -41,6 +41,21 @@ set(public_headers
   ExceptionOGL.h
   InternalWindow.h
   LibraryOGL.h
+  capture/Bytes.h
+  capture/CaptureFile.h
+  capture/CaptureFileWriter.h
+  capture/CaptureFormat.h
+  capture/CaptureOutput.h
+  capture/CapturePlayer.h
+  capture/CaptureSurroundings.h
+  capture/DriverCalls.h
+  capture/Export.h
+  capture/Functions.h
+  capture/OpenGLCapture.h
+  capture/Picture.h
+  capture/PlatformPlaySystem.h
+  capture/Records.h
+  capture/wglCapture.h
   extensionator/ExtensionManager.h
   extensionator/InterceptCall.h
   extensionator/OpenGLCall.h
@@ -137,7 +152,8 @@ else()
 endif()
 set(CPACK_STRIP_FILES ON)
 set(CPACK_PACKAGE_CONTACT "The developers of zlt_ogl")
-set(CPACK_PACKAGE_DESCRIPTION "The command zlt_ogl finds the wrong OpenGL calls of any program and writes its calls down.
+set(CPACK_PACKAGE_DESCRIPTION "The command zlt_ogl finds the wrong OpenGL calls of any program, writes its calls down, and captures what it draws to
+have it again.
 The library calls OpenGL with each call checked, traced and recorded, and has classes for contexts, textures, buffers,
 framebuffers and programs. With the headers.")
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS

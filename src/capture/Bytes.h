@@ -1,5 +1,7 @@
 #pragma once
 
+#include "capture/Export.h"
+
 #include <bit>
 #include <concepts>
 #include <cstddef>
@@ -57,9 +59,10 @@ void appendValue(std::string& to, Value value) {
 }
 
 /// What does not hold together, with the place in the file.
-class FormatError : public std::runtime_error {
+class ZLT_CAPTURE_API FormatError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
+    ~FormatError() override;
 };
 
 /// Reads what the functions above wrote. Trusts nothing: each function throws FormatError where the bytes end

@@ -6,6 +6,7 @@
 #include "capture/PlayedEntries.h"
 #include "capture/PlayedNames.h"
 #include "capture/PlayerThreads.h"
+#include "capture/ReadPicture.h"
 #include "extensionator/OpenGLEntry.h"
 
 #include <algorithm>
@@ -59,7 +60,11 @@ struct Context {
     std::uint64_t program = 0; // captured name; 0 may stand for not known
     bool isProgramKnown = true;
     std::vector<std::uint32_t> feedback, selection;
-    std::unordered_map<std::uint64_t, char*> maps; // by captured address
+    struct Map {
+        char* address = nullptr;
+        std::uint64_t size = 0;
+    };
+    std::unordered_map<std::uint64_t, Map> maps; // by captured address
 };
 
 struct Linked {
@@ -264,9 +269,12 @@ struct CapturePlayer::Play {
     void writeMapped() {
         Context& now = context();
         const auto found = now.maps.find(call.values[0].bits);
-        if (found != now.maps.end() && found->second)
-            std::memcpy(found->second + call.values[1].bits, call.values[2].bytes.data(),
-                        call.values[2].bytes.size());
+        const std::uint64_t offset = call.values[1].bits;
+        const std::string_view bytes = call.values[2].bytes;
+        // What the file claims may be more than there is.
+        if (found != now.maps.end() && found->second.address && offset <= found->second.size &&
+            bytes.size() <= found->second.size - offset)
+            std::memcpy(found->second.address + offset, bytes.data(), bytes.size());
     }
 
     void compareReturned() {
@@ -554,7 +562,7 @@ struct CapturePlayer::Play {
         Context& now = context();
         const bool isFeedback = call.function->number == firstEntry + Entry::FeedbackBuffer;
         std::vector<std::uint32_t>& memory = isFeedback ? now.feedback : now.selection;
-        memory.assign(std::min<std::size_t>(static_cast<std::uint32_t>(call.i32(0)), 1u << 26), 0);
+        memory.assign(std::min<std::size_t>(static_cast<std::uint32_t>(call.i32(0)), 1u << 24), 0);
         return addressOf(memory.data());
     }
 
@@ -736,11 +744,26 @@ struct CapturePlayer::Play {
         gl.cgmDeleteLists(here, 0, static_cast<unsigned int>(result), range);
         if (context().facts.isCompiling)
             return;
-        for (std::int32_t i = 0; i < std::min(range, 1 << 20); ++i) {
+        for (std::int32_t i = 0; i < std::min(range, 1 << 16); ++i) {
             gl.cgmNewList(here, 0, static_cast<unsigned int>(captured) + static_cast<unsigned int>(i),
                           GL_COMPILE);
             gl.cgmEndList(here, 0);
         }
+    }
+
+    // How much of a buffer is mapped now.
+    std::uint64_t mapSize(std::uint32_t entry) {
+        const auto first = static_cast<unsigned int>(arguments[0]);
+        if (entry == Entry::MapBufferRange)
+            return arguments[2];
+        int size = 0;
+        if (entry == Entry::MapNamedBufferEXT)
+            gl.cgmGetNamedBufferParameterivEXT(here, 0, first, GL_BUFFER_SIZE, &size);
+        else if (entry == Entry::MapObjectBufferATI)
+            gl.cgmGetObjectBufferivATI(here, 0, first, GL_OBJECT_BUFFER_SIZE_ATI, &size);
+        else
+            gl.cgmGetBufferParameteriv(here, 0, first, GL_BUFFER_SIZE, &size);
+        return static_cast<std::uint64_t>(size);
     }
 
     // After the call.
@@ -778,7 +801,9 @@ struct CapturePlayer::Play {
         case Entry::MapBufferRange:
         case Entry::MapNamedBufferEXT:
         case Entry::MapObjectBufferATI:
-            now.maps[call.result.bits] = reinterpret_cast<char*>(result); // NOLINT(performance-no-int-to-ptr)
+            now.maps[call.result.bits] = {
+                reinterpret_cast<char*>(result), // NOLINT(performance-no-int-to-ptr)
+                mapSize(entry)};
             break;
         case Entry::GenLists:
             keepListNames(result);

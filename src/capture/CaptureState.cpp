@@ -1,6 +1,6 @@
 #include "capture/CaptureState.h"
 
-#include "capture/Picture.h"
+#include "capture/ReadPicture.h"
 #include "platform/Platform.h"
 
 #include <array>
@@ -82,7 +82,7 @@ void CaptureState::noticeContext() {
         if (isNew) {
             known = std::make_unique<CapturedContext>();
             known->number = ++shared_->contextCount;
-            const std::uint64_t id = shared_->surroundings->shareGroupOf(handle_);
+            const std::uint64_t id = shared_->groupOf(handle_);
             group = shared_->groups.try_emplace(id, static_cast<std::uint32_t>(shared_->groups.size()) + 1)
                         .first->second;
         }

@@ -39,6 +39,12 @@ struct CaptureShared {
     };
     std::map<std::uint64_t, KnownSurface> surfaces;
     std::map<std::uint64_t, std::uint32_t> groups; ///< their numbers, from 1
+    std::map<void*, std::uint64_t> sharing;        ///< groups of contexts that were told to share
+
+    std::uint64_t groupOf(void* context) const {
+        const auto told = sharing.find(context);
+        return told == sharing.end() ? surroundings->shareGroupOf(context) : told->second;
+    }
     std::set<std::string> told;
     std::uint32_t contextCount = 0;
 };

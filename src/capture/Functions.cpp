@@ -94,6 +94,8 @@ const AllFunctions& allFunctions() {
 
 } // namespace
 
+FormatError::~FormatError() = default;
+
 Function readForm(std::string name, std::string form) {
     Function function;
     function.name = std::move(name);

@@ -61,6 +61,12 @@ void OpenGLCapture::contextDestroyed(void* context) {
         stateOf(*shared_).send(EventRecord(Event::Destroyed).value(number));
 }
 
+void OpenGLCapture::contextsShare(void* first, void* second) {
+    const std::lock_guard guard(shared_->lock);
+    const std::uint64_t group = shared_->groupOf(first);
+    shared_->sharing[first] = shared_->sharing[second] = group;
+}
+
 void OpenGLCapture::swapping(std::uint64_t surface) { stateOf(*shared_).swapping(surface); }
 
 void OpenGLCapture::incomplete(std::string_view what) { stateOf(*shared_).incomplete(what); }

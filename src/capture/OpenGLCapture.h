@@ -22,7 +22,7 @@ using OGL::OpenGLInterceptorDecorator;
 ///     OpenGLCapture capture(file);
 ///     const ScopedInterceptor installed(capture);
 ///     ...                      // draw
-///     capture.swapping();      // before each swap; WglCapture does it for the calls of the WGL chain
+///     capture.swapping();      // before each swap; wglCapture does it for the calls of the WGL chain
 ///
 /// Each call is made first and written then. Threads may call at once. The layer asks the driver about state
 /// that it needs (arrays, the pixel store), never between glBegin and glEnd, and changes none.
@@ -42,6 +42,8 @@ public:
     void contextChanged();
     /// A context is no more. `context` as wglGetCurrentContext() gave it.
     void contextDestroyed(void* context);
+    /// The contexts share their objects. Those that nobody tells of are taken for ones that don't.
+    void contextsShare(void* first, void* second);
     /// The frame is complete, and about to be shown. To be called before the swap.
     /// @param surface  its id; 0 for the one that the current context draws to
     void swapping(std::uint64_t surface = 0);

@@ -1,8 +1,8 @@
-# Compares what the libraries CORE and OGL in FOLDER export with what the headers in INCLUDE and the table
+# Compares what the libraries CORE, OGL and CAPTURE in FOLDER export with what the headers in INCLUDE and the table
 # WGL of functions promise, and what they import with a list.
-set(shared_objects "(zlt_core|opengl|egl|glx|glu|x11(-xcb)?|xcb(-randr)?|wayland-(client|egl)")
+set(shared_objects "(zlt_core|zlt_ogl|zstd|opengl|egl|glx|glu|x11(-xcb)?|xcb(-randr)?|wayland-(client|egl)")
 string(APPEND shared_objects "|stdc\\+\\+|gcc_s|m|c|(a|t|ub)san)")
-set(dlls "(zlt_core|libstdc\\+\\+-6|libgcc_s_seh-1|libwinpthread-1")
+set(dlls "(zlt_core|zlt_ogl|libstdc\\+\\+-6|libgcc_s_seh-1|libwinpthread-1")
 string(APPEND dlls "|kernel32|msvcrt|api-ms-win-crt-[-a-z0-9]+|user32|gdi32|opengl32|glu32)")
 
 # Sets `result` to the exported names, each behind a line end and before one.
@@ -18,7 +18,7 @@ function(read_exports file result)
   set(${result} "\n${names}" PARENT_SCOPE)
 endfunction()
 
-foreach(library CORE OGL)
+foreach(library CORE OGL CAPTURE)
   set(file ${FOLDER}/${${library}})
   read_exports(${file} exports_${library})
   execute_process(COMMAND ${OBJDUMP} -p ${file} OUTPUT_VARIABLE text COMMAND_ERROR_IS_FATAL ANY)
@@ -43,6 +43,8 @@ foreach(header IN LISTS headers)
   set(library OGL)
   if(header MATCHES "/zlt/core/")
     set(library CORE)
+  elseif(header MATCHES "/capture/")
+    set(library CAPTURE)
   endif()
   set(scopes)
   file(STRINGS ${header} lines REGEX "^namespace [A-Za-z:]+ {|^} // namespace|^class [^;]+$")
@@ -56,7 +58,7 @@ foreach(header IN LISTS headers)
     endif()
     string(JOIN "::" scope ${scopes})
     string(REGEX REPLACE "^class (ZLT_[A-Z]+_API )?([A-Za-z0-9_]+).*" "\\2" class ${line})
-    if(class MATCHES "^(AutoVector|ScopedLayer|StartOptions|ZLTAllocator|float[34])$")
+    if(class MATCHES "^(AutoVector|ByteReader|PlayListener|ScopedLayer|StartOptions|ZLTAllocator|float[34])$")
       continue()
     endif()
     string(REPLACE "::" ";" parts ${scope}::${class})

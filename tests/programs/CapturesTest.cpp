@@ -46,6 +46,20 @@ INSTANTIATE_TEST_SUITE_P(, ScenesTest,
                                          "samples"),
                          nameOfProgram);
 
+// By a layer that gives all objects other names, and all uniform variables other locations.
+TEST(OtherNamesTest, areMapped) {
+    for (const char* scene :
+         {"textures", "shaders", "assembly", "buffers", "framebuffers", "lists", "queries"}) {
+        const std::string file = scratch("names.zlt");
+        run(capture(file) + Words{FOLDER "scenes", scene});
+        const Result played = run({FOLDER "othernames", file}, 60s);
+        EXPECT_EQ(0, played.status) << scene;
+        const std::string names = std::string(scene) == "lists" ? "no names" : "renamed";
+        EXPECT_NE(std::string::npos, played.out.find(", " + names + ", equal"))
+            << scene << ": " << played.out;
+    }
+}
+
 class CapturedTest : public testing::TestWithParam<const char*> {};
 
 TEST_P(CapturedTest, isPlayedEqual) {

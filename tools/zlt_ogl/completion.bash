@@ -2,19 +2,19 @@
 _zlt_ogl() {
     local word=${COMP_WORDS[COMP_CWORD]} command=${COMP_WORDS[1]} at
     if [ "$COMP_CWORD" -eq 1 ]; then
-        mapfile -t COMPREPLY < <(compgen -W "info check trace --help --version" -- "$word")
+        mapfile -t COMPREPLY < <(compgen -W "info check trace capture replay dump --help --version" -- "$word")
         return
     fi
     # Behind the program everything is the program's own.
     for ((at = 2; at < COMP_CWORD; ++at)); do
         case ${COMP_WORDS[at]} in
             --) ((++at)); break ;;
-            -o | --output | --sarif | --frames) ((++at)) ;;
+            -o | --output | --sarif | --frames | --png | --loop | --calls) ((++at)) ;;
             -*) ;;
             *) break ;;
         esac
     done
-    if [ "$at" -lt "$COMP_CWORD" ] && [ "$command" != info ]; then
+    if [ "$at" -lt "$COMP_CWORD" ] && [[ $command == @(check|trace|capture) ]]; then
         mapfile -t COMPREPLY < <(compgen -f -- "$word")
         return
     fi
@@ -28,13 +28,21 @@ _zlt_ogl() {
                 trace)
                     mapfile -t COMPREPLY < <(compgen -W "--output --frames --mark-frames --children --help" -- "$word")
                     ;;
+                capture)
+                    mapfile -t COMPREPLY < <(compgen -W "--output --frames --go-on --verify --children --help" -- "$word")
+                    ;;
+                replay)
+                    mapfile -t COMPREPLY < <(compgen -W "--verify --png --frames --loop --window --help" -- "$word")
+                    ;;
+                dump) mapfile -t COMPREPLY < <(compgen -W "--frames --calls --json --help" -- "$word") ;;
             esac
             ;;
         *)
             case ${COMP_WORDS[COMP_CWORD - 1]} in
-                -o | --output | --sarif) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
-                --frames) COMPREPLY=() ;;
-                *) mapfile -t COMPREPLY < <(compgen -c -f -- "$word") ;;
+                -o | --output | --sarif | --png) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
+                --frames | --loop | --calls) COMPREPLY=() ;;
+                *) [[ $command == @(replay|dump) ]] && mapfile -t COMPREPLY < <(compgen -f -- "$word") ||
+                    mapfile -t COMPREPLY < <(compgen -c -f -- "$word") ;;
             esac
             ;;
     esac
