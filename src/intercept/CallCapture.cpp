@@ -81,6 +81,8 @@ OGL::OpenGLInterceptor* captureOf(OGL::OpenGLInterceptor& end) {
     return made;
 }
 
+bool isCaptured() { return capture() && !thread.inside; }
+
 void captureCurrent(std::uint64_t draw, std::uint64_t read, void* display, bool isEgl) {
     thread.drawSurface = draw;
     thread.readSurface = read;

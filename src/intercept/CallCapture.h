@@ -14,6 +14,8 @@ namespace ZLT::Interception {
 
 /// The head of the chain of a program that is captured: one for all threads.
 OGL::OpenGLInterceptor* captureOf(OGL::OpenGLInterceptor& end);
+/// Whether the program is captured now.
+bool isCaptured();
 /// The calling thread's context or its surfaces changed.
 void captureCurrent(std::uint64_t draw, std::uint64_t read, void* display, bool isEgl = false);
 /// @param context  what wglGetCurrentContext() gives of it here; null for none

@@ -3,6 +3,7 @@
 #include "intercept/CallCapture.h"
 #include "intercept/Contexts.h"
 #include "intercept/Intercepted.h"
+#include "intercept/linux/Fonts.h"
 #include "intercept/linux/Libraries.h"
 
 #define GLX_GLXEXT_PROTOTYPES
@@ -117,6 +118,20 @@ ZLT_INTERCEPTED int64_t glXSwapBuffersMscOML(Display* display, GLXDrawable drawa
         inside([&] { return ZLT_REAL(glXSwapBuffersMscOML)(display, drawable, target, divisor, remainder); });
     endFrame();
     return result;
+}
+
+ZLT_INTERCEPTED void glXUseXFont(Font font, int first, int count, int list) {
+    if (isCaptured() && makeFontLists(font, first, count, list))
+        return;
+    const Inside driver;
+    ZLT_REAL(glXUseXFont)(font, first, count, list);
+}
+
+ZLT_INTERCEPTED void glXBindTexImageEXT(Display* display, GLXDrawable drawable, int buffer,
+                                        const int* attributes) {
+    captureIncomplete("the pixels that glXBindTexImageEXT gives to a texture");
+    const Inside driver;
+    ZLT_REAL(glXBindTexImageEXT)(display, drawable, buffer, attributes);
 }
 
 ZLT_INTERCEPTED void (*glXGetProcAddress(const GLubyte* name))() {

@@ -14,6 +14,8 @@
     X(glXMakeCurrentReadSGI)                                                                                 \
     X(glXSwapBuffers)                                                                                        \
     X(glXSwapBuffersMscOML)                                                                                  \
+    X(glXUseXFont)                                                                                           \
+    X(glXBindTexImageEXT)                                                                                    \
     X(eglGetProcAddress)                                                                                     \
     X(eglCreateContext)                                                                                      \
     X(eglDestroyContext)                                                                                     \
