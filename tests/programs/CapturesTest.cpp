@@ -41,9 +41,9 @@ TEST_P(ScenesTest, isPlayedEqual) {
 
 INSTANTIATE_TEST_SUITE_P(, ScenesTest,
                          testing::Values("immediate", "lists", "arrays", "buffers", "pixels", "textures",
-                                         "evaluators", "modes", "accumulation", "queries", "assembly",
-                                         "shaders", "framebuffers", "stacks", "imaging", "contexts", "resize",
-                                         "samples"),
+                                         "evaluators", "fonts", "modes", "accumulation", "queries",
+                                         "assembly", "shaders", "framebuffers", "stacks", "imaging",
+                                         "contexts", "resize", "samples"),
                          nameOfProgram);
 
 // By a layer that gives all objects other names, and all uniform variables other locations.

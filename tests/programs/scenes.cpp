@@ -2,7 +2,10 @@
 // that programs use. It reads back what it drew, so that a replay has something to compare.
 
 #define GL_GLEXT_PROTOTYPES
+#define GLFW_EXPOSE_NATIVE_GLX
+#define GLFW_EXPOSE_NATIVE_X11
 #include <GLFW/glfw3.h>
+#include <GLFW/glfw3native.h>
 
 #include <GL/glext.h>
 #include <GL/glu.h>
@@ -692,6 +695,22 @@ void imaging() {
     immediate();
 }
 
+// Lists that GLX makes past everybody.
+void fonts() {
+    Display* const display = glfwGetX11Display();
+    XFontStruct* const font = XLoadQueryFont(display, "fixed");
+    if (!font)
+        return;
+    const GLuint first = glGenLists(96);
+    glXUseXFont(font->fid, 32, 96, static_cast<int>(first));
+    glRasterPos2f(-0.9f, 0.1f * static_cast<float>(frame));
+    glListBase(first - 32);
+    glCallLists(11, GL_UNSIGNED_BYTE, "Hello, GLX!");
+    glListBase(0);
+    glDeleteLists(first, 96);
+    XFreeFont(display, font);
+}
+
 // What another context has made is there, for those that share.
 void contexts() {
     static GLFWwindow* other = nullptr;
@@ -747,13 +766,25 @@ void resize() {
     glReadPixels(0, 0, width, height, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
 }
 
-const std::map<std::string, void (*)()> scenes = {
-    {"immediate", immediate},       {"lists", lists},       {"arrays", arrays},
-    {"buffers", buffers},           {"pixels", pixels},     {"textures", textures},
-    {"evaluators", evaluators},     {"modes", modes},       {"accumulation", accumulation},
-    {"queries", queries},           {"assembly", assembly}, {"shaders", shaders},
-    {"framebuffers", framebuffers}, {"stacks", stacks},     {"imaging", imaging},
-    {"contexts", contexts},         {"resize", resize},     {"samples", immediate}};
+const std::map<std::string, void (*)()> scenes = {{"immediate", immediate},
+                                                  {"lists", lists},
+                                                  {"arrays", arrays},
+                                                  {"buffers", buffers},
+                                                  {"pixels", pixels},
+                                                  {"textures", textures},
+                                                  {"evaluators", evaluators},
+                                                  {"modes", modes},
+                                                  {"accumulation", accumulation},
+                                                  {"queries", queries},
+                                                  {"assembly", assembly},
+                                                  {"shaders", shaders},
+                                                  {"fonts", fonts},
+                                                  {"framebuffers", framebuffers},
+                                                  {"stacks", stacks},
+                                                  {"imaging", imaging},
+                                                  {"contexts", contexts},
+                                                  {"resize", resize},
+                                                  {"samples", immediate}};
 
 } // namespace
 

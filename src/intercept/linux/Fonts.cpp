@@ -113,7 +113,7 @@ bool makeFontLists(Font font, int first, int count, int list) {
     XFontStruct* const known = xlib.queryFont(display, font);
     if (!known)
         return false;
-    const Glyphs glyphs(xlib, display, thread.drawSurface, font);
+    const Glyphs glyphs(xlib, display, DefaultRootWindow(display), font);
     glPushClientAttrib(GL_CLIENT_PIXEL_STORE_BIT);
     for (const GLenum name : {GL_UNPACK_SWAP_BYTES, GL_UNPACK_LSB_FIRST, GL_UNPACK_ROW_LENGTH,
                               GL_UNPACK_SKIP_ROWS, GL_UNPACK_SKIP_PIXELS})
