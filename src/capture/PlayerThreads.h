@@ -2,13 +2,10 @@
 
 #include <condition_variable>
 #include <cstdint>
-#include <exception>
 #include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
-#include <thread>
-#include <utility>
 
 namespace ZLT::Capture {
 
@@ -22,13 +19,19 @@ public:
     PlayerThreads& operator=(const PlayerThreads&) = delete;
 
     /// Does the work on the thread, and waits for it. What it throws is thrown here. The first thread is the
-    /// caller's own.
+    /// caller's own. Work may run more work, on any thread: who waits works for others.
     void run(std::uint32_t thread, const std::function<void()>& work);
 
 private:
-    struct Worker;
-    std::uint32_t own_ = 0;
-    std::map<std::uint32_t, std::unique_ptr<Worker>> workers_;
+    struct Lane;
+    Lane& laneOf(std::uint32_t thread);
+    void serve(Lane& lane, std::unique_lock<std::mutex>& guard);
+    void loop(Lane& lane);
+
+    std::mutex lock_;
+    std::condition_variable changed_;
+    bool ends_ = false;
+    std::map<std::uint32_t, std::unique_ptr<Lane>> lanes_;
 };
 
 } // namespace ZLT::Capture
