@@ -64,6 +64,14 @@ constexpr Hook hooks[] = {
     {"Finish", "", "", "shown()"},
     // Programs set it to the size of the window that they see.
     {"Viewport", "", "viewportSet()", ""},
+    // What is not captured, and told.
+    {"VertexArrayRangeNV", "", "", "incomplete(\"the memory of glVertexArrayRangeNV\")"},
+    {"VertexArrayRangeAPPLE", "", "", "incomplete(\"the memory of glVertexArrayRangeAPPLE\")"},
+    {"TextureRangeAPPLE", "", "", "incomplete(\"the memory of glTextureRangeAPPLE\")"},
+    {"PixelDataRangeNV", "", "", "incomplete(\"the memory of glPixelDataRangeNV\")"},
+    {"PresentFrameKeyedNV", "", "", "incomplete(\"what glPresentFrameKeyedNV sends to video\")"},
+    {"PresentFrameDualFillNV", "", "", "incomplete(\"what glPresentFrameDualFillNV sends to video\")"},
+    {"ReadVideoPixelsSUN", "", "", "incomplete(\"what glReadVideoPixelsSUN reads of video\")"},
     {"GenSymbolsEXT", "", "", "symbolsMade(result, datatype)"},
 };
 

@@ -29,6 +29,7 @@ bool seek(std::FILE* file, std::int64_t to, int from) { return fseeko(file, to, 
 struct Chunk {
     ChunkHead head;
     std::uint64_t at; // of the bytes behind the head
+    bool isCut = false;
 };
 
 } // namespace
@@ -81,6 +82,10 @@ struct CaptureFile::File {
     }
 
     std::string readChunk(const Chunk& one) {
+        if (one.isCut) {
+            const std::string stored = readAt(one.at, size - one.at);
+            return one.head.codec == Codec::None ? stored : expandPart(stored);
+        }
         const std::string stored = readAt(one.at, one.head.storedSize);
         if (checksumOf(stored) != one.head.checksum)
             throw FormatError("the bytes of this chunk are not those that were written");
@@ -119,9 +124,14 @@ struct CaptureFile::File {
             if (size - at < sizeof chunkHead)
                 return damaged(at, "the file ends inside of a chunk's head");
             std::memcpy(&chunkHead, readAt(at, sizeof chunkHead).data(), sizeof chunkHead);
-            if (const std::string wrong = wrongOf(chunkHead, at); !wrong.empty())
+            if (const std::string wrong = wrongOf(chunkHead, at); !wrong.empty()) {
+                // Of calls that were cut off, those that are there can be played.
+                if (chunkHead.magic == chunkMagic && chunkHead.kind == ChunkKind::Calls &&
+                    chunkHead.storedSize > size - at - sizeof chunkHead)
+                    calls.push_back({chunkHead, at + sizeof chunkHead, true});
                 return damaged(at, wrong);
-            const Chunk one = {chunkHead, at + sizeof chunkHead};
+            }
+            const Chunk one = {chunkHead, at + sizeof chunkHead, false};
             if (chunkHead.kind == ChunkKind::Calls) {
                 calls.push_back(one);
             } else if (chunkHead.kind == ChunkKind::Data) {
@@ -379,6 +389,10 @@ bool CaptureFile::next(CapturedCall& call) {
         return true;
     } catch (const FormatError& error) {
         const std::size_t index = file.chunk > 0 ? file.chunk - 1 : 0;
+        if (index < file.calls.size() && file.calls[index].isCut) {
+            file.isAtEnd = true; // as it was told
+            return false;
+        }
         file.damage.clear();
         file.damaged(index < file.calls.size() ? file.calls[index].at : 0,
                      std::string("in the chunk that begins here, at ") +

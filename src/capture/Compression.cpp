@@ -22,6 +22,8 @@ std::string_view Compressor::compress(std::string_view bytes, bool& packed) {
     return bytes;
 }
 
+std::string expandPart(std::string_view) { return {}; }
+
 std::string expand(std::string_view, std::uint64_t) {
     throw FormatError("it is compressed with Zstandard, which this build has not");
 }
@@ -80,6 +82,23 @@ std::string expand(std::string_view bytes, std::uint64_t size) {
         throw FormatError(std::string("the compressed bytes are damaged: ") +
                           (ZSTD_isError(result) ? ZSTD_getErrorName(result) : "they end too early"));
     return all;
+}
+
+std::string expandPart(std::string_view bytes) {
+    struct Stream {
+        ZSTD_DStream* stream = ZSTD_createDStream();
+        ~Stream() { ZSTD_freeDStream(stream); }
+    } const from;
+    std::string all, block(ZSTD_DStreamOutSize(), '\0');
+    ZSTD_inBuffer in = {bytes.data(), bytes.size(), 0};
+    for (;;) {
+        ZSTD_outBuffer out = {block.data(), block.size(), 0};
+        const std::size_t before = in.pos;
+        const std::size_t result = ZSTD_decompressStream(from.stream, &out, &in);
+        all.append(block.data(), out.pos);
+        if (ZSTD_isError(result) || result == 0 || (out.pos == 0 && in.pos == before))
+            return all;
+    }
 }
 
 #endif

@@ -25,6 +25,8 @@ private:
 };
 /// The bytes back, which are `size`. Throws FormatError where they are not.
 std::string expand(std::string_view bytes, std::uint64_t size);
+/// As much as there is of bytes that were cut off.
+std::string expandPart(std::string_view bytes);
 /// Of bytes in a file.
 std::uint64_t checksumOf(std::string_view bytes);
 

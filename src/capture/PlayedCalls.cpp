@@ -128,7 +128,7 @@ void CapturePlayer::Play::keepListNames(std::uint64_t result) {
     gl.cgmDeleteLists(here, 0, static_cast<unsigned int>(result), range);
     if (context().facts.isCompiling)
         return;
-    for (std::int32_t i = 0; i < std::min(range, 1 << 16); ++i) {
+    for (std::int32_t i = 0; i < std::min(range, 1 << 14); ++i) {
         gl.cgmNewList(here, 0, static_cast<unsigned int>(captured) + static_cast<unsigned int>(i),
                       GL_COMPILE);
         gl.cgmEndList(here, 0);

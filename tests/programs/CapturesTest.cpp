@@ -135,9 +135,9 @@ TEST_F(DamageTest, whatIsWholeInFrontOfItIsPlayed) {
     const Result good = play(whole(), "dump");
     EXPECT_EQ(0, good.status);
     EXPECT_EQ("", good.err);
-    const std::size_t calls = linesOf(good.out).size();
-    for (std::size_t part = 0; part < 40; ++part) {
-        const std::size_t place = whole().size() * part / 40;
+    EXPECT_LT(500, linesOf(good.out).size());
+    for (std::size_t part = 0; part < 20; ++part) {
+        const std::size_t place = whole().size() * part / 20;
         std::string cut = whole().substr(0, place), flipped = whole(), huge = whole();
         flipped[place] = static_cast<char>(flipped[place] ^ 0x10);
         const std::uint64_t claim = std::uint64_t(1) << 60;
@@ -156,7 +156,6 @@ TEST_F(DamageTest, whatIsWholeInFrontOfItIsPlayed) {
                 EXPECT_NE(std::string::npos, result.err.find(place < 16 ? "capture" : " at byte ")) << place;
             }
     }
-    EXPECT_LT(calls / 2, linesOf(play(whole().substr(0, whole().size() - 60), "dump").out).size());
 }
 
 TEST_F(DamageTest, whatCannotBeReadOrWrittenIsSaid) {

@@ -8,7 +8,6 @@
 #include <cstdio>
 #include <cstring>
 #include <iostream>
-#include <sstream>
 
 namespace ZLT::Interception {
 
@@ -52,9 +51,8 @@ std::string address(std::uint64_t bits) {
 }
 
 std::string tokenText(std::uint32_t value) {
-    std::ostringstream text;
-    text << OGL::TokenName(value);
-    return text.str();
+    const std::string name = OGL::TokenName(value);
+    return name == "Unknown Token" ? address(value) : name;
 }
 
 std::string numberText(char form, std::uint64_t bits) {

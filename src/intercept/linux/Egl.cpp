@@ -90,6 +90,11 @@ ZLT_INTERCEPTED EGLBoolean eglSwapBuffersWithDamageEXT(EGLDisplay display, EGLSu
                    [&] { return ZLT_REAL(eglSwapBuffersWithDamageEXT)(display, surface, rects, count); });
 }
 
+ZLT_INTERCEPTED EGLBoolean eglBindTexImage(EGLDisplay display, EGLSurface surface, EGLint buffer) {
+    captureIncomplete("the pixels that eglBindTexImage gives to a texture");
+    return inside([&] { return ZLT_REAL(eglBindTexImage)(display, surface, buffer); });
+}
+
 ZLT_INTERCEPTED void (*eglGetProcAddress(const char* name))() {
     const auto real = ZLT_REAL(eglGetProcAddress);
     return name && real ? handOut(name, real(name)) : nullptr;

@@ -22,6 +22,7 @@
     X(eglMakeCurrent)                                                                                        \
     X(eglReleaseThread)                                                                                      \
     X(eglSwapBuffers)                                                                                        \
+    X(eglBindTexImage)                                                                                       \
     X(eglSwapBuffersWithDamageKHR)                                                                           \
     X(eglSwapBuffersWithDamageEXT)
 

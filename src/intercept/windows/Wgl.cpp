@@ -140,6 +140,36 @@ ZLT_INTERCEPTED unsigned long wglSwapMultipleBuffers(unsigned int count, const v
     return success;
 }
 
+ZLT_INTERCEPTED Bool wglUseFontBitmapsA(Handle window, unsigned long first, unsigned long count,
+                                        unsigned long base) {
+    ZLT_REAL(wglUseFontBitmapsA)
+    captureIncomplete("the display lists of wglUseFontBitmapsA");
+    return inside([&] { return real(window, first, count, base); });
+}
+
+ZLT_INTERCEPTED Bool wglUseFontOutlinesA(Handle window, unsigned long first, unsigned long count,
+                                         unsigned long base, float deviation, float extrusion, int format,
+                                         void* metrics) {
+    ZLT_REAL(wglUseFontOutlinesA)
+    captureIncomplete("the display lists of wglUseFontOutlinesA");
+    return inside([&] { return real(window, first, count, base, deviation, extrusion, format, metrics); });
+}
+
+ZLT_INTERCEPTED Bool wglUseFontBitmapsW(Handle window, unsigned long first, unsigned long count,
+                                        unsigned long base) {
+    ZLT_REAL(wglUseFontBitmapsW)
+    captureIncomplete("the display lists of wglUseFontBitmapsW");
+    return inside([&] { return real(window, first, count, base); });
+}
+
+ZLT_INTERCEPTED Bool wglUseFontOutlinesW(Handle window, unsigned long first, unsigned long count,
+                                         unsigned long base, float deviation, float extrusion, int format,
+                                         void* metrics) {
+    ZLT_REAL(wglUseFontOutlinesW)
+    captureIncomplete("the display lists of wglUseFontOutlinesW");
+    return inside([&] { return real(window, first, count, base, deviation, extrusion, format, metrics); });
+}
+
 ZLT_INTERCEPTED RealFunction wglGetProcAddress(const char* name) {
     const RealFunction real = name ? inside([&] { return driverFunction(name); }) : nullptr;
     if (!real || thread.inside || !program().isActive())

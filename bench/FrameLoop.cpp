@@ -1,0 +1,77 @@
+// What a capture is measured with, and nothing in front of GL: FrameLoop parameters|arrays COUNT. With
+// `parameters` as many calls of two arguments and four floats, with `arrays` as many frames that read 1 MiB
+// of client arrays.
+
+#include <EGL/egl.h>
+#include <GL/gl.h>
+#include <GL/glext.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+EGLDisplay display;
+EGLSurface surface;
+
+bool makeContext() {
+    display = eglGetDisplay(EGL_DEFAULT_DISPLAY);
+    const EGLint wanted[] = {EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT,
+                             EGL_NONE};
+    const EGLint size[] = {EGL_WIDTH, 64, EGL_HEIGHT, 64, EGL_NONE};
+    EGLConfig config = nullptr;
+    EGLint count = 0;
+    if (!eglInitialize(display, nullptr, nullptr) || !eglBindAPI(EGL_OPENGL_API) ||
+        !eglChooseConfig(display, wanted, &config, 1, &count) || count == 0)
+        return false;
+    surface = eglCreatePbufferSurface(display, config, size);
+    const EGLContext context = eglCreateContext(display, config, EGL_NO_CONTEXT, nullptr);
+    return eglMakeCurrent(display, surface, surface, context);
+}
+
+void setParameters(long count) {
+    const auto set = reinterpret_cast<PFNGLPROGRAMLOCALPARAMETER4FARBPROC>(
+        eglGetProcAddress("glProgramLocalParameter4fARB"));
+    std::mt19937 random(1);
+    std::vector<float> values(1 << 16);
+    for (float& value : values)
+        value = static_cast<float>(random()) / 4294967296.0f;
+    for (long i = 0; i < count; ++i) {
+        const float* const value = &values[static_cast<std::size_t>(i) * 4 % values.size()];
+        set(GL_VERTEX_PROGRAM_ARB, static_cast<GLuint>(i) % 64, value[0], value[1], value[2], value[3]);
+    }
+}
+
+// Vertices of 256 bytes, of which the driver itself uses little.
+void drawArrays(long frames) {
+    constexpr int stride = 256, vertices = (1 << 20) / stride;
+    std::mt19937 random(1);
+    std::vector<float> values(vertices * stride / sizeof(float));
+    for (float& value : values)
+        value = static_cast<float>(random() % 4096) / 1024 - 2;
+    glEnableClientState(GL_VERTEX_ARRAY);
+    for (long frame = 0; frame < frames; ++frame) {
+        for (std::size_t i = 0; i < values.size(); i += 16)
+            values[i] += 0.001f; // no frame is as another one
+        glVertexPointer(4, GL_FLOAT, stride, values.data());
+        glDrawArrays(GL_POINTS, 0, vertices);
+        eglSwapBuffers(display, surface);
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 3 || !makeContext()) {
+        std::fprintf(stderr, "usage: FrameLoop parameters|arrays COUNT, with a driver\n");
+        return 1;
+    }
+    if (std::string(argv[1]) == "arrays")
+        drawArrays(std::atol(argv[2]));
+    else
+        setParameters(std::atol(argv[2]));
+    glFinish();
+}
