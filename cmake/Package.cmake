@@ -54,6 +54,7 @@ set(public_headers
   capture/OpenGLCapture.h
   capture/Picture.h
   capture/PlatformPlaySystem.h
+  capture/PlaySystem.h
   capture/Records.h
   capture/wglCapture.h
   extensionator/ExtensionManager.h

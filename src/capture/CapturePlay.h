@@ -1,7 +1,7 @@
 #pragma once
 
-#include "capture/CapturePlayer.h"
 #include "capture/CapturedContext.h"
+#include "capture/PlaySystem.h"
 #include "capture/PlayedAccumulation.h"
 #include "capture/PlayedArrays.h"
 #include "capture/PlayedNames.h"
@@ -72,7 +72,7 @@ struct Linked {
 
 } // namespace Playing
 
-struct CapturePlayer::Play {
+struct CapturePlay {
     using Context = Playing::Context;
     using Group = Playing::Group;
     using Linked = Playing::Linked;
@@ -82,7 +82,7 @@ struct CapturePlayer::Play {
     PlaySystem& system;
     OGL::OpenGLInterceptor& gl;
     PlayListener& listener;
-    Options options;
+    PlayOptions options;
 
     PlayerThreads threads;
     std::unordered_map<std::uint32_t, std::uint32_t> current; // the context of each thread
@@ -106,8 +106,8 @@ struct CapturePlayer::Play {
     std::vector<Written> written;
     std::vector<std::unique_ptr<char[]>> scratch;
 
-    Play(CaptureFile& from, PlaySystem& by, OGL::OpenGLInterceptor& to, PlayListener& whoHears,
-         const Options& how)
+    CapturePlay(CaptureFile& from, PlaySystem& by, OGL::OpenGLInterceptor& to, PlayListener& whoHears,
+                const PlayOptions& how)
         : file(from), system(by), gl(to), listener(whoHears), options(how) {}
 
     Context& context() { return contextOf(call.thread); }

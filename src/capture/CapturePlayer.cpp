@@ -4,13 +4,7 @@
 
 namespace ZLT::Capture {
 
-PlaySystem::~PlaySystem() = default;
-PlayListener::~PlayListener() = default;
-void PlayListener::frameEnding(std::uint64_t, const std::function<bool(Picture&)>&) {}
-void PlayListener::differs(const CapturedCall&, const std::string&) {}
-void PlayListener::incomplete(const std::string&) {}
-
-void CapturePlayer::Play::playRecord() {
+void CapturePlay::playRecord() {
     if (call.function->number < eventCount)
         playEvent();
     else if (call.function->number != UINT32_MAX)
@@ -19,13 +13,13 @@ void CapturePlayer::Play::playRecord() {
         listener.incomplete(call.function->name + ", which is not known here, was left out");
 }
 
-bool CapturePlayer::Play::read() {
+bool CapturePlay::read() {
     if (!isRead)
         isRead = file.next(call);
     return isRead;
 }
 
-void CapturePlayer::Play::playThread(std::uint32_t thread, std::uint64_t frame) {
+void CapturePlay::playThread(std::uint32_t thread, std::uint64_t frame) {
     while (frames == frame && read() && call.thread == thread) {
         isRead = false;
         playRecord();
@@ -34,11 +28,11 @@ void CapturePlayer::Play::playThread(std::uint32_t thread, std::uint64_t frame) 
 
 CapturePlayer::CapturePlayer(CaptureFile& file, PlaySystem& system, OGL::OpenGLInterceptor& gl,
                              PlayListener& listener, const Options& options)
-    : play_(std::make_unique<Play>(file, system, gl, listener, options)) {}
+    : play_(std::make_unique<CapturePlay>(file, system, gl, listener, options)) {}
 CapturePlayer::~CapturePlayer() = default;
 
 bool CapturePlayer::playFrame() {
-    Play& play = *play_;
+    CapturePlay& play = *play_;
     const std::uint64_t frame = play.frames;
     while (play.frames == frame && play.read()) {
         const std::uint32_t thread = play.call.thread;

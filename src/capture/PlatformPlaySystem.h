@@ -1,8 +1,8 @@
 #pragma once
 
-#include "capture/CapturePlayer.h"
 #include "capture/DriverCalls.h"
 #include "capture/Export.h"
+#include "capture/PlaySystem.h"
 
 #include <map>
 #include <memory>

@@ -9,11 +9,11 @@ namespace ZLT::Capture {
 
 using namespace Playing;
 
-NameTable& CapturePlayer::Play::tableOf(ObjectKind kind) {
+NameTable& CapturePlay::tableOf(ObjectKind kind) {
     return isOfContext(kind) ? context().names : context().group->names;
 }
 
-std::optional<std::uint64_t> CapturePlayer::Play::findName(ObjectKind kind, std::uint64_t captured) {
+std::optional<std::uint64_t> CapturePlay::findName(ObjectKind kind, std::uint64_t captured) {
     if (const auto found = tableOf(kind).find(kind, captured))
         return found;
     if (isOfContext(kind)) // some drivers share these too
@@ -23,7 +23,7 @@ std::optional<std::uint64_t> CapturePlayer::Play::findName(ObjectKind kind, std:
     return std::nullopt;
 }
 
-std::optional<std::uint64_t> CapturePlayer::Play::makeName(ObjectKind kind) {
+std::optional<std::uint64_t> CapturePlay::makeName(ObjectKind kind) {
     if (!context().facts.mayAsk())
         return std::nullopt;
     const std::string& function = call.function->name;
@@ -65,7 +65,7 @@ std::optional<std::uint64_t> CapturePlayer::Play::makeName(ObjectKind kind) {
     return name != 0 ? std::optional<std::uint64_t>(name) : std::nullopt;
 }
 
-std::uint64_t CapturePlayer::Play::nameNow(ObjectKind kind, std::uint64_t captured) {
+std::uint64_t CapturePlay::nameNow(ObjectKind kind, std::uint64_t captured) {
     if (captured == 0 || kind == ObjectKind::List || &context() == &none)
         return captured; // lists have the names that the program gives, see playGenLists()
     if (const auto found = findName(kind, captured))
@@ -77,7 +77,7 @@ std::uint64_t CapturePlayer::Play::nameNow(ObjectKind kind, std::uint64_t captur
     return kind == ObjectKind::Program ? captured + nobody : captured;
 }
 
-void CapturePlayer::Play::forgetNames(std::size_t parameter, ObjectKind kind) {
+void CapturePlay::forgetNames(std::size_t parameter, ObjectKind kind) {
     // A program lives on while it is used, and its name is not given again before.
     if (kind == ObjectKind::Program || kind == ObjectKind::List || &context() == &none)
         return;
@@ -90,13 +90,13 @@ void CapturePlayer::Play::forgetNames(std::size_t parameter, ObjectKind kind) {
         tableOf(kind).erase(kind, wordAt(value.bytes, i));
 }
 
-std::uint32_t CapturePlayer::Play::wordAt(std::string_view bytes, std::size_t offset) {
+std::uint32_t CapturePlay::wordAt(std::string_view bytes, std::size_t offset) {
     std::uint32_t word;
     std::memcpy(&word, bytes.data() + offset, sizeof word);
     return word;
 }
 
-std::int64_t CapturePlayer::Play::locationNow(std::int64_t captured) {
+std::int64_t CapturePlay::locationNow(std::int64_t captured) {
     Context& now = context();
     if (&now == &none)
         return captured;
@@ -110,7 +110,7 @@ std::int64_t CapturePlayer::Play::locationNow(std::int64_t captured) {
     return found == locations.end() ? captured : found->second;
 }
 
-std::uint64_t CapturePlayer::Play::currentProgram() {
+std::uint64_t CapturePlay::currentProgram() {
     Context& now = context();
     if (!now.isProgramKnown && now.facts.mayAsk()) {
         int program = 0;
@@ -122,12 +122,12 @@ std::uint64_t CapturePlayer::Play::currentProgram() {
     return now.program;
 }
 
-char* CapturePlayer::Play::scratchOf(std::size_t size) {
+char* CapturePlay::scratchOf(std::size_t size) {
     scratch.push_back(std::make_unique<char[]>(std::max<std::size_t>(size, 16)));
     return scratch.back().get();
 }
 
-std::uint64_t CapturePlayer::Play::input(const Parameter& parameter, const CapturedValue& value) {
+std::uint64_t CapturePlay::input(const Parameter& parameter, const CapturedValue& value) {
     if (!value.isMemory())
         return value.pointer == PointerForm::Null ? 0 : value.bits;
     const ObjectKind kind = kindOf(parameter.object);
@@ -147,7 +147,7 @@ std::uint64_t CapturePlayer::Play::input(const Parameter& parameter, const Captu
     return addressOf(value.bytes.data()) - value.skipped;
 }
 
-std::uint64_t CapturePlayer::Play::textInput(const CapturedValue& value) {
+std::uint64_t CapturePlay::textInput(const CapturedValue& value) {
     if (!value.isMemory())
         return 0;
     char* const copy = scratchOf(value.bytes.size() + 1); // with a zero byte, whatever the file has
@@ -155,7 +155,7 @@ std::uint64_t CapturePlayer::Play::textInput(const CapturedValue& value) {
     return addressOf(copy);
 }
 
-std::uint64_t CapturePlayer::Play::textsInput(const CapturedValue& value) {
+std::uint64_t CapturePlay::textsInput(const CapturedValue& value) {
     if (!value.isMemory())
         return 0;
     ByteReader from(value.bytes);
@@ -177,7 +177,7 @@ std::uint64_t CapturePlayer::Play::textsInput(const CapturedValue& value) {
     return addressOf(list);
 }
 
-std::size_t CapturePlayer::Play::claimedCount() const {
+std::size_t CapturePlay::claimedCount() const {
     std::int64_t most = 0;
     for (const CapturedValue& value : call.values)
         if (value.form == 'i')
@@ -185,7 +185,7 @@ std::size_t CapturePlayer::Play::claimedCount() const {
     return static_cast<std::size_t>(std::min<std::int64_t>(most, 1 << 20));
 }
 
-std::uint64_t CapturePlayer::Play::indexListsInput(const CapturedValue& value) {
+std::uint64_t CapturePlay::indexListsInput(const CapturedValue& value) {
     if (!value.isMemory())
         return 0;
     ByteReader from(value.bytes);
@@ -209,7 +209,7 @@ std::uint64_t CapturePlayer::Play::indexListsInput(const CapturedValue& value) {
     return addressOf(list);
 }
 
-std::uint64_t CapturePlayer::Play::output(std::size_t parameter, const CapturedValue& value) {
+std::uint64_t CapturePlay::output(std::size_t parameter, const CapturedValue& value) {
     if (!value.isMemory())
         return value.pointer == PointerForm::Null ? 0 : value.bits;
     // Another driver may have more to say.
@@ -222,7 +222,7 @@ std::uint64_t CapturePlayer::Play::output(std::size_t parameter, const CapturedV
     return addressOf(written.back().memory.get());
 }
 
-std::uint64_t CapturePlayer::Play::arrayAddress(const CapturedValue& value) {
+std::uint64_t CapturePlay::arrayAddress(const CapturedValue& value) {
     static const std::vector<char> nothing(std::size_t(1) << 16);
     if (value.pointer != PointerForm::Address)
         return 0;
@@ -232,7 +232,7 @@ std::uint64_t CapturePlayer::Play::arrayAddress(const CapturedValue& value) {
     return buffer != 0 ? value.bits : addressOf(nothing.data()); // set again by the draw
 }
 
-std::uint64_t CapturePlayer::Play::lentMemory(const CapturedValue& value) {
+std::uint64_t CapturePlay::lentMemory(const CapturedValue& value) {
     if (value.pointer == PointerForm::Null)
         return 0;
     Context& now = context();
@@ -242,7 +242,7 @@ std::uint64_t CapturePlayer::Play::lentMemory(const CapturedValue& value) {
     return addressOf(memory.data());
 }
 
-void CapturePlayer::Play::prepare() {
+void CapturePlay::prepare() {
     arguments.clear();
     written.clear();
     scratch.clear();

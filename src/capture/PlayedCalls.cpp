@@ -10,7 +10,7 @@ namespace ZLT::Capture {
 
 using namespace Playing;
 
-unsigned int CapturePlayer::Play::bufferNow(unsigned int buffer) {
+unsigned int CapturePlay::bufferNow(unsigned int buffer) {
     const auto surface = surfaces.find(context().draw);
     if (surface == surfaces.end() || !surface->second.shape.isDoubleBuffered ||
         !system.hasOneBuffer(surface->second.handle))
@@ -27,7 +27,7 @@ unsigned int CapturePlayer::Play::bufferNow(unsigned int buffer) {
     }
 }
 
-Surface* CapturePlayer::Play::surfaceToAccumulate() {
+Surface* CapturePlay::surfaceToAccumulate() {
     const Context& now = context();
     const auto surface = surfaces.find(now.draw);
     if (now.hasAccumulation || surface == surfaces.end() || surface->second.shape.accumulation == 0)
@@ -35,7 +35,7 @@ Surface* CapturePlayer::Play::surfaceToAccumulate() {
     return &surface->second;
 }
 
-bool CapturePlayer::Play::isReplaced(std::uint32_t entry) {
+bool CapturePlay::isReplaced(std::uint32_t entry) {
     Surface* const surface =
         entry == Entry::Accum || (entry == Entry::Clear && (arguments[0] & GL_ACCUM_BUFFER_BIT))
             ? surfaceToAccumulate()
@@ -55,7 +55,7 @@ bool CapturePlayer::Play::isReplaced(std::uint32_t entry) {
     return false;
 }
 
-void CapturePlayer::Play::begin(std::uint32_t entry) {
+void CapturePlay::begin(std::uint32_t entry) {
     switch (entry) {
     case Entry::DrawBuffer:
     case Entry::ReadBuffer:
@@ -91,7 +91,7 @@ void CapturePlayer::Play::begin(std::uint32_t entry) {
     }
 }
 
-void CapturePlayer::Play::placeAttributes() {
+void CapturePlay::placeAttributes() {
     const auto program = static_cast<unsigned int>(arguments[0]);
     const bool isObject = call.function->name.ends_with("ARB");
     eachPlace([&](bool isUniform, std::int64_t location, const std::string& name) {
@@ -104,7 +104,7 @@ void CapturePlayer::Play::placeAttributes() {
     });
 }
 
-void CapturePlayer::Play::learnUniforms() {
+void CapturePlay::learnUniforms() {
     const auto program = static_cast<unsigned int>(arguments[0]);
     const bool isObject = call.function->name.ends_with("ARB");
     auto& locations = context().group->locations[linked->program];
@@ -120,7 +120,7 @@ void CapturePlayer::Play::learnUniforms() {
     linked.reset();
 }
 
-void CapturePlayer::Play::keepListNames(std::uint64_t result) {
+void CapturePlay::keepListNames(std::uint64_t result) {
     const std::uint64_t captured = call.result.bits;
     const std::int32_t range = call.i32(0);
     if (captured == 0 || captured == result || range <= 0)
@@ -135,7 +135,7 @@ void CapturePlayer::Play::keepListNames(std::uint64_t result) {
     }
 }
 
-std::uint64_t CapturePlayer::Play::mapSize(std::uint32_t entry) {
+std::uint64_t CapturePlay::mapSize(std::uint32_t entry) {
     const auto first = static_cast<unsigned int>(arguments[0]);
     if (entry == Entry::MapBufferRange)
         return arguments[2];
@@ -149,7 +149,7 @@ std::uint64_t CapturePlayer::Play::mapSize(std::uint32_t entry) {
     return static_cast<std::uint64_t>(size);
 }
 
-void CapturePlayer::Play::finish(std::uint32_t entry, std::uint64_t result) {
+void CapturePlay::finish(std::uint32_t entry, std::uint64_t result) {
     Context& now = context();
     switch (entry) {
     case Entry::Begin:
@@ -194,7 +194,7 @@ void CapturePlayer::Play::finish(std::uint32_t entry, std::uint64_t result) {
     }
 }
 
-void CapturePlayer::Play::learnNames(std::uint64_t result) {
+void CapturePlay::learnNames(std::uint64_t result) {
     const Function& function = *call.function;
     if (&context() == &none)
         return;
@@ -225,11 +225,11 @@ void CapturePlayer::Play::learnNames(std::uint64_t result) {
             forgetNames(i, kind);
 }
 
-bool CapturePlayer::Play::isReadBack(const Function& function, const Parameter& parameter) {
+bool CapturePlay::isReadBack(const Function& function, const Parameter& parameter) {
     return parameter.length == "packed" || function.name.find("BufferSubData") != std::string::npos;
 }
 
-void CapturePlayer::Play::compareWritten() {
+void CapturePlay::compareWritten() {
     for (const Written& one : written) {
         const Parameter& parameter = call.function->parameters[one.parameter];
         const CapturedValue& value = call.values[one.parameter];
@@ -253,7 +253,7 @@ void CapturePlayer::Play::compareWritten() {
     }
 }
 
-void CapturePlayer::Play::playCall() {
+void CapturePlay::playCall() {
     const std::uint32_t entry = call.function->number - firstEntry;
     PlayEntry* const play = playerOf(entry);
     if (!play)

@@ -10,7 +10,7 @@ namespace ZLT::Capture {
 
 using namespace Playing;
 
-void CapturePlayer::Play::makeSurface() {
+void CapturePlay::makeSurface() {
     Surface& surface = surfaces[call.u32(0)];
     SurfaceShape& shape = surface.shape;
     int* const fields[] = {&shape.width, &shape.height, &shape.red,     &shape.green,        &shape.blue,
@@ -23,14 +23,14 @@ void CapturePlayer::Play::makeSurface() {
     surface.handle = system.makeSurface(shape);
 }
 
-void* CapturePlayer::Play::surfaceHandle(std::uint32_t number) {
+void* CapturePlay::surfaceHandle(std::uint32_t number) {
     if (number == 0)
         return nullptr;
     const auto found = surfaces.find(number);
     return found == surfaces.end() ? nullptr : found->second.handle;
 }
 
-void CapturePlayer::Play::makeContext() {
+void CapturePlay::makeContext() {
     Context& made = contexts[call.u32(0)];
     std::shared_ptr<Group>& group = groups[call.u32(1)];
     if (!group)
@@ -41,7 +41,7 @@ void CapturePlayer::Play::makeContext() {
     made.driver = call.values[5].bytes;
 }
 
-void CapturePlayer::Play::makeCurrent() {
+void CapturePlay::makeCurrent() {
     const std::uint32_t number = call.u32(0);
     if (number == 0 || !contexts.contains(number)) {
         release(call.thread);
@@ -84,7 +84,7 @@ void CapturePlayer::Play::makeCurrent() {
     }
 }
 
-void CapturePlayer::Play::release(std::uint32_t thread) {
+void CapturePlay::release(std::uint32_t thread) {
     Context& old = contextOf(thread);
     if (&old == &none)
         return;
@@ -93,7 +93,7 @@ void CapturePlayer::Play::release(std::uint32_t thread) {
     current[thread] = 0;
 }
 
-void CapturePlayer::Play::destroy() {
+void CapturePlay::destroy() {
     const auto found = contexts.find(call.u32(0));
     if (found == contexts.end() || !found->second.handle)
         return;
@@ -111,14 +111,14 @@ void CapturePlayer::Play::destroy() {
     std::erase(old.group->contexts, &old);
 }
 
-bool CapturePlayer::Play::readSurface(std::uint32_t number, Picture& picture) {
+bool CapturePlay::readSurface(std::uint32_t number, Picture& picture) {
     const auto found = surfaces.find(number);
     Context& now = context();
     return found != surfaces.end() && now.handle && now.draw == number &&
            readPicture(now.facts, found->second.shape.width, found->second.shape.height, picture);
 }
 
-void CapturePlayer::Play::comparePicture() {
+void CapturePlay::comparePicture() {
     Picture picture;
     if (!options.verifies || !readSurface(call.u32(0), picture))
         return;
@@ -127,7 +127,7 @@ void CapturePlayer::Play::comparePicture() {
         listener.differs(call, "the picture");
 }
 
-void CapturePlayer::Play::swap() {
+void CapturePlay::swap() {
     ++frames;
     const std::uint32_t number = call.u32(0);
     listener.frameEnding(frames, [&](Picture& picture) { return readSurface(number, picture); });
@@ -135,7 +135,7 @@ void CapturePlayer::Play::swap() {
         system.swap(surface);
 }
 
-void CapturePlayer::Play::resize() {
+void CapturePlay::resize() {
     const auto found = surfaces.find(call.u32(0));
     if (found == surfaces.end())
         return;
@@ -144,7 +144,7 @@ void CapturePlayer::Play::resize() {
     system.resize(found->second.handle, call.i32(1), call.i32(2));
 }
 
-void CapturePlayer::Play::addArray() {
+void CapturePlay::addArray() {
     PlayedArray array;
     array.kind = static_cast<ArrayKind>(call.u32(0));
     array.index = call.u32(1);
@@ -158,7 +158,7 @@ void CapturePlayer::Play::addArray() {
     arrays.push_back(std::move(array));
 }
 
-void CapturePlayer::Play::writeMapped() {
+void CapturePlay::writeMapped() {
     Context& now = context();
     const auto found = now.maps.find(call.values[0].bits);
     const std::uint64_t offset = call.values[1].bits;
@@ -169,7 +169,7 @@ void CapturePlayer::Play::writeMapped() {
         std::memcpy(found->second.address + offset, bytes.data(), bytes.size());
 }
 
-void CapturePlayer::Play::compareReturned() {
+void CapturePlay::compareReturned() {
     if (!options.verifies)
         return;
     Context& now = context();
@@ -181,7 +181,7 @@ void CapturePlayer::Play::compareReturned() {
         listener.differs(call, call.u32(0) == GL_FEEDBACK ? "the feedback" : "the selection");
 }
 
-void CapturePlayer::Play::playEvent() {
+void CapturePlay::playEvent() {
     switch (static_cast<Event>(call.function->number)) {
     case Event::Context:
         return makeContext();

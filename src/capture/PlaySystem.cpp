@@ -1,0 +1,11 @@
+#include "capture/PlaySystem.h"
+
+namespace ZLT::Capture {
+
+PlaySystem::~PlaySystem() = default;
+PlayListener::~PlayListener() = default;
+void PlayListener::frameEnding(std::uint64_t, const std::function<bool(Picture&)>&) {}
+void PlayListener::differs(const CapturedCall&, const std::string&) {}
+void PlayListener::incomplete(const std::string&) {}
+
+} // namespace ZLT::Capture
