@@ -29,6 +29,9 @@ constexpr const char* here = "capture"; // the file of the calls that a player m
 // A name that nothing has, for one that the capture never got: what was an error is one again.
 constexpr std::uint64_t nobody = 0x3FFFFFFF;
 
+// From here on, in place of none: numbers of surfaces that nobody captured.
+constexpr std::uint32_t noSurface = 0x80000000;
+
 struct Surface {
     SurfaceShape shape;
     void* handle = nullptr;

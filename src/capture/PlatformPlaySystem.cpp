@@ -21,6 +21,16 @@ using GetFormatAttributes = BOOL(WINAPI*)(HDC, int, int, UINT, const int*, int*)
 using MakeContextCurrent = BOOL(WINAPI*)(HDC, HDC, HGLRC);
 using CreateContextAttributes = HGLRC(WINAPI*)(HDC, HGLRC, const int*);
 
+// What the system says of its last failure, as the end of a sentence.
+std::string reason() {
+#if defined(_WIN32)
+    return ": error " + std::to_string(GetLastError());
+#else
+    const std::string text = Platform::lastErrorText();
+    return text.empty() ? ": error " + std::to_string(GetLastError()) : ": " + text;
+#endif
+}
+
 HWND makeWindow(int width, int height, bool isShown) {
     static const bool isRegistered = [] {
         WNDCLASSEXA description = {};
@@ -145,7 +155,7 @@ void setFormat(HDC device, int format) {
     description.nSize = sizeof(description);
     DescribePixelFormat(device, format, sizeof(description), &description);
     if (format == 0 || !SetPixelFormat(device, format, &description))
-        throw std::runtime_error("no window of the captured pixel format can be made");
+        throw std::runtime_error("no window of the captured pixel format can be made" + reason());
 }
 
 } // namespace
@@ -244,7 +254,7 @@ void PlatformPlaySystem::makeCurrent(void* draw, void* read, void* context) {
     if (!(isOne ? wglMakeCurrent(device, handle)
                 : extensions().makeCurrent(device, static_cast<Window*>(read)->device(format, isShown_),
                                            handle)))
-        throw std::runtime_error("a context can't be made current");
+        throw std::runtime_error("a context can't be made current" + reason());
     GLint isDouble = 0;
     glGetIntegerv(GL_DOUBLEBUFFER, &isDouble);
     surface.hasOneBuffer = !isDouble;

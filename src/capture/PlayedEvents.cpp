@@ -57,8 +57,8 @@ void CapturePlay::makeCurrent() {
         release(call.thread);
     void* draw = surfaceHandle(call.u32(1));
     if (!draw) {
-        // It drew to framebuffer objects alone.
-        Surface& small = surfaces[0];
+        // It drew to framebuffer objects alone. Each context gets one, since a surface is one thread's.
+        Surface& small = surfaces[noSurface + number];
         if (!small.handle) {
             small.shape.width = small.shape.height = 1;
             small.shape.red = small.shape.green = small.shape.blue = small.shape.alpha = 8;
