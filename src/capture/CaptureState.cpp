@@ -67,9 +67,8 @@ SurfaceBits bitsOf(const CapturedContext& context) {
 
 void CaptureState::noticeContext() {
     handle_ = wglGetCurrentContext();
-    static CapturedContext none;
     if (!handle_) {
-        context_ = &none;
+        context_ = &none_;
         tellCurrent(0, 0);
         return;
     }
@@ -173,11 +172,16 @@ void CaptureState::viewportSet() {
 void CaptureState::shown() {
     const bool isOnSurface =
         !context_->hasFramebuffers || (context_->mayAsk() && context_->integer(GL_FRAMEBUFFER_BINDING) == 0);
-    if (handle_ && context_->hasOneBuffer && isOnSurface)
-        swapping(0);
+    if (handle_ && context_->hasOneBuffer && !context_->isSwapped && isOnSurface)
+        endFrame(0);
 }
 
 void CaptureState::swapping(std::uint64_t id) {
+    context_->isSwapped = true;
+    endFrame(id);
+}
+
+void CaptureState::endFrame(std::uint64_t id) {
     const std::uint64_t current = handle_ ? shared_->surroundings->drawSurface() : 0;
     if (id == 0)
         id = current;

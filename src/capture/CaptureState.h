@@ -128,12 +128,14 @@ private:
     void drawRange(Range range, int instances);
     bool addRange(unsigned int type, const void* indices, int count, Range& range);
     void written(const void* address, std::uint64_t offset, std::uint64_t size);
+    void endFrame(std::uint64_t id);
     std::uint32_t noticeSurface(std::uint64_t id);
     void tellCurrent(std::uint32_t draw, std::uint32_t read);
 
     CaptureShared* shared_;
     void* handle_ = unknownHandle();
-    CapturedContext* context_ = nullptr;
+    CapturedContext none_; // without anything
+    CapturedContext* context_ = &none_;
     std::uint32_t thread_;
     std::array<std::uint32_t, 3> told_ = {}; // context and surfaces
 };

@@ -56,6 +56,7 @@ public:
     bool hasVolumes = false;      ///< 3D images, with their pixel store parameters
     bool hasFramebuffers = false;
     bool hasOneBuffer = false; ///< it draws to the front
+    bool isSwapped = false;    ///< its frames end with swaps all the same
     int textureUnits = 1;
     int attributes = 0;
 

@@ -10,6 +10,7 @@
 #include "capture/Functions.h"
 #include "capture/Records.h"
 
+#include <chrono>
 #include <cstring>
 #include <filesystem>
 #include <iostream>
@@ -123,7 +124,7 @@ public:
         case RecordKind::Call:
             captureOf(process).call(threadOf(kind), bytes, sites_, process);
             if ((++records_ & 0xFFF) == 0)
-                showProgress();
+                lookAtClock();
             return;
         case RecordKind::Data:
             return captureOf(process).data(bytes);
@@ -153,6 +154,17 @@ private:
         return *capture;
     }
 
+    // Now and then, what is there goes to the file: this process may be killed too.
+    void lookAtClock() {
+        showProgress();
+        const auto now = std::chrono::steady_clock::now();
+        if (now - flushed_ < std::chrono::seconds(1))
+            return;
+        flushed_ = now;
+        for (const auto& [process, one] : captures_)
+            one->file().flush();
+    }
+
     void showProgress() {
         const CaptureFileWriter& file = captures_.begin()->second->file();
         progress_.show(counted(file.frameCount(), "frame") + ", " + counted(file.callCount(), "call") + ", " +
@@ -164,6 +176,7 @@ private:
     KnownSites sites_;
     std::map<std::size_t, std::unique_ptr<ProcessCapture>> captures_;
     std::uint64_t records_ = 0;
+    std::chrono::steady_clock::time_point flushed_ = std::chrono::steady_clock::now();
     Progress progress_;
 };
 

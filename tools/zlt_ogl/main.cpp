@@ -52,7 +52,8 @@ context where another one goes on.)";
 
 constexpr const char* captureDescription =
     R"(Runs PROGRAM and writes all of its OpenGL calls, with all that they point at, to a file that `zlt_ogl replay`
-plays without the program. A frame ends with a swap; where a window has one buffer, with glFlush or glFinish.)";
+plays without the program. A frame ends with a swap; in a program that never swaps, with glFlush
+or glFinish.)";
 
 constexpr std::pair<const char*, const char*> playerCommands[] = {
     {"replay", "Draw again what a capture has"}, {"dump", "Write down the calls of a capture"}};

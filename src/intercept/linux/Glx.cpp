@@ -120,6 +120,12 @@ ZLT_INTERCEPTED int64_t glXSwapBuffersMscOML(Display* display, GLXDrawable drawa
     return result;
 }
 
+ZLT_INTERCEPTED void glXCopyContext(Display* display, GLXContext from, GLXContext to, unsigned long mask) {
+    captureIncomplete("what glXCopyContext copies");
+    const Inside driver;
+    ZLT_REAL(glXCopyContext)(display, from, to, mask);
+}
+
 ZLT_INTERCEPTED void glXUseXFont(Font font, int first, int count, int list) {
     if (isCaptured() && makeFontLists(font, first, count, list))
         return;

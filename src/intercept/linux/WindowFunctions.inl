@@ -14,6 +14,7 @@
     X(glXMakeCurrentReadSGI)                                                                                 \
     X(glXSwapBuffers)                                                                                        \
     X(glXSwapBuffersMscOML)                                                                                  \
+    X(glXCopyContext)                                                                                        \
     X(glXUseXFont)                                                                                           \
     X(glXBindTexImageEXT)                                                                                    \
     X(eglGetProcAddress)                                                                                     \
