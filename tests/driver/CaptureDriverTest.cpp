@@ -14,6 +14,7 @@
 #include "extensionator/win/wglInterceptor.h"
 
 #include <filesystem>
+#include <system_error>
 
 using namespace ZLT::OGL;
 using namespace ZLT::Capture;
@@ -117,5 +118,6 @@ TEST_F(CaptureDriverTest, sharedContextsOfTheWglChainArePlayedEqual) {
     EXPECT_EQ("", listener.differences);
     ASSERT_EQ(4u, listener.hashes.size());
     EXPECT_NE(listener.hashes[0], listener.hashes[3]);
-    std::filesystem::remove(path);
+    std::error_code stillOpen; // on Windows, by the reader
+    std::filesystem::remove(path, stillOpen);
 }

@@ -98,6 +98,7 @@ int runCommand(int argc, char** argv) {
     CLI::App app(description, "zlt_ogl");
     app.set_version_flag("--version", ZLT_OGL_VERSION);
     app.require_subcommand(1);
+    app.allow_windows_style_options(false); // "/tmp/game" is a program
     app.formatter(std::make_shared<Help>());
 
     bool json = false;

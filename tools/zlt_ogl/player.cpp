@@ -38,6 +38,7 @@ int run(int argc, char** argv) {
     CLI::App app("Plays what zlt_ogl captured.", "zlt_ogl");
     app.set_version_flag("--version", ZLT_OGL_VERSION);
     app.require_subcommand(1);
+    app.allow_windows_style_options(false); // "/tmp/a.zlt" is a file
     std::string frames, calls;
 
     ReplayOptions replayOptions;
