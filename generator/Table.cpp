@@ -463,13 +463,13 @@ void checkLength(const std::string& length, const EntryPoint& entry, const Rows&
         const bool isKnown = letter == '(' || word == "text" ? std::ranges::count(lengthFunctions, word) > 0
                                                              : isParameter || word.starts_with("GL_");
         if (isIdentifier(word) && !isKnown)
-            rows.fail(word + " in the length '" + length + "' means nothing");
+            rows.fail(word.append(" in the length '").append(length).append("' means nothing"));
         word.clear();
     }
 }
 
 Argument readArgument(const EntryPoint& entry, const Rows& rows) {
-    const Argument argument = {rows.cell(3), rows.cell(4), rows.cell(6)};
+    Argument argument = {rows.cell(3), rows.cell(4), rows.cell(6)};
     constexpr std::string_view directions[] = {"", "in", "out", "array", "address", "kept", "text"};
     if (std::ranges::count(directions, argument.pointer) == 0)
         rows.fail("unknown pointer '" + argument.pointer + "'");

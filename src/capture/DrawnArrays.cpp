@@ -71,6 +71,7 @@ void CaptureState::drawRange(Range range, int instances) {
             drawn.push_back({&array, {begin, end}, elements.first});
     }
     std::vector<Span> spans;
+    spans.reserve(drawn.size());
     for (const Drawn& one : drawn)
         spans.push_back(one.span);
     std::ranges::sort(spans, {}, &Span::begin);

@@ -93,6 +93,16 @@ PlayedAccumulation::Area PlayedAccumulation::areaOf(int width, int height) {
     return area;
 }
 
+namespace {
+
+// Components in a row of an area.
+template <class Area>
+std::ptrdiff_t rowOf(const Area& area) {
+    return 4 * static_cast<std::ptrdiff_t>(area.width);
+}
+
+} // namespace
+
 void PlayedAccumulation::read(const CapturedContext& context, const Area& area, float scale, bool adds) {
     std::vector<float> pixels(static_cast<std::size_t>(area.width) * static_cast<std::size_t>(area.height) *
                               4);
@@ -106,7 +116,7 @@ void PlayedAccumulation::read(const CapturedContext& context, const Area& area, 
             pixels[i] = i % 4 == 3 ? pixels[i] : linearOf(pixels[i]);
     const float* from = pixels.data();
     for (int y = area.y; y < area.y + area.height; ++y)
-        for (std::int16_t *to = at(area.x, y), *end = to + 4 * area.width; to != end; ++to, ++from)
+        for (std::int16_t *to = at(area.x, y), *end = to + rowOf(area); to != end; ++to, ++from)
             *to = static_cast<std::int16_t>((adds ? *to : 0) + cut(*from * scale));
 }
 
@@ -143,7 +153,7 @@ void PlayedAccumulation::accumulate(const CapturedContext& context, int width, i
     case GL_ADD:
     case GL_MULT:
         for (int y = area.y; y < area.y + area.height; ++y)
-            for (std::int16_t *to = at(area.x, y), *end = to + 4 * area.width; to != end; ++to)
+            for (std::int16_t *to = at(area.x, y), *end = to + rowOf(area); to != end; ++to)
                 *to = operation == GL_ADD ? static_cast<std::int16_t>(*to + cut(value * one))
                                           : cut(static_cast<float>(*to) * value);
         return;

@@ -513,7 +513,6 @@ using ZLT::Platform::SetPixelFormat;
 using ZLT::Platform::ShowWindow;
 using ZLT::Platform::SwapBuffers;
 using ZLT::Platform::UnregisterClassA;
-using ZLT::Platform::WindowFromDC;
 using ZLT::Platform::wglCopyContext;
 using ZLT::Platform::wglCreateContext;
 using ZLT::Platform::wglCreateLayerContext;
@@ -533,6 +532,7 @@ using ZLT::Platform::wglUseFontBitmapsA;
 using ZLT::Platform::wglUseFontBitmapsW;
 using ZLT::Platform::wglUseFontOutlinesA;
 using ZLT::Platform::wglUseFontOutlinesW;
+using ZLT::Platform::WindowFromDC;
 
 #endif
 
