@@ -39,7 +39,7 @@ struct CaptureFile::File {
     std::string path, info, damage;
     std::uint64_t size = 0;
     std::vector<Chunk> calls, data; // data in the order of their numbers
-    std::vector<FrameEnd> frames;
+    std::uint64_t frames = 0;
     bool isWhole = false;
 
     // The data that was expanded, with the place of each piece.
@@ -143,24 +143,14 @@ struct CaptureFile::File {
             } else if (chunkHead.kind == ChunkKind::Info) {
                 info = readChunk(one);
             } else if (chunkHead.kind == ChunkKind::Index) {
-                readIndex(readChunk(one), chunkHead.count);
+                readChunk(one); // which has its checksum
+                frames = chunkHead.count;
                 isWhole = true;
             }
             at = one.at + chunkHead.storedSize;
         }
         if (!isWhole)
             damaged(at, "the end is missing: the capture was cut off");
-    }
-
-    void readIndex(const std::string& text, std::uint64_t count) {
-        ByteReader index(text);
-        for (std::uint64_t i = 0; i < count; ++i) {
-            FrameEnd end = {};
-            end.chunk = index.number();
-            end.offset = index.number();
-            end.call = index.number();
-            frames.push_back(end);
-        }
     }
 
     const Pieces& piecesOf(std::size_t number) {
@@ -334,11 +324,11 @@ struct CaptureFile::File {
         return true;
     }
 
-    void goTo(const FrameEnd& place, std::uint64_t newFrame) {
-        chunk = static_cast<std::size_t>(place.chunk);
+    void rewind() {
+        chunk = 0;
         reader = ByteReader({});
-        call = place.call;
-        frame = newFrame;
+        call = 0;
+        frame = 1;
         isAtEnd = false;
     }
 };
@@ -367,7 +357,7 @@ CaptureFile::~CaptureFile() = default;
 
 const std::string& CaptureFile::info() const { return file_->info; }
 const std::string& CaptureFile::damage() const { return file_->damage; }
-std::uint64_t CaptureFile::frameCount() const { return file_->frames.size(); }
+std::uint64_t CaptureFile::frameCount() const { return file_->frames; }
 
 std::uint64_t CaptureFile::callCount() const {
     std::uint64_t count = 0;
@@ -401,12 +391,11 @@ bool CaptureFile::next(CapturedCall& call) {
     }
 }
 
-void CaptureFile::rewind() { file_->goTo({0, 0, 0}, 1); }
+void CaptureFile::rewind() { file_->rewind(); }
 
 void CaptureFile::seekFrame(std::uint64_t frame) {
     rewind();
     CapturedCall call;
-    // Functions and sites are told on the way, so that the way is gone, without the data.
     while (file_->frame < frame && next(call))
         continue;
 }

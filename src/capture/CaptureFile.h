@@ -79,8 +79,8 @@ public:
     bool next(CapturedCall& call);
     /// Goes back to the first record.
     void rewind();
-    /// Goes to the first record of the frame, where the index knows it; else to the first one in front of it
-    /// that is known.
+    /// Goes to the first record of the frame. What is in front of it is read, since functions and sites are
+    /// told there.
     void seekFrame(std::uint64_t frame);
 
     /// "scene.cpp:105"; empty where none is known.

@@ -73,7 +73,7 @@ public:
 
     /// Asks which arrays are enabled, if that is not known.
     void learnArrays();
-    /// The bytes that an image takes; see Sizes.
+    /// The buffer that indices come from; 0 for the client's memory.
     unsigned int elementBuffer() const;
 
 private:

@@ -216,7 +216,7 @@ std::uint64_t CapturePlay::output(std::size_t parameter, const CapturedValue& va
     const std::size_t size =
         value.skipped + value.bytes.size() + std::max<std::size_t>(4096, claimedCount() * 8);
     auto memory = std::make_unique<char[]>(size);
-    for (std::size_t i = 0; i < value.bytes.size(); ++i)
+    for (std::size_t i = 0; options.verifies && i < value.bytes.size(); ++i)
         memory[value.skipped + i] = static_cast<char>(~value.bytes[i]);
     written.push_back({parameter, std::move(memory)});
     return addressOf(written.back().memory.get());

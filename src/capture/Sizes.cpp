@@ -348,9 +348,7 @@ std::uint64_t values(unsigned int pname) {
     return 1;
 }
 
-std::uint64_t indexedValues(unsigned int target) {
-    return target == GL_TRANSFORM_FEEDBACK_BUFFER_START ? 1 : values(target);
-}
+std::uint64_t indexedValues(unsigned int target) { return values(target); }
 
 std::uint64_t clearValues(unsigned int buffer) { return buffer == GL_COLOR ? 4 : 1; }
 

@@ -36,6 +36,10 @@ void Progress::clear() {
     shown_ = 0;
 }
 
+std::string counted(std::uint64_t number, const std::string& noun) {
+    return std::to_string(number) + ' ' + noun + (number == 1 ? "" : "s");
+}
+
 std::string sizeText(std::uint64_t bytes) {
     const char* const units[] = {" KiB", " MiB", " GiB"};
     if (bytes < 1024)

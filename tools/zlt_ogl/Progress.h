@@ -25,6 +25,8 @@ private:
     std::chrono::steady_clock::time_point last_;
 };
 
+/// "1 call", "2 calls".
+std::string counted(std::uint64_t number, const std::string& noun);
 /// "512 bytes", "3.4 MiB".
 std::string sizeText(std::uint64_t bytes);
 

@@ -21,10 +21,6 @@ namespace {
 namespace fs = std::filesystem;
 using namespace Capture;
 
-std::string counted(std::uint64_t number, const std::string& noun) {
-    return std::to_string(number) + ' ' + noun + (number == 1 ? "" : "s");
-}
-
 class Listener : public PlayListener {
 public:
     explicit Listener(const ReplayOptions& options) : options_(options) {}
@@ -39,12 +35,11 @@ public:
             writePng((fs::path(options_.pictures) / name).string(), picture);
     }
     void differs(const CapturedCall& call, const std::string& what) override {
-        if (differences_++ == 0)
+        if (first_.empty())
             first_ = "frame " + std::to_string(call.frame) + ": " + what + " differs" +
                      (call.function->isCall()
                           ? " in call " + std::to_string(call.number) + ", " + call.function->name
                           : "");
-        ++differences_;
     }
     void incomplete(const std::string& what) override {
         if (told_.insert(what).second)
@@ -55,7 +50,6 @@ public:
 
 private:
     const ReplayOptions& options_;
-    std::uint64_t differences_ = 0;
     std::string first_;
     std::set<std::string> told_;
 };

@@ -32,10 +32,6 @@ Sums sumsOf(const ChannelReader& channel) {
 
 } // namespace
 
-std::string counted(unsigned long long number, const std::string& noun) {
-    return std::to_string(number) + ' ' + noun + (number == 1 ? "" : "s");
-}
-
 std::string laterCallsOf(const ChannelReader& channel) {
     const Sums sums = sumsOf(channel);
     std::string later;

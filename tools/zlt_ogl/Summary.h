@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Channels.h"
+#include "Progress.h"
 
 #include <string>
 
@@ -12,8 +13,5 @@ std::string summaryOf(const ChannelReader& channel, const std::string& program, 
 
 /// The functions that were called and not looked at: "glFoo (1 call), glBar (2 calls)"; empty for none.
 std::string laterCallsOf(const ChannelReader& channel);
-
-/// "1 call", "2 calls".
-std::string counted(unsigned long long number, const std::string& noun);
 
 } // namespace ZLT::Interception

@@ -3,10 +3,10 @@
 #include "Capture.h"
 #include "Check.h"
 #include "Frames.h"
+#include "Guarded.h"
 #include "ProgramFile.h"
 #include "Run.h"
 #include "Trace.h"
-#include "zlt/core/Exceptions.h"
 
 #include <CLI/CLI.hpp>
 
@@ -184,18 +184,4 @@ int runCommand(int argc, char** argv) {
 
 } // namespace
 
-int main(int argc, char** argv) {
-    try {
-        return runCommand(argc, argv);
-    } catch (const Refusal& refusal) {
-        std::cerr << "zlt_ogl: " << refusal.what() << ".\n";
-        return refusal.status();
-    } catch (const ZLT::LogicalException& error) {
-        std::cerr << "zlt_ogl: ";
-        error.write(std::cerr);
-        std::cerr << '\n';
-    } catch (const std::exception& error) {
-        std::cerr << "zlt_ogl: " << error.what() << '\n';
-    }
-    return 1;
-}
+int main(int argc, char** argv) { return ZLT::Interception::guarded(runCommand, argc, argv); }

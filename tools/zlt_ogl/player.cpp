@@ -1,9 +1,9 @@
 // What is behind `zlt_ogl replay` and `zlt_ogl dump`.
 
 #include "Dump.h"
+#include "Guarded.h"
 #include "ProgramFile.h"
 #include "Replay.h"
-#include "zlt/core/Exceptions.h"
 
 #include <CLI/CLI.hpp>
 
@@ -86,18 +86,4 @@ int run(int argc, char** argv) {
 
 } // namespace
 
-int main(int argc, char** argv) {
-    try {
-        return run(argc, argv);
-    } catch (const Refusal& refusal) {
-        std::cerr << "zlt_ogl: " << refusal.what() << ".\n";
-        return refusal.status();
-    } catch (const ZLT::LogicalException& error) {
-        std::cerr << "zlt_ogl: ";
-        error.write(std::cerr);
-        std::cerr << '\n';
-    } catch (const std::exception& error) {
-        std::cerr << "zlt_ogl: " << error.what() << ".\n";
-    }
-    return 1;
-}
+int main(int argc, char** argv) { return ZLT::Interception::guarded(run, argc, argv); }

@@ -7,7 +7,6 @@
 #include <GL/gl.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
-#include <dlfcn.h>
 
 #include <cstddef>
 #include <memory>
@@ -32,12 +31,8 @@ struct Xlib {
     bool isWhole = false;
 
     Xlib() {
-        const KeepError kept;
-        void* const library = realDlopen("libX11.so.6", RTLD_LAZY | RTLD_NOLOAD);
-        const auto find = [library](auto& function, const char* name) {
-            using Function = std::remove_reference_t<decltype(function)>;
-            function = library ? reinterpret_cast<Function>(realDlsym(library, name)) : nullptr;
-            return function != nullptr;
+        const auto find = [](auto& function, const char* name) {
+            return findLoaded(function, "libX11.so.6", name);
         };
         isWhole = find(queryFont, "XQueryFont") && find(freeFontInfo, "XFreeFontInfo") &&
                   find(createPixmap, "XCreatePixmap") && find(freePixmap, "XFreePixmap") &&

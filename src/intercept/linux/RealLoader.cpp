@@ -34,6 +34,12 @@ void* realDlsym(void* handle, const char* name) { return real<Dlsym>("dlsym")(ha
 void* realDlopen(const char* file, int flags) { return real<Dlopen>("dlopen")(file, flags); }
 int realDlclose(void* handle) { return real<Dlclose>("dlclose")(handle); }
 
+void* functionOfLoaded(const char* library, const char* name) {
+    const KeepError kept;
+    void* const loaded = realDlopen(library, RTLD_LAZY | RTLD_NOLOAD);
+    return loaded ? realDlsym(loaded, name) : nullptr;
+}
+
 KeepError::KeepError() {
     if (hasKeptError)
         return;

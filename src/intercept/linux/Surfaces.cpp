@@ -9,7 +9,6 @@
 #include <EGL/egl.h>
 #include <GL/glx.h>
 #include <X11/Xlib-xcb.h>
-#include <dlfcn.h>
 #include <xcb/xcb.h>
 
 #include <cstdlib>
@@ -25,15 +24,9 @@ struct Xcb {
     decltype(&xcb_get_geometry_reply) answer = nullptr;
 
     Xcb() {
-        find(connection, "libX11-xcb.so.1", "XGetXCBConnection");
-        find(ask, "libxcb.so.1", "xcb_get_geometry");
-        find(answer, "libxcb.so.1", "xcb_get_geometry_reply");
-    }
-    template <class Function>
-    static void find(Function& function, const char* library, const char* name) {
-        const KeepError kept;
-        if (void* const loaded = realDlopen(library, RTLD_LAZY | RTLD_NOLOAD))
-            function = reinterpret_cast<Function>(realDlsym(loaded, name));
+        findLoaded(connection, "libX11-xcb.so.1", "XGetXCBConnection");
+        findLoaded(ask, "libxcb.so.1", "xcb_get_geometry");
+        findLoaded(answer, "libxcb.so.1", "xcb_get_geometry_reply");
     }
 };
 
