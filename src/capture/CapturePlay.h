@@ -54,6 +54,7 @@ struct Context {
     void* handle = nullptr;
     CapturedContext facts;
     bool isLearnt = false;
+    bool isDoomed = false; // destroyed while a thread has it
     bool hasAccumulation = true;
     std::uint32_t thread = 0; // that has it
     std::uint32_t draw = 0, read = 0;
@@ -127,6 +128,7 @@ struct CapturePlay {
     void makeCurrent();
     void release(std::uint32_t thread);
     void destroy();
+    void destroy(Context& old);
     bool readSurface(std::uint32_t number, Picture& picture);
     void comparePicture();
     void swap();

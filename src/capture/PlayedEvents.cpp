@@ -91,15 +91,22 @@ void CapturePlay::release(std::uint32_t thread) {
     system.makeCurrent(nullptr, nullptr, nullptr);
     old.thread = 0;
     current[thread] = 0;
+    if (old.isDoomed)
+        destroy(old);
 }
 
 void CapturePlay::destroy() {
     const auto found = contexts.find(call.u32(0));
     if (found == contexts.end() || !found->second.handle)
         return;
-    Context& old = found->second;
-    if (old.thread != 0)
-        threads.run(old.thread, [&] { release(old.thread); });
+    // As in GLX and EGL: one that a thread still has goes when the thread lets it go.
+    if (found->second.thread != 0)
+        found->second.isDoomed = true;
+    else
+        destroy(found->second);
+}
+
+void CapturePlay::destroy(Context& old) {
     if (old.group->first == old.handle) {
         // Who comes later shares with another one.
         old.group->first = nullptr;
