@@ -147,4 +147,8 @@ void emitEntryRows(const std::vector<EntryPoint>& entries, const std::filesystem
 /// WglEntryPoints.inl: one macro call for each of the functions of the WGL extensions.
 void emitWglRows(const std::vector<WglFunction>& functions, const std::filesystem::path& directory);
 
+/// Rows of ProjectTemplate, with the content of each file. A file whose name ends with ".in" has words that
+/// are replaced, and its name is without these letters. "others/a.h=/usr/include/a.h" gives it another name.
+void emitFiles(const std::vector<std::string>& files, const std::filesystem::path& output);
+
 } // namespace generator

@@ -302,7 +302,9 @@ void emitCapturedFunctions(const std::vector<EntryPoint>& entries, const std::ve
             form += pointer == "text" ? "t" : pointer == "address" ? "a" : formOf(typeOf(entry.result), {});
             objects += meanings.back().object;
         }
-        rows += list(4, "{", {'"' + form + '"', '"' + names + '"', '"' + objects + '"', '"' + lengths + '"'},
+        rows += list(4, "{",
+                     {'"' + form + '"', '"' + names + '"', '"' + objects + '"', '"' + lengths + '"',
+                      '"' + entry.group + '"'},
                      "},\n");
         players += "    &play<&OpenGLInterceptor::cgm" + entry.name + ">,\n";
     }

@@ -71,12 +71,17 @@ void generate(const std::filesystem::path& tables, const std::filesystem::path& 
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 3) {
-        std::cerr << "usage: zlt_generator TABLES OUTPUT\n";
+    const bool embeds = argc > 3 && argv[1] == std::string("embed");
+    if (argc != 3 && !embeds) {
+        std::cerr << "usage: zlt_generator TABLES OUTPUT\n"
+                     "       zlt_generator embed OUTPUT FILE...\n";
         return 2;
     }
     try {
-        generate(argv[1], argv[2]);
+        if (embeds)
+            generator::emitFiles({argv + 3, argv + argc}, argv[2]);
+        else
+            generate(argv[1], argv[2]);
     } catch (const std::exception& error) {
         std::cerr << "zlt_generator: " << error.what() << '\n';
         return 1;

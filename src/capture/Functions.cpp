@@ -14,6 +14,7 @@ struct EntryRow {
     const char* names;
     const char* objects;
     const char* lengths;
+    const char* group;
 };
 #include "capture/CapturedEntries.inl"
 
@@ -82,6 +83,8 @@ struct AllFunctions {
                                  entryRows[i - firstEntry].names, entryRows[i - firstEntry].objects,
                                  entryRows[i - firstEntry].lengths);
             byNumber[i].number = i;
+            if (i >= firstEntry)
+                byNumber[i].group = entryRows[i - firstEntry].group;
             if (!byNumber[i].name.empty())
                 byName.emplace(byNumber[i].name, &byNumber[i]);
         }

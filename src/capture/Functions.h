@@ -34,6 +34,7 @@ struct Function {
     std::string form;
     std::vector<Parameter> parameters;
     Parameter result;         ///< without a form: none
+    std::string_view group;   ///< what brought it: "GL_VERSION_1_1", "GL_ARB_imaging"; of an event: empty
     std::uint32_t number = 0; ///< of its records, in captures of this version
     bool isCall() const { return number >= firstEntry; }
 };

@@ -1,6 +1,7 @@
 #include "capture/PlayedArrays.h"
 
 #include "capture/CapturedContext.h"
+#include "capture/PlayedEntries.h"
 
 #include <algorithm>
 #include <array>
@@ -45,194 +46,116 @@ std::array<Value, 4> components(const PlayedArray& array, Value one) {
     return values;
 }
 
-// The functions of one kind, by the type of what they take.
-template <class Call>
-bool callByType(const PlayedArray& array, bool isScaled, const Call& call) {
-    const auto with = [&]<class Value>(Value) {
-        // One is the largest value where values stand for a part of it.
-        const Value one =
-            isScaled && std::numeric_limits<Value>::is_integer ? std::numeric_limits<Value>::max() : Value(1);
-        call(components<Value>(array, one));
-        return true;
-    };
+// The call of immediate mode for an element of an array of this kind and type.
+struct ElementEntry {
+    ArrayKind kind;
+    std::uint32_t type;
+    const char* name;
+};
+constexpr ElementEntry elementEntries[] = {
+    {ArrayKind::Color, GL_BYTE, "glColor4bv"},
+    {ArrayKind::Color, GL_UNSIGNED_BYTE, "glColor4ubv"},
+    {ArrayKind::Color, GL_SHORT, "glColor4sv"},
+    {ArrayKind::Color, GL_UNSIGNED_SHORT, "glColor4usv"},
+    {ArrayKind::Color, GL_INT, "glColor4iv"},
+    {ArrayKind::Color, GL_UNSIGNED_INT, "glColor4uiv"},
+    {ArrayKind::Color, GL_FLOAT, "glColor4fv"},
+    {ArrayKind::Color, GL_DOUBLE, "glColor4dv"},
+    {ArrayKind::SecondaryColor, GL_BYTE, "glSecondaryColor3bv"},
+    {ArrayKind::SecondaryColor, GL_UNSIGNED_BYTE, "glSecondaryColor3ubv"},
+    {ArrayKind::SecondaryColor, GL_SHORT, "glSecondaryColor3sv"},
+    {ArrayKind::SecondaryColor, GL_UNSIGNED_SHORT, "glSecondaryColor3usv"},
+    {ArrayKind::SecondaryColor, GL_INT, "glSecondaryColor3iv"},
+    {ArrayKind::SecondaryColor, GL_UNSIGNED_INT, "glSecondaryColor3uiv"},
+    {ArrayKind::SecondaryColor, GL_FLOAT, "glSecondaryColor3fv"},
+    {ArrayKind::SecondaryColor, GL_DOUBLE, "glSecondaryColor3dv"},
+    {ArrayKind::Normal, GL_BYTE, "glNormal3bv"},
+    {ArrayKind::Normal, GL_SHORT, "glNormal3sv"},
+    {ArrayKind::Normal, GL_INT, "glNormal3iv"},
+    {ArrayKind::Normal, GL_FLOAT, "glNormal3fv"},
+    {ArrayKind::Normal, GL_DOUBLE, "glNormal3dv"},
+    {ArrayKind::Vertex, GL_SHORT, "glVertex4sv"},
+    {ArrayKind::Vertex, GL_INT, "glVertex4iv"},
+    {ArrayKind::Vertex, GL_FLOAT, "glVertex4fv"},
+    {ArrayKind::Vertex, GL_DOUBLE, "glVertex4dv"},
+    {ArrayKind::TexCoord, GL_SHORT, "glTexCoord4sv"},
+    {ArrayKind::TexCoord, GL_INT, "glTexCoord4iv"},
+    {ArrayKind::TexCoord, GL_FLOAT, "glTexCoord4fv"},
+    {ArrayKind::TexCoord, GL_DOUBLE, "glTexCoord4dv"},
+    {ArrayKind::Index, GL_UNSIGNED_BYTE, "glIndexubv"},
+    {ArrayKind::Index, GL_SHORT, "glIndexsv"},
+    {ArrayKind::Index, GL_INT, "glIndexiv"},
+    {ArrayKind::Index, GL_FLOAT, "glIndexfv"},
+    {ArrayKind::Index, GL_DOUBLE, "glIndexdv"},
+    {ArrayKind::FogCoord, GL_FLOAT, "glFogCoordfv"},
+    {ArrayKind::FogCoord, GL_DOUBLE, "glFogCoorddv"},
+    {ArrayKind::Attribute, GL_FLOAT, "glVertexAttrib4fv"},
+    {ArrayKind::Attribute, GL_DOUBLE, "glVertexAttrib4dv"},
+    {ArrayKind::Attribute, GL_BYTE, "glVertexAttrib4bv"},
+    {ArrayKind::Attribute, GL_UNSIGNED_BYTE, "glVertexAttrib4ubv"},
+    {ArrayKind::Attribute, GL_SHORT, "glVertexAttrib4sv"},
+    {ArrayKind::Attribute, GL_UNSIGNED_SHORT, "glVertexAttrib4usv"},
+    {ArrayKind::Attribute, GL_INT, "glVertexAttrib4iv"},
+    {ArrayKind::Attribute, GL_UNSIGNED_INT, "glVertexAttrib4uiv"},
+};
+
+// glVertexAttrib4fv takes values as they are, glVertexAttrib4Nubv as parts of the largest, glVertexAttribI4iv
+// keeps them integers.
+std::string nameOfEntry(const PlayedArray& array) {
+    const std::uint32_t type = array.type == GL_HALF_FLOAT ? GL_FLOAT : array.type;
+    for (const ElementEntry& entry : elementEntries) {
+        if (entry.kind != array.kind || entry.type != type)
+            continue;
+        std::string name = entry.name;
+        constexpr std::size_t number = std::char_traits<char>::length("glVertexAttrib");
+        if (array.kind == ArrayKind::Attribute && type != GL_FLOAT && type != GL_DOUBLE) {
+            if (array.flags & arrayIsInteger)
+                name.insert(number, "I");
+            else if (array.flags & arrayIsNormalized)
+                name.insert(number + 1, "N");
+        }
+        // A driver without units has but one.
+        return array.kind == ArrayKind::TexCoord && array.index != 0 ? "glMultiTex" + name.substr(5) : name;
+    }
+    return {}; // of extensions that no driver has which could be asked
+}
+
+template <class Value>
+std::string bytesOf(const PlayedArray& array, bool isScaled) {
+    // One is the largest value where values stand for a part of it.
+    const Value one =
+        isScaled && std::numeric_limits<Value>::is_integer ? std::numeric_limits<Value>::max() : Value(1);
+    const std::array<Value, 4> values = components<Value>(array, one);
+    return {reinterpret_cast<const char*>(values.data()), sizeof values};
+}
+
+std::string bytesOf(const PlayedArray& array) {
+    const bool isScaled = array.kind == ArrayKind::Color || array.kind == ArrayKind::SecondaryColor ||
+                          (array.kind == ArrayKind::Attribute && (array.flags & arrayIsNormalized) != 0);
     switch (array.type) {
     case GL_BYTE:
-        return with(static_cast<signed char>(0));
+        return bytesOf<signed char>(array, isScaled);
     case GL_UNSIGNED_BYTE:
-        return with(static_cast<unsigned char>(0));
+        return bytesOf<unsigned char>(array, isScaled);
     case GL_SHORT:
-        return with(static_cast<short>(0));
+        return bytesOf<short>(array, isScaled);
     case GL_UNSIGNED_SHORT:
-        return with(static_cast<unsigned short>(0));
+        return bytesOf<unsigned short>(array, isScaled);
     case GL_INT:
-        return with(0);
+        return bytesOf<int>(array, isScaled);
     case GL_UNSIGNED_INT:
-        return with(0u);
-    case GL_HALF_FLOAT:
-    case GL_FLOAT:
-        return with(0.0f);
+        return bytesOf<unsigned int>(array, isScaled);
     case GL_DOUBLE:
-        return with(0.0);
+        return bytesOf<double>(array, isScaled);
     default:
-        return false;
+        return bytesOf<float>(array, isScaled);
     }
 }
 
-// By the type of the values, the function of that name with the letters for the type.
-struct Immediate {
-    OGL::OpenGLInterceptor& gl;
-    const PlayedArray& array;
-
-    void color(const std::array<signed char, 4>& v) const { gl.cgmColor4bv(here, 0, v.data()); }
-    void color(const std::array<unsigned char, 4>& v) const { gl.cgmColor4ubv(here, 0, v.data()); }
-    void color(const std::array<short, 4>& v) const { gl.cgmColor4sv(here, 0, v.data()); }
-    void color(const std::array<unsigned short, 4>& v) const { gl.cgmColor4usv(here, 0, v.data()); }
-    void color(const std::array<int, 4>& v) const { gl.cgmColor4iv(here, 0, v.data()); }
-    void color(const std::array<unsigned int, 4>& v) const { gl.cgmColor4uiv(here, 0, v.data()); }
-    void color(const std::array<float, 4>& v) const { gl.cgmColor4fv(here, 0, v.data()); }
-    void color(const std::array<double, 4>& v) const { gl.cgmColor4dv(here, 0, v.data()); }
-
-    void secondary(const std::array<signed char, 4>& v) const { gl.cgmSecondaryColor3bv(here, 0, v.data()); }
-    void secondary(const std::array<unsigned char, 4>& v) const {
-        gl.cgmSecondaryColor3ubv(here, 0, v.data());
-    }
-    void secondary(const std::array<short, 4>& v) const { gl.cgmSecondaryColor3sv(here, 0, v.data()); }
-    void secondary(const std::array<unsigned short, 4>& v) const {
-        gl.cgmSecondaryColor3usv(here, 0, v.data());
-    }
-    void secondary(const std::array<int, 4>& v) const { gl.cgmSecondaryColor3iv(here, 0, v.data()); }
-    void secondary(const std::array<unsigned int, 4>& v) const {
-        gl.cgmSecondaryColor3uiv(here, 0, v.data());
-    }
-    void secondary(const std::array<float, 4>& v) const { gl.cgmSecondaryColor3fv(here, 0, v.data()); }
-    void secondary(const std::array<double, 4>& v) const { gl.cgmSecondaryColor3dv(here, 0, v.data()); }
-
-    void normal(const std::array<signed char, 4>& v) const { gl.cgmNormal3bv(here, 0, v.data()); }
-    void normal(const std::array<short, 4>& v) const { gl.cgmNormal3sv(here, 0, v.data()); }
-    void normal(const std::array<int, 4>& v) const { gl.cgmNormal3iv(here, 0, v.data()); }
-    void normal(const std::array<float, 4>& v) const { gl.cgmNormal3fv(here, 0, v.data()); }
-    void normal(const std::array<double, 4>& v) const { gl.cgmNormal3dv(here, 0, v.data()); }
-    template <class Value>
-    void normal(const std::array<Value, 4>&) const {} // GL has no such arrays
-
-    void vertex(const std::array<short, 4>& v) const { gl.cgmVertex4sv(here, 0, v.data()); }
-    void vertex(const std::array<int, 4>& v) const { gl.cgmVertex4iv(here, 0, v.data()); }
-    void vertex(const std::array<float, 4>& v) const { gl.cgmVertex4fv(here, 0, v.data()); }
-    void vertex(const std::array<double, 4>& v) const { gl.cgmVertex4dv(here, 0, v.data()); }
-    template <class Value>
-    void vertex(const std::array<Value, 4>&) const {}
-
-    // A driver without units has but one.
-    unsigned int unit() const { return GL_TEXTURE0 + array.index; }
-    void texCoord(const std::array<short, 4>& v) const {
-        array.index == 0 ? gl.cgmTexCoord4sv(here, 0, v.data())
-                         : gl.cgmMultiTexCoord4sv(here, 0, unit(), v.data());
-    }
-    void texCoord(const std::array<int, 4>& v) const {
-        array.index == 0 ? gl.cgmTexCoord4iv(here, 0, v.data())
-                         : gl.cgmMultiTexCoord4iv(here, 0, unit(), v.data());
-    }
-    void texCoord(const std::array<float, 4>& v) const {
-        array.index == 0 ? gl.cgmTexCoord4fv(here, 0, v.data())
-                         : gl.cgmMultiTexCoord4fv(here, 0, unit(), v.data());
-    }
-    void texCoord(const std::array<double, 4>& v) const {
-        array.index == 0 ? gl.cgmTexCoord4dv(here, 0, v.data())
-                         : gl.cgmMultiTexCoord4dv(here, 0, unit(), v.data());
-    }
-    template <class Value>
-    void texCoord(const std::array<Value, 4>&) const {}
-
-    template <class Value>
-    void index(const std::array<Value, 4>& v) const {
-        const auto value = static_cast<double>(v[0]);
-        gl.cgmIndexdv(here, 0, &value);
-    }
-    template <class Value>
-    void fog(const std::array<Value, 4>& v) const {
-        const auto value = static_cast<double>(v[0]);
-        gl.cgmFogCoorddv(here, 0, &value);
-    }
-
-    void attribute(const std::array<float, 4>& v) const {
-        gl.cgmVertexAttrib4fv(here, 0, array.index, v.data());
-    }
-    void attribute(const std::array<double, 4>& v) const {
-        gl.cgmVertexAttrib4dv(here, 0, array.index, v.data());
-    }
-    void attribute(const std::array<signed char, 4>& v) const {
-        isInteger()      ? gl.cgmVertexAttribI4bv(here, 0, array.index, v.data())
-        : isNormalized() ? gl.cgmVertexAttrib4Nbv(here, 0, array.index, v.data())
-                         : gl.cgmVertexAttrib4bv(here, 0, array.index, v.data());
-    }
-    void attribute(const std::array<unsigned char, 4>& v) const {
-        isInteger()      ? gl.cgmVertexAttribI4ubv(here, 0, array.index, v.data())
-        : isNormalized() ? gl.cgmVertexAttrib4Nubv(here, 0, array.index, v.data())
-                         : gl.cgmVertexAttrib4ubv(here, 0, array.index, v.data());
-    }
-    void attribute(const std::array<short, 4>& v) const {
-        isInteger()      ? gl.cgmVertexAttribI4sv(here, 0, array.index, v.data())
-        : isNormalized() ? gl.cgmVertexAttrib4Nsv(here, 0, array.index, v.data())
-                         : gl.cgmVertexAttrib4sv(here, 0, array.index, v.data());
-    }
-    void attribute(const std::array<unsigned short, 4>& v) const {
-        isInteger()      ? gl.cgmVertexAttribI4usv(here, 0, array.index, v.data())
-        : isNormalized() ? gl.cgmVertexAttrib4Nusv(here, 0, array.index, v.data())
-                         : gl.cgmVertexAttrib4usv(here, 0, array.index, v.data());
-    }
-    void attribute(const std::array<int, 4>& v) const {
-        isInteger()      ? gl.cgmVertexAttribI4iv(here, 0, array.index, v.data())
-        : isNormalized() ? gl.cgmVertexAttrib4Niv(here, 0, array.index, v.data())
-                         : gl.cgmVertexAttrib4iv(here, 0, array.index, v.data());
-    }
-    void attribute(const std::array<unsigned int, 4>& v) const {
-        isInteger()      ? gl.cgmVertexAttribI4uiv(here, 0, array.index, v.data())
-        : isNormalized() ? gl.cgmVertexAttrib4Nuiv(here, 0, array.index, v.data())
-                         : gl.cgmVertexAttrib4uiv(here, 0, array.index, v.data());
-    }
-    bool isInteger() const { return (array.flags & arrayIsInteger) != 0; }
-    bool isNormalized() const { return (array.flags & arrayIsNormalized) != 0; }
-
-    void play() const {
-        switch (array.kind) {
-        case ArrayKind::Color:
-            callByType(array, true, [this](const auto& v) { color(v); });
-            break;
-        case ArrayKind::SecondaryColor:
-            callByType(array, true, [this](const auto& v) { secondary(v); });
-            break;
-        case ArrayKind::Normal:
-            callByType(array, true, [this](const auto& v) { normal(v); });
-            break;
-        case ArrayKind::Vertex:
-            callByType(array, false, [this](const auto& v) { vertex(v); });
-            break;
-        case ArrayKind::TexCoord:
-            callByType(array, false, [this](const auto& v) { texCoord(v); });
-            break;
-        case ArrayKind::Index:
-            callByType(array, false, [this](const auto& v) { index(v); });
-            break;
-        case ArrayKind::FogCoord:
-            callByType(array, false, [this](const auto& v) { fog(v); });
-            break;
-        case ArrayKind::EdgeFlag:
-            if (!array.bytes.empty())
-                gl.cgmEdgeFlag(here, 0, static_cast<unsigned char>(array.bytes.front()));
-            break;
-        case ArrayKind::Attribute:
-            callByType(array, isNormalized(), [this](const auto& v) { attribute(v); });
-            break;
-        default:
-            break; // of extensions that no driver has which could be asked
-        }
-    }
-
-    // It makes the vertex, and so it comes last.
-    bool isVertex() const {
-        return array.kind == ArrayKind::Vertex || (array.kind == ArrayKind::Attribute && array.index == 0);
-    }
-};
+// It makes the vertex, and so it comes last.
+bool isVertex(const PlayedArray& array) {
+    return array.kind == ArrayKind::Vertex || (array.kind == ArrayKind::Attribute && array.index == 0);
+}
 
 } // namespace
 
@@ -315,11 +238,38 @@ void ArraysForDraw::point(const PlayedArray& array) const {
     }
 }
 
-void playElement(OGL::OpenGLInterceptor& gl, const std::vector<PlayedArray>& arrays) {
+std::vector<ElementCall> elementCalls(const std::vector<PlayedArray>& arrays) {
+    std::vector<ElementCall> calls;
     for (const bool last : {false, true})
-        for (const PlayedArray& array : arrays)
-            if (const Immediate immediate{gl, array}; immediate.isVertex() == last)
-                immediate.play();
+        for (const PlayedArray& array : arrays) {
+            if (isVertex(array) != last || array.bytes.empty())
+                continue;
+            const bool isFlag = array.kind == ArrayKind::EdgeFlag;
+            const Function* const function = functionNamed(isFlag ? "glEdgeFlag" : nameOfEntry(array));
+            if (!function)
+                continue;
+            ElementCall one = {function, std::nullopt,
+                               isFlag ? std::string(1, array.bytes[0]) : bytesOf(array)};
+            if (array.kind == ArrayKind::Attribute)
+                one.index = array.index;
+            else if (array.kind == ArrayKind::TexCoord && array.index != 0)
+                one.index = GL_TEXTURE0 + array.index;
+            calls.push_back(std::move(one));
+        }
+    return calls;
+}
+
+void playElement(OGL::OpenGLInterceptor& gl, const std::vector<PlayedArray>& arrays) {
+    for (const ElementCall& one : elementCalls(arrays)) {
+        std::uint64_t arguments[2] = {}, result = 0;
+        std::size_t count = 0;
+        if (one.index)
+            arguments[count++] = *one.index;
+        arguments[count] = one.function->parameters.back().form == 'p'
+                               ? reinterpret_cast<std::uintptr_t>(one.bytes.data())
+                               : static_cast<unsigned char>(one.bytes[0]);
+        playerOf(one.function->number - firstEntry)(gl, here, 0, arguments, result);
+    }
 }
 
 } // namespace ZLT::Capture

@@ -1,10 +1,11 @@
 #pragma once
 
-#include "capture/Records.h"
+#include "capture/Functions.h"
 #include "extensionator/OpenGLInterceptor.h"
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -44,6 +45,15 @@ private:
     const CapturedContext& context_;
     int buffer_ = 0;
 };
+
+/// A call of immediate mode.
+struct ElementCall {
+    const Function* function;
+    std::optional<std::uint32_t> index; ///< an attribute, or a texture unit
+    std::string bytes;                  ///< four components, or a flag
+};
+/// What glArrayElement does, for arrays whose element these are. The call for the vertex is the last.
+std::vector<ElementCall> elementCalls(const std::vector<PlayedArray>& arrays);
 
 /// What glArrayElement does, for arrays whose element these are: the calls of immediate mode, of which that
 /// for the vertex is the last. Between glBegin and glEnd no array can be pointed anywhere.

@@ -56,7 +56,9 @@ plays without the program. A frame ends with a swap; in a program that never swa
 or glFinish.)";
 
 constexpr std::pair<const char*, const char*> playerCommands[] = {
-    {"replay", "Draw again what a capture has"}, {"dump", "Write down the calls of a capture"}};
+    {"replay", "Draw again what a capture has"},
+    {"dump", "Write down the calls of a capture"},
+    {"export", "Write a capture as a C++ project that needs nothing of this"}};
 
 // What stands after the options, or after `--`: the program and all that is its own, dashes of its own too.
 std::vector<std::string> programOf(const CLI::App& command, std::span<char*> fromDashes) {

@@ -1,6 +1,7 @@
 // What is behind `zlt_ogl replay` and `zlt_ogl dump`.
 
 #include "Dump.h"
+#include "Export.h"
 #include "Guarded.h"
 #include "ProgramFile.h"
 #include "Replay.h"
@@ -26,6 +27,10 @@ constexpr const char* dumpDescription =
 
 with the number of the call, what pointers point at (-> for what came back), and comments where frames and threads
 begin. What is large has its size in place of it.)";
+
+constexpr const char* exportDescription =
+    R"(Writes a capture as a C++ project that makes the same calls: a statement for each, with where the program made it.
+The project needs a compiler, CMake and GLFW 3.3, and nothing of zlt_ogl.)";
 
 void readRange(const std::string& text, Frames& range, const std::string& what) {
     if (text.empty())
@@ -63,6 +68,15 @@ int run(int argc, char** argv) {
     dumpCommand.add_option("--calls", calls, "only these, by their numbers")->type_name("A-B");
     dumpCommand.add_flag("--json", dumpOptions.isJson, "for programs: an object a line");
 
+    ExportOptions exportOptions;
+    CLI::App& exportCommand = *app.add_subcommand("export", exportDescription);
+    exportCommand.add_option("FILE", exportOptions.file, "the capture")->required();
+    exportCommand.add_option("FOLDER", exportOptions.folder, "the project's, which is new or empty")
+        ->required();
+    exportCommand.add_option("--frames", frames, "only these: 3, 3-7, 3-")->type_name("A-B");
+    exportCommand.add_option("--name", exportOptions.name, "the program's name; else that of FOLDER")
+        ->type_name("NAME");
+
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
@@ -75,6 +89,10 @@ int run(int argc, char** argv) {
         readRange(frames, dumpOptions.frames, "frame");
         readRange(calls, dumpOptions.calls, "call");
         return dump(dumpOptions);
+    }
+    if (exportCommand.parsed()) {
+        readRange(frames, exportOptions.frames, "frame");
+        return exportProject(exportOptions);
     }
     readRange(frames, replayOptions.frames, "frame");
 #if !defined(_WIN32)

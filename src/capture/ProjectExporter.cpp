@@ -1,0 +1,16 @@
+#include "capture/ProjectExporter.h"
+
+#include "capture/exporting/ExportedState.h"
+
+namespace ZLT::Capture {
+
+ProjectExporter::ProjectExporter(CaptureFile& file, const ExportOptions& options)
+    : export_(std::make_unique<ProjectExport>(file, options)) {}
+ProjectExporter::~ProjectExporter() = default;
+
+bool ProjectExporter::exportFrame() { return export_->exportFrame(); }
+void ProjectExporter::finish() { export_->finish(); }
+std::uint64_t ProjectExporter::frameCount() const { return export_->files.frameCount(); }
+std::uint64_t ProjectExporter::callCount() const { return export_->facts.calls; }
+
+} // namespace ZLT::Capture
