@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <unordered_map>
 
 #undef glDrawBuffer
 #undef glReadBuffer
@@ -27,7 +28,8 @@ GLAPI void APIENTRY glPixelZoom(GLfloat x, GLfloat y);
 GLAPI void APIENTRY glDisable(GLenum name);
 GLAPI void APIENTRY glReadPixels(GLint x, GLint y, GLsizei width, GLsizei height, GLenum format, GLenum type,
                                  void* pixels);
-GLAPI void APIENTRY glDrawPixels(GLsizei width, GLsizei height, GLenum format, GLenum type, const void* pixels);
+GLAPI void APIENTRY glDrawPixels(GLsizei width, GLsizei height, GLenum format, GLenum type,
+                                 const void* pixels);
 }
 
 namespace {
@@ -101,7 +103,8 @@ public:
         }
         glPixelTransferi(0x0D10, 0); // GL_MAP_COLOR
         for (const GLenum name : {0x0BC0, 0x0BE2, 0x0BF2, 0x8458, 0x0B71, 0x0BD0, 0x0B60, 0x0BF1, 0x0B90})
-            glDisable(name); // alpha test, blending, logic op, color sum, depth test, dither, fog, stencil test
+            glDisable(
+                name); // alpha test, blending, logic op, color sum, depth test, dither, fog, stencil test
         for (const GLenum name : {0x8620, 0x8804}) // programs in assembly
             if (current_context->has(name == 0x8620 ? "GL_ARB_vertex_program" : "GL_ARB_fragment_program"))
                 glDisable(name);
@@ -155,17 +158,19 @@ std::int16_t* at(Accumulation& buffer, int x, int y) {
 bool is_linear() { return current_surface->format.is_srgb_; }
 
 void load(Accumulation& buffer, const Area& area, float scale, bool adds) {
-    std::vector<float> pixels(static_cast<std::size_t>(area.width) * static_cast<std::size_t>(area.height) * 4);
+    std::vector<float> pixels(static_cast<std::size_t>(area.width) * static_cast<std::size_t>(area.height) *
+                              4);
     {
         const PlainPixels plain;
-        glReadPixels(area.x, area.y, area.width, area.height, 0x1908, 0x1406, pixels.data()); // GL_RGBA, GL_FLOAT
+        glReadPixels(area.x, area.y, area.width, area.height, 0x1908, 0x1406,
+                     pixels.data()); // GL_RGBA, GL_FLOAT
     }
     const float* from = pixels.data();
     for (int y = area.y; y < area.y + area.height; ++y)
         for (int i = 0; i < 4 * area.width; ++i, ++from) {
             std::int16_t& to = at(buffer, area.x, y)[i];
-            to = static_cast<std::int16_t>((adds ? to : 0) +
-                                           cut((is_linear() && i % 4 != 3 ? linear_of(*from) : *from) * scale));
+            to = static_cast<std::int16_t>(
+                (adds ? to : 0) + cut((is_linear() && i % 4 != 3 ? linear_of(*from) : *from) * scale));
         }
 }
 
@@ -177,8 +182,8 @@ void give_back(Accumulation& buffer, const Area& area, float scale) {
     for (int y = area.y; y < area.y + area.height; ++y)
         for (int i = 0; i < 4 * area.width; ++i) {
             const float value = std::clamp(static_cast<float>(at(buffer, area.x, y)[i]) * scale, 0.0f, 1.0f);
-            pixels.push_back(
-                static_cast<unsigned char>(std::lrint((is_linear() && i % 4 != 3 ? srgb_of(value) : value) * 255)));
+            pixels.push_back(static_cast<unsigned char>(
+                std::lrint((is_linear() && i % 4 != 3 ? srgb_of(value) : value) * 255)));
         }
     const PlainPixels plain;
     window_pos(area.x, area.y);
@@ -244,7 +249,8 @@ void accumulate(GLenum operation, GLfloat value) {
     case 0x0103: // GL_MULT
     case 0x0104: // GL_ADD
         for (int y = area.y; y < area.y + area.height; ++y)
-            for (std::int16_t *to = at(buffer, area.x, y), *end = to + 4 * static_cast<std::ptrdiff_t>(area.width);
+            for (std::int16_t *to = at(buffer, area.x, y),
+                              *end = to + 4 * static_cast<std::ptrdiff_t>(area.width);
                  to != end; ++to)
                 *to = operation == 0x0104 ? static_cast<std::int16_t>(*to + cut(value * one))
                                           : cut(static_cast<float>(*to) * value);

@@ -25,12 +25,12 @@ void gl_load(void* (*address_of)(const char* name), void (*missing)(const char* 
     is_loaded = true;
     (void)address_of;
     (void)missing;
-#define GL_FUNCTION(result, name, parameters) \
-    if (void* const address = address_of(#name)) { \
-        std::memcpy(&loaded::name, &address, sizeof address); \
-    } else { \
-        missing(#name); \
-        leave_out(loaded::name); \
+#define GL_FUNCTION(result, name, parameters)                                                                \
+    if (void* const address = address_of(#name)) {                                                           \
+        std::memcpy(&loaded::name, &address, sizeof address);                                                \
+    } else {                                                                                                 \
+        missing(#name);                                                                                      \
+        leave_out(loaded::name);                                                                             \
     }
 #include "gl_functions.inl"
 #undef GL_FUNCTION

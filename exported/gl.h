@@ -1,5 +1,5 @@
-// OpenGL as the frames call it. Functions of OpenGL 1.1 are linked, all others are loaded by address, so that the
-// headers of the system don't matter.
+// OpenGL as the frames call it. Functions of OpenGL 1.1 are linked, all others are loaded by address, so that
+// the headers of the system don't matter.
 #pragma once
 
 #include "gl_constants.h"
@@ -33,10 +33,10 @@ using GLsync = struct __GLsync*;
 
 #define GL_1_1_FUNCTION(result, name, parameters) extern "C" GLAPI result APIENTRY name parameters;
 // In a namespace, so that no library takes them for its own functions.
-#define GL_FUNCTION(result, name, parameters) \
-    namespace loaded { \
-    extern result(APIENTRY* name) parameters; \
-    } \
+#define GL_FUNCTION(result, name, parameters)                                                                \
+    namespace loaded {                                                                                       \
+    extern result(APIENTRY* name) parameters;                                                                \
+    }                                                                                                        \
     using loaded::name;
 #include "gl_functions.inl"
 #undef GL_1_1_FUNCTION

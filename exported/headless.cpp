@@ -204,7 +204,8 @@ private:
             compare(EGL_ALPHA_SIZE, format.alpha_, 1000);
             compare(EGL_SAMPLES, format.samples_, 500);
             // More bits round elsewhere, and fewer much more so.
-            for (const auto& [name, wanted] : {std::pair(EGL_DEPTH_SIZE, format.depth_), {EGL_STENCIL_SIZE, format.stencil_}})
+            for (const auto& [name, wanted] :
+                 {std::pair(EGL_DEPTH_SIZE, format.depth_), {EGL_STENCIL_SIZE, format.stencil_}})
                 compare(name, wanted, value_of(config, name) < wanted ? 10 : 2);
             if (distance < least) {
                 least = distance;
@@ -220,7 +221,8 @@ private:
         const Version& version = its.version_wanted;
         std::vector<EGLint> attributes;
         if (version.is_core_ || version.is_forward_compatible_) {
-            attributes = {EGL_CONTEXT_MAJOR_VERSION, version.major_, EGL_CONTEXT_MINOR_VERSION, version.minor_};
+            attributes = {EGL_CONTEXT_MAJOR_VERSION, version.major_, EGL_CONTEXT_MINOR_VERSION,
+                          version.minor_};
             if (version.is_forward_compatible_)
                 attributes.insert(attributes.end(), {EGL_CONTEXT_OPENGL_FORWARD_COMPATIBLE, 1});
             if (version.is_core_)
@@ -232,13 +234,14 @@ private:
         its.handle = egl.createContext(display, config, its.shares_with ? its.shares_with->handle : nullptr,
                                        attributes.data());
         if (!its.handle)
-            fail("no context of version " + std::to_string(version.major_) + '.' + std::to_string(version.minor_) +
-                 " can be made");
+            fail("no context of version " + std::to_string(version.major_) + '.' +
+                 std::to_string(version.minor_) + " can be made");
     }
 
     EGLSurface pbuffer(Surface* surface, EGLConfig config) const {
         EGLSurface& its = static_cast<HeadlessSurface*>(surface)->pbuffers[config];
-        const EGLint size[] = {EGL_WIDTH, surface->format.width_, EGL_HEIGHT, surface->format.height_, EGL_NONE};
+        const EGLint size[] = {EGL_WIDTH, surface->format.width_, EGL_HEIGHT, surface->format.height_,
+                               EGL_NONE};
         if (!its)
             its = egl.createPbufferSurface(display, config, size);
         if (!its)

@@ -36,7 +36,8 @@ std::string number_of(std::size_t index) { return std::to_string(first_frame + i
 
 void write_picture(const std::vector<unsigned char>& pixels, int width, int height) {
     char name[40];
-    std::snprintf(name, sizeof name, "/frame-%06llu.png", static_cast<unsigned long long>(first_frame + frame));
+    std::snprintf(name, sizeof name, "/frame-%06llu.png",
+                  static_cast<unsigned long long>(first_frame + frame));
     const std::string path = options.pictures + name;
     std::ofstream to(path, std::ios::binary);
     const auto write = [](void* stream, void* bytes, int size) {
@@ -78,7 +79,8 @@ int run(int count, char** words) {
     }
     file = std::make_unique<MappedFile>(path_of_data(words[0]));
     for (long time = 0; time < times && !is_ended; ++time) {
-        const std::unique_ptr<System> system = is_headless ? make_headless_system() : make_window_system(true);
+        const std::unique_ptr<System> system =
+            is_headless ? make_headless_system() : make_window_system(true);
         the_system = system.get();
         for (frame = 0; frame <= frame_count && !is_ended; ++frame)
             frames[frame].play();

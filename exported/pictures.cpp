@@ -75,8 +75,8 @@ public:
     PlainTransfer& operator=(const PlainTransfer&) = delete;
 
 private:
-    // Scales and biases are one behind the other (GL_RED_SCALE, GL_RED_BIAS, GL_GREEN_SCALE, ...), or four and
-    // four.
+    // Scales and biases are one behind the other (GL_RED_SCALE, GL_RED_BIAS, GL_GREEN_SCALE, ...), or four
+    // and four.
     static void scale(GLenum first, GLenum step) {
         const GLenum bias = first + (step == 2 ? 1 : 4);
         for (GLenum i = 0; i < 4; ++i) {
@@ -152,7 +152,8 @@ std::vector<unsigned char> read_picture(int width, int height) {
     const bool is_new = now.is_version(3, 0) || now.has("GL_ARB_framebuffer_object");
     std::unique_ptr<Unbound> framebuffer, buffer;
     if (is_new || now.has("GL_EXT_framebuffer_blit")) // GL_READ_FRAMEBUFFER
-        framebuffer = std::make_unique<Unbound>(is_new ? "glBindFramebuffer" : "glBindFramebufferEXT", 0x8CA8, 0x8CAA);
+        framebuffer =
+            std::make_unique<Unbound>(is_new ? "glBindFramebuffer" : "glBindFramebufferEXT", 0x8CA8, 0x8CAA);
     else if (now.has("GL_EXT_framebuffer_object"))
         framebuffer = std::make_unique<Unbound>("glBindFramebufferEXT", 0x8D40, 0x8CA6);
     if (now.is_version(2, 1) || now.has("GL_ARB_pixel_buffer_object")) // GL_PIXEL_PACK_BUFFER

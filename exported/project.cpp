@@ -11,6 +11,8 @@
 #include <cstdio>
 #include <limits>
 #include <memory>
+#include <unordered_map>
+#include <vector>
 
 // ---- Memory --------------------------------------------------------------------------------------------
 
@@ -62,7 +64,8 @@ GLuint* selection(GLsizei size) {
 }
 
 template <class Value>
-static void expect(const std::vector<Value>& memory, const void* captured, std::size_t size, const char* what) {
+static void expect(const std::vector<Value>& memory, const void* captured, std::size_t size,
+                   const char* what) {
     compared += options.verifies;
     if (options.verifies &&
         (size > memory.size() * sizeof(Value) || std::memcmp(memory.data(), captured, size) != 0))
@@ -107,24 +110,65 @@ read_back::~read_back() {
 
 void write(void* mapped, std::size_t offset, Memory from, std::size_t size) {
     if (mapped)
-        std::memcpy(static_cast<unsigned char*>(mapped) + offset, static_cast<const unsigned char*>(from), size);
+        std::memcpy(static_cast<unsigned char*>(mapped) + offset, static_cast<const unsigned char*>(from),
+                    size);
 }
 
 // ---- Objects -------------------------------------------------------------------------------------------
 
-Names::Made::Made(Names& names, std::vector<GLuint> numbers)
-    : names_(names), numbers_(std::move(numbers)), made_(numbers_.size() + 1) {}
+template <class Value>
+struct Table<Value>::Values {
+    std::vector<Value> small = std::vector<Value>(64);
+    std::unordered_map<std::uint32_t, Value> large;
+};
+
+template <class Value>
+Table<Value>::Table() : values_(new Values) {}
+
+template <class Value>
+Table<Value>::~Table() {
+    delete values_;
+}
+
+template <class Value>
+Value& Table<Value>::operator[](std::uint32_t number) {
+    if (number < values_->small.size())
+        return values_->small[number];
+    if (number >= 4096)
+        return values_->large[number];
+    values_->small.resize(4096);
+    return values_->small[number];
+}
+
+template <class Value>
+void Table<Value>::clear() {
+    *values_ = Values();
+}
+
+template class Table<GLuint>;
+template class Table<Program>;
+template class Table<GLsync>;
+template class Table<void*>;
+template class Table<Surface*>;
+template class Table<Context*>;
+
+Names::Made::Made(Names& names, const GLuint* numbers, std::size_t count)
+    : names_(names), made_(new GLuint[2 * count + 1]()), count_(count) {
+    std::copy_n(numbers, count, made_ + count);
+}
 
 Names::Made::~Made() {
-    for (std::size_t i = 0; i < numbers_.size(); ++i)
-        names_[numbers_[i]] = made_[i];
+    for (std::size_t i = 0; i < count_; ++i)
+        names_[made_[count_ + i]] = made_[i];
+    delete[] made_;
 }
 
 const GLuint* Names::list(const GLuint* numbers, std::size_t count) {
-    list_.clear();
+    static std::vector<GLuint> now;
+    now.clear();
     for (std::size_t i = 0; i < count; ++i)
-        list_.push_back(numbers[i] == 0 ? 0 : (*this)[numbers[i]]);
-    return list_.data();
+        now.push_back(numbers[i] == 0 ? 0 : (*this)[numbers[i]]);
+    return now.data();
 }
 
 GLint Program::location_of(const char* variable) const {
@@ -190,9 +234,8 @@ void make_current(Context* next, Surface* draw, Surface* from) {
     the_system->make_current(next, draw, from ? from : draw);
     current_context = next;
     current_surface = draw;
-    gl_load(
-        [](const char* name) { return the_system->function(name); },
-        [](const char* name) { std::fprintf(stderr, "this driver has no %s: it is left out\n", name); });
+    gl_load([](const char* name) { return the_system->function(name); },
+            [](const char* name) { std::fprintf(stderr, "this driver has no %s: it is left out\n", name); });
     if (!next->is_learnt)
         next->learn();
 }

@@ -3,12 +3,10 @@
 
 #include "gl.h"
 
+// All frames include this: what is large stays out of it.
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <initializer_list>
-#include <unordered_map>
-#include <vector>
 
 // ---- Memory --------------------------------------------------------------------------------------------
 
@@ -25,7 +23,8 @@ private:
     void* address_;
 };
 
-// Bytes of data.bin. `skipped` bytes in front of them are part of what GL was given, but it doesn't read them.
+// Bytes of data.bin. `skipped` bytes in front of them are part of what GL was given, but it doesn't read
+// them.
 Memory data(std::size_t offset, std::size_t size, std::size_t skipped = 0);
 // An offset in the buffer object that is bound.
 inline Memory offset(std::size_t bytes) { return Memory(reinterpret_cast<void*>(bytes)); }
@@ -47,9 +46,13 @@ inline const GLubyte* ubytes(const std::initializer_list<GLubyte>& values) { ret
 inline const GLint64* int64s(const std::initializer_list<GLint64>& values) { return values.begin(); }
 inline const GLuint64* uint64s(const std::initializer_list<GLuint64>& values) { return values.begin(); }
 // The texts of a shader.
-inline const GLchar* const* texts(const std::initializer_list<const GLchar*>& values) { return values.begin(); }
+inline const GLchar* const* texts(const std::initializer_list<const GLchar*>& values) {
+    return values.begin();
+}
 // The lists of indices of a call that draws several.
-inline const void* const* pointers(const std::initializer_list<const void*>& values) { return values.begin(); }
+inline const void* const* pointers(const std::initializer_list<const void*>& values) {
+    return values.begin();
+}
 
 // Floats that have no literal.
 GLfloat float_of(std::uint32_t bits);
@@ -87,23 +90,16 @@ private:
 template <class Value>
 class Table {
 public:
-    Value& operator[](std::uint32_t number) {
-        if (number < small_.size())
-            return small_[number];
-        return number < 4096 ? grow(number) : large_[number];
-    }
-    void clear() {
-        small_.clear();
-        large_.clear();
-    }
+    Table();
+    ~Table();
+    Table(const Table&) = delete;
+    Table& operator=(const Table&) = delete;
+    Value& operator[](std::uint32_t number);
+    void clear();
 
 private:
-    Value& grow(std::uint32_t number) {
-        small_.resize(number + 1);
-        return small_[number];
-    }
-    std::vector<Value> small_;
-    std::unordered_map<std::uint32_t, Value> large_;
+    struct Values;
+    Values* values_;
 };
 
 // Names that GL gives: texture[3] is what the texture with the name 3 is called now.
@@ -112,18 +108,21 @@ public:
     // For a call that makes objects: they get these numbers.
     class Made {
     public:
-        Made(Names& names, std::vector<GLuint> numbers);
+        Made(Names& names, const GLuint* numbers, std::size_t count);
         ~Made();
         Made(const Made&) = delete;
         Made& operator=(const Made&) = delete;
-        operator GLuint*() { return made_.data(); }
+        operator GLuint*() { return made_; }
 
     private:
         Names& names_;
-        std::vector<GLuint> numbers_, made_;
+        GLuint* made_; // behind them the numbers
+        std::size_t count_;
     };
-    Made made(std::initializer_list<GLuint> numbers) { return {*this, numbers}; }
-    Made made(const GLuint* numbers, std::size_t count) { return {*this, {numbers, numbers + count}}; }
+    Made made(const std::initializer_list<GLuint>& numbers) {
+        return {*this, numbers.begin(), numbers.size()};
+    }
+    Made made(const GLuint* numbers, std::size_t count) { return {*this, numbers, count}; }
     // For a call that makes as many, with names in a row, of which it gives the first.
     class Range {
     public:
@@ -139,11 +138,10 @@ public:
     };
     Range range(GLuint first, GLuint count) { return {*this, first, count}; }
     // For a call that takes several; until the next call.
-    const GLuint* list(std::initializer_list<GLuint> numbers) { return list(numbers.begin(), numbers.size()); }
+    const GLuint* list(const std::initializer_list<GLuint>& numbers) {
+        return list(numbers.begin(), numbers.size());
+    }
     const GLuint* list(const GLuint* numbers, std::size_t count);
-
-private:
-    std::vector<GLuint> list_;
 };
 
 // A program, with its variables by name.
@@ -173,7 +171,8 @@ void write(void* mapped, std::size_t offset, Memory from, std::size_t size);
 // What a window, or what stands for it off screen, has for each pixel.
 struct Format {
     int width_ = 0, height_ = 0;
-    int red_ = 0, green_ = 0, blue_ = 0, alpha_ = 0, depth_ = 0, stencil_ = 0, accumulation_ = 0, samples_ = 0;
+    int red_ = 0, green_ = 0, blue_ = 0, alpha_ = 0, depth_ = 0, stencil_ = 0, accumulation_ = 0,
+        samples_ = 0;
     bool is_double_buffered_ = false, is_stereo_ = false, is_srgb_ = false;
 
     Format(int width, int height) : width_(width), height_(height) {}
@@ -222,7 +221,7 @@ struct Frame {
     std::uint64_t hash;
 };
 extern const Frame frames[];
-extern const std::size_t frame_count; // behind them stands what comes after the last one
+extern const std::size_t frame_count;   // behind them stands what comes after the last one
 extern const std::uint64_t first_frame; // its number in the capture
 // Forgets the names of all objects.
 void forget_objects();

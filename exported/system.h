@@ -3,9 +3,11 @@
 
 #include "project.h"
 
+#include <cstring>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 struct Surface {
     explicit Surface(const Format& its) : format(its) {}

@@ -74,15 +74,15 @@ bool make_current_natively(GLFWwindow* draw, GLFWwindow* read, GLFWwindow* owner
     if (void* const context = handle_of(owner, "glfwGetGLXContext")) {
         const auto display = loaded<void* (*)()>("libglfw.so.3", "glfwGetX11Display");
         const auto window = loaded<unsigned long (*)(GLFWwindow*)>("libglfw.so.3", "glfwGetGLXWindow");
-        const auto make =
-            loaded<int (*)(void*, unsigned long, unsigned long, void*)>("libGL.so.1", "glXMakeContextCurrent");
+        const auto make = loaded<int (*)(void*, unsigned long, unsigned long, void*)>(
+            "libGL.so.1", "glXMakeContextCurrent");
         return make && make(display(), window(draw), window(read), context);
     }
     if (void* const context = handle_of(owner, "glfwGetEGLContext")) {
         const auto display = loaded<void* (*)()>("libglfw.so.3", "glfwGetEGLDisplay");
         const auto make = loaded<unsigned (*)(void*, void*, void*, void*)>("libEGL.so.1", "eglMakeCurrent");
-        return make && make(display(), handle_of(draw, "glfwGetEGLSurface"), handle_of(read, "glfwGetEGLSurface"),
-                            context);
+        return make && make(display(), handle_of(draw, "glfwGetEGLSurface"),
+                            handle_of(read, "glfwGetEGLSurface"), context);
     }
     return false;
 #endif
@@ -115,8 +115,9 @@ public:
         if (!its.window) {
             // The first context of a window is the window's own.
             const bool is_own = !to.window;
-            its.window = make_window(to.format, its.version_wanted,
-                                     its.shares_with ? its.shares_with->window : nullptr, is_own && is_visible_);
+            its.window =
+                make_window(to.format, its.version_wanted,
+                            its.shares_with ? its.shares_with->window : nullptr, is_own && is_visible_);
             if (is_own)
                 to.window = its.window;
         }
@@ -164,7 +165,8 @@ public:
     bool is_closed() override { return is_closed_; }
 
 private:
-    GLFWwindow* make_window(const Format& format, const Version& version, GLFWwindow* share, bool is_visible) {
+    GLFWwindow* make_window(const Format& format, const Version& version, GLFWwindow* share,
+                            bool is_visible) {
         glfwDefaultWindowHints();
         glfwWindowHint(GLFW_VISIBLE, is_visible);
         glfwWindowHint(GLFW_RESIZABLE, GLFW_FALSE);
@@ -177,7 +179,8 @@ private:
         glfwWindowHint(GLFW_ALPHA_BITS, format.alpha_);
         glfwWindowHint(GLFW_DEPTH_BITS, format.depth_);
         glfwWindowHint(GLFW_STENCIL_BITS, format.stencil_);
-        for (const int name : {GLFW_ACCUM_RED_BITS, GLFW_ACCUM_GREEN_BITS, GLFW_ACCUM_BLUE_BITS, GLFW_ACCUM_ALPHA_BITS})
+        for (const int name :
+             {GLFW_ACCUM_RED_BITS, GLFW_ACCUM_GREEN_BITS, GLFW_ACCUM_BLUE_BITS, GLFW_ACCUM_ALPHA_BITS})
             glfwWindowHint(name, format.accumulation_);
         glfwWindowHint(GLFW_SAMPLES, format.samples_);
         glfwWindowHint(GLFW_STEREO, format.is_stereo_);
@@ -190,7 +193,8 @@ private:
             if (version.is_core_)
                 glfwWindowHint(GLFW_OPENGL_PROFILE, GLFW_OPENGL_CORE_PROFILE);
         }
-        GLFWwindow* const window = glfwCreateWindow(format.width_, format.height_, PROJECT_NAME, nullptr, share);
+        GLFWwindow* const window =
+            glfwCreateWindow(format.width_, format.height_, PROJECT_NAME, nullptr, share);
         if (!window)
             fail("no window of " + std::to_string(format.width_) + " by " + std::to_string(format.height_) +
                  " pixels can be made");
@@ -218,7 +222,9 @@ private:
 
 } // namespace
 
-std::unique_ptr<System> make_window_system(bool is_visible) { return std::make_unique<WindowSystem>(is_visible); }
+std::unique_ptr<System> make_window_system(bool is_visible) {
+    return std::make_unique<WindowSystem>(is_visible);
+}
 
 #if defined(_WIN32)
 // A window that is not shown does it.

@@ -4,7 +4,6 @@
 #include "extensionator/OpenGLEntry.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
 #include <utility>
 
@@ -38,11 +37,10 @@ void ProjectExport::addElement() {
     for (const ElementCall& one : elementCalls(arrays)) {
         line += "    " + nameOfFunction(one.function->name) + '(';
         if (one.index) {
-            one.function->parameters[0].form == 'e' ? line += "0x" : line;
-            char number[16];
-            std::snprintf(number, sizeof number, one.function->parameters[0].form == 'e' ? "%x" : "%u",
-                          *one.index);
-            line += number;
+            if (one.function->parameters[0].form == 'e')
+                constants.append(line, *one.index);
+            else
+                appendNumber(line, std::uint64_t(*one.index));
             line += ", ";
         }
         const Parameter& last = one.function->parameters.back();
@@ -94,9 +92,10 @@ void ProjectExport::pointArrays() {
     const auto activate = [&](std::uint32_t wanted) {
         if (unit == wanted)
             return;
-        pointers += "    " + nameOfFunction("glClientActiveTexture") + "(GL_TEXTURE0 + " +
-                    std::to_string(wanted) + ");\n";
-        constants.use("GL_TEXTURE0", GL_TEXTURE0);
+        const std::string saved = std::exchange(line, {});
+        constants.append(line, GL_TEXTURE0 + wanted);
+        pointers +=
+            "    " + nameOfFunction("glClientActiveTexture") + '(' + std::exchange(line, saved) + ");\n";
         unit = wanted;
         ++count;
     };
@@ -137,7 +136,6 @@ void ProjectExport::pointArrays() {
             line += "    " + nameOfFunction("glEdgeFlagPointer") + '(' + text(array.stride) + ", ";
             break;
         case ArrayKind::TexCoord:
-            activate(array.index);
             write("glTexCoordPointer", true);
             break;
         case ArrayKind::Attribute:
@@ -180,6 +178,8 @@ void ProjectExport::pointArrays() {
         // What points there already is left as it is.
         std::string& known = now.arrays[(std::uint64_t(array.kind) << 32) | array.index];
         if (known != pointer) {
+            if (array.kind == ArrayKind::TexCoord)
+                activate(array.index);
             pointers += pointer;
             known = std::move(pointer);
             ++count;

@@ -9,6 +9,7 @@
 #include <charconv>
 #include <cmath>
 #include <span>
+#include <utility>
 
 namespace ZLT::Capture {
 
@@ -117,7 +118,15 @@ void ConstantText::append(std::string& to, std::uint32_t value) {
         to += "GL_NONE";
         return;
     }
-    const std::string_view name = value < 0x100 ? "Unknown Token" : OGL::TokenName(value);
+    // These are bits of a mask too, of which TokenName() has the names.
+    constexpr std::pair<std::uint32_t, const char*> twice[] = {{GL_NEVER, "GL_NEVER"},
+                                                               {GL_FRONT_LEFT, "GL_FRONT_LEFT"},
+                                                               {GL_EXP, "GL_EXP"},
+                                                               {GL_LIGHT0, "GL_LIGHT0"}};
+    std::string_view name = value < 0x100 ? "Unknown Token" : OGL::TokenName(value);
+    for (const auto& [constant, other] : twice)
+        if (value == constant)
+            name = other;
     if (name == "Unknown Token") {
         appendHex(to, value);
         return;
