@@ -203,6 +203,7 @@ struct CapturePlay {
     bool read();
     // The records of one thread, up to the end of a frame or the next thread's.
     void playThread(std::uint32_t thread, std::uint64_t frame);
+    bool playFrame();
 };
 
 } // namespace ZLT::Capture

@@ -26,20 +26,21 @@ void CapturePlay::playThread(std::uint32_t thread, std::uint64_t frame) {
     }
 }
 
+bool CapturePlay::playFrame() {
+    const std::uint64_t frame = frames;
+    while (frames == frame && read()) {
+        const std::uint32_t thread = call.thread;
+        threads.run(thread, [&] { playThread(thread, frame); });
+    }
+    return frames != frame;
+}
+
 CapturePlayer::CapturePlayer(CaptureFile& file, PlaySystem& system, OGL::OpenGLInterceptor& gl,
                              PlayListener& listener, const Options& options)
     : play_(std::make_unique<CapturePlay>(file, system, gl, listener, options)) {}
 CapturePlayer::~CapturePlayer() = default;
 
-bool CapturePlayer::playFrame() {
-    CapturePlay& play = *play_;
-    const std::uint64_t frame = play.frames;
-    while (play.frames == frame && play.read()) {
-        const std::uint32_t thread = play.call.thread;
-        play.threads.run(thread, [&] { play.playThread(thread, frame); });
-    }
-    return play.frames != frame;
-}
+bool CapturePlayer::playFrame() { return play_->playFrame(); }
 
 std::uint64_t CapturePlayer::callCount() const { return play_->calls; }
 std::uint64_t CapturePlayer::frameCount() const { return play_->frames; }

@@ -23,6 +23,9 @@ struct SurfaceShape {
     bool isSrgb = false; ///< it can be: GL_FRAMEBUFFER_SRGB_CAPABLE
 };
 
+/// Of the record of a surface that is new.
+SurfaceShape shapeOf(const CapturedCall& surface);
+
 /// A context as it was captured.
 struct ContextShape {
     int version = 0; ///< 21 for 2.1

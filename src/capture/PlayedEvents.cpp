@@ -10,17 +10,22 @@ namespace ZLT::Capture {
 
 using namespace Playing;
 
-void CapturePlay::makeSurface() {
-    Surface& surface = surfaces[call.u32(0)];
-    SurfaceShape& shape = surface.shape;
+SurfaceShape shapeOf(const CapturedCall& surface) {
+    SurfaceShape shape;
     int* const fields[] = {&shape.width, &shape.height, &shape.red,     &shape.green,        &shape.blue,
                            &shape.alpha, &shape.depth,  &shape.stencil, &shape.accumulation, &shape.samples};
     for (std::size_t i = 0; i < std::size(fields); ++i)
-        *fields[i] = call.i32(i + 1);
-    shape.isDoubleBuffered = call.i32(11) != 0;
-    shape.isStereo = call.i32(12) != 0;
-    shape.isSrgb = call.i32(13) != 0;
-    surface.handle = system.makeSurface(shape);
+        *fields[i] = surface.i32(i + 1);
+    shape.isDoubleBuffered = surface.i32(11) != 0;
+    shape.isStereo = surface.i32(12) != 0;
+    shape.isSrgb = surface.i32(13) != 0;
+    return shape;
+}
+
+void CapturePlay::makeSurface() {
+    Surface& surface = surfaces[call.u32(0)];
+    surface.shape = shapeOf(call);
+    surface.handle = system.makeSurface(surface.shape);
 }
 
 void* CapturePlay::surfaceHandle(std::uint32_t number) {

@@ -2,8 +2,11 @@
 
 #include "capture/CaptureFile.h"
 #include "capture/Export.h"
+#include "capture/PlaySystem.h"
+#include "extensionator/OpenGLInterceptor.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -35,6 +38,13 @@ public:
     ProjectExporter(const ProjectExporter&) = delete;
     ProjectExporter& operator=(const ProjectExporter&) = delete;
 
+    /// Begins the project with this frame: with the objects and the state that there were in front of it. For
+    /// that the frames in front of it are played. To be called first.
+    /// @param path      of the capture, which is read once more
+    /// @param progress  is told of each frame that was played
+    /// @throws std::runtime_error when the capture has no such frame, or can't be played
+    void startAt(std::uint64_t frame, const std::string& path, PlaySystem& system, OGL::OpenGLInterceptor& gl,
+                 const std::function<void(std::uint64_t)>& progress);
     /// Up to the end of the next frame.
     /// @return false when no record was left, or the last frame was written
     bool exportFrame();

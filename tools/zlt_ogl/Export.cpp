@@ -3,6 +3,8 @@
 #include "ProgramFile.h"
 #include "Progress.h"
 #include "capture/CaptureFile.h"
+#include "capture/DriverCalls.h"
+#include "capture/PlatformPlaySystem.h"
 #include "capture/ProjectExporter.h"
 
 #include <filesystem>
@@ -42,6 +44,13 @@ int exportProject(const ExportOptions& options) {
     Capture::ProjectExporter exporter(
         file, {options.folder, name, fs::path(options.file).filename().string(), options.frames.last});
     Progress progress;
+    if (options.frames.first > 1) {
+        Capture::DriverCalls driver;
+        Capture::PlatformPlaySystem system(false, driver);
+        exporter.startAt(options.frames.first, options.file, system, driver, [&](std::uint64_t frame) {
+            progress.show("frame " + std::to_string(frame) + " is played");
+        });
+    }
     while (exporter.exportFrame())
         progress.show("frame " + std::to_string(exporter.frameCount()));
     exporter.finish();

@@ -90,15 +90,15 @@ int run(int argc, char** argv) {
         readRange(calls, dumpOptions.calls, "call");
         return dump(dumpOptions);
     }
+#if !defined(_WIN32)
+    if (!replayOptions.isShown)
+        setenv("ZLT_OGL_PLATFORM", "headless", 1);
+#endif
     if (exportCommand.parsed()) {
         readRange(frames, exportOptions.frames, "frame");
         return exportProject(exportOptions);
     }
     readRange(frames, replayOptions.frames, "frame");
-#if !defined(_WIN32)
-    if (!replayOptions.isShown)
-        setenv("ZLT_OGL_PLATFORM", "headless", 1);
-#endif
     return replay(replayOptions);
 }
 

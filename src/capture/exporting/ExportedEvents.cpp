@@ -22,18 +22,28 @@ Context* ProjectExport::contextOf(std::uint32_t thread) {
 }
 
 void ProjectExport::makeSurface() {
-    const auto field = [this](std::size_t index) { return std::to_string(call.i32(index)); };
-    std::string text = "    create(surface[" + std::to_string(call.u32(0)) + "], Format(" + field(1) + ", " +
-                       field(2) + ").color(" + field(3) + ", " + field(4) + ", " + field(5) + ", " +
-                       field(6) + ").depth(" + field(7) + ").stencil(" + field(8) + ')';
-    if (call.i32(9) != 0)
-        text += ".accumulation(" + field(9) + ')';
-    if (call.i32(10) != 0)
-        text += ".samples(" + field(10) + ')';
-    for (const auto& [index, word] :
-         {std::pair(11, ".double_buffered()"), {12, ".stereo()"}, {13, ".srgb()"}})
-        if (call.i32(static_cast<std::size_t>(index)) != 0)
-            text += word;
+    SurfaceShape& shape = surfaces[call.u32(0)];
+    shape = shapeOf(call);
+    addSurface(call.u32(0), shape);
+}
+
+void ProjectExport::addSurface(std::uint32_t number, const SurfaceShape& shape) {
+    const auto list = [](std::initializer_list<int> values) {
+        std::string text;
+        for (const int value : values)
+            text += (text.empty() ? "" : ", ") + std::to_string(value);
+        return '(' + text + ')';
+    };
+    std::string text = "    create(" + surfaceText(number) + ", Format" + list({shape.width, shape.height}) +
+                       ".color" + list({shape.red, shape.green, shape.blue, shape.alpha}) + ".depth" +
+                       list({shape.depth}) + ".stencil" + list({shape.stencil});
+    if (shape.accumulation != 0)
+        text += ".accumulation" + list({shape.accumulation});
+    if (shape.samples != 0)
+        text += ".samples" + list({shape.samples});
+    text += shape.isDoubleBuffered ? ".double_buffered()" : "";
+    text += shape.isStereo ? ".stereo()" : "";
+    text += shape.isSrgb ? ".srgb()" : "";
     addPlain(text + ");\n");
 }
 
@@ -60,6 +70,25 @@ void ProjectExport::writeCurrent(const Context& next) {
     current = next.thread;
 }
 
+void ProjectExport::createContext(Context& next) {
+    if (next.isCreated)
+        return;
+    std::string text = "    create(context[" + std::to_string(next.number) + "], Version(" +
+                       std::to_string(next.shape.version / 10) + ", " +
+                       std::to_string(next.shape.version % 10) + ')';
+    if (next.shape.profile & GL_CONTEXT_CORE_PROFILE_BIT)
+        text += ".core()";
+    if (next.shape.flags & GL_CONTEXT_FLAG_FORWARD_COMPATIBLE_BIT)
+        text += ".forward_compatible()";
+    for (const Context* const other : next.group->contexts)
+        if (other->isCreated) {
+            text += ", context[" + std::to_string(other->number) + ']';
+            break;
+        }
+    addPlain(text + ");\n");
+    next.isCreated = true;
+}
+
 void ProjectExport::makeCurrent() {
     const std::uint32_t number = call.u32(0);
     Thread& thread = threads[call.thread];
@@ -72,22 +101,7 @@ void ProjectExport::makeCurrent() {
         release(next.thread); // it moved on before its old thread made another call
     if (thread.context != number)
         release(call.thread);
-    if (!next.isCreated) {
-        std::string text = "    create(context[" + std::to_string(number) + "], Version(" +
-                           std::to_string(next.shape.version / 10) + ", " +
-                           std::to_string(next.shape.version % 10) + ')';
-        if (next.shape.profile & GL_CONTEXT_CORE_PROFILE_BIT)
-            text += ".core()";
-        if (next.shape.flags & GL_CONTEXT_FLAG_FORWARD_COMPATIBLE_BIT)
-            text += ".forward_compatible()";
-        for (const Context* const other : next.group->contexts)
-            if (other->isCreated) {
-                text += ", context[" + std::to_string(other->number) + ']';
-                break;
-            }
-        addPlain(text + ");\n");
-        next.isCreated = true;
-    }
+    createContext(next);
     next.thread = call.thread;
     next.draw = call.u32(1);
     next.read = call.u32(2);
@@ -100,7 +114,7 @@ void ProjectExport::release(std::uint32_t thread) {
     if (!old)
         return;
     Thread& its = threads[thread];
-    if (!its.pending.empty()) {
+    if (!its.pending.empty() && !isSkimming) {
         switchToThread(thread);
         files.add(its.pending, its.pendingCount);
         its.pending.clear();
@@ -127,7 +141,8 @@ void ProjectExport::swap() {
     const std::uint32_t number = call.u32(0);
     line = "    swap(" + surfaceText(number) + ");\n";
     addLine(1);
-    files.endFrame(call.frame, hasHash, hash);
+    if (!isSkimming)
+        files.endFrame(call.frame, hasHash, hash);
     hasHash = false;
 }
 
@@ -153,6 +168,8 @@ void ProjectExport::switchToThread(std::uint32_t thread) {
 }
 
 void ProjectExport::addLine(std::size_t count) {
+    if (isSkimming)
+        return;
     Thread& thread = threads[call.thread];
     const Context* const its = contextOf(call.thread);
     if (its && its->isInside && threads.size() > 1) {
@@ -178,6 +195,8 @@ void ProjectExport::exportEvent() {
     case Event::Current:
         return makeCurrent();
     case Event::Size:
+        surfaces[call.u32(0)].width = call.i32(1);
+        surfaces[call.u32(0)].height = call.i32(2);
         return addPlain("    resize(surface[" + std::to_string(call.u32(0)) + "], " +
                         std::to_string(call.i32(1)) + ", " + std::to_string(call.i32(2)) + ");\n");
     case Event::Destroyed:
@@ -198,6 +217,8 @@ void ProjectExport::exportEvent() {
     case Event::Array:
         return addArray();
     case Event::Written:
+        if (isSkimming)
+            return;
         if (const auto found = maps.find(call.values[0].bits);
             found != maps.end() && contextOf(call.thread)) {
             const NameScope& scope = context().names;
@@ -209,12 +230,14 @@ void ProjectExport::exportEvent() {
         }
         return;
     case Event::Returned:
+        if (isSkimming)
+            return;
         line = call.u32(0) == GL_FEEDBACK ? "    expect_feedback(" : "    expect_selection(";
         appendData(call.values[1]);
         line += ", " + std::to_string(call.values[1].bytes.size()) + ");\n";
         return addLine(1);
     case Event::Linked:
-        linked = Linked{call.values[0].bits, std::string(call.values[2].bytes), call.u32(1)};
+        linked = LinkedPlaces{call.values[0].bits, std::string(call.values[2].bytes), call.u32(1)};
         return;
     case Event::Incomplete:
         facts.missing.insert("The capture is incomplete: " + std::string(call.values[0].bytes) + '.');
@@ -231,7 +254,7 @@ void ProjectExport::exportRecord() {
     if (call.function->number < eventCount)
         exportEvent();
     else if (call.function->number != UINT32_MAX)
-        exportCall();
+        isSkimming ? skimCall() : exportCall();
     else
         facts.missing.insert(call.function->name + ", which is not known here, was left out.");
 }

@@ -247,7 +247,13 @@ void ProjectExport::learnUniforms() {
 void ProjectExport::followClientState() {
     Context& now = context();
     const std::uint32_t entry = call.function->number - firstEntry;
-    const auto takesArrays = [&] { return (call.values[0].bits & GL_CLIENT_VERTEX_ARRAY_BIT) != 0; };
+    const auto takesArrays = [](std::uint64_t mask) { return (mask & GL_CLIENT_VERTEX_ARRAY_BIT) != 0; };
+    const auto setDefault = [&](std::uint64_t mask) {
+        if (takesArrays(mask))
+            now.client.arrayBuffer = now.client.textureUnit = 0;
+        if (mask & GL_CLIENT_PIXEL_STORE_BIT)
+            now.client.unpacking.clear();
+    };
     switch (entry) {
     case Entry::BindBuffer:
     case Entry::BindBufferARB:
@@ -267,22 +273,39 @@ void ProjectExport::followClientState() {
     case Entry::ClientActiveTextureARB:
         now.client.textureUnit = call.u32(0) - GL_TEXTURE0;
         break;
+    case Entry::PixelStorei:
+    case Entry::PixelStoref:
+        now.client.unpacking[call.u32(0)] =
+            entry == Entry::PixelStorei ? call.i32(1) : static_cast<std::int32_t>(call.values[1].asFloat());
+        break;
     case Entry::PushClientAttrib:
     case Entry::PushClientAttribDefaultEXT:
-        now.clientStack.emplace_back(takesArrays(), now.client);
-        if (entry == Entry::PushClientAttribDefaultEXT && takesArrays())
-            now.client = {};
+        now.clientStack.emplace_back(call.u32(0), now.client);
+        if (entry == Entry::PushClientAttribDefaultEXT)
+            setDefault(call.values[0].bits);
         break;
     case Entry::ClientAttribDefaultEXT:
-        if (takesArrays())
-            now.client = {};
+        setDefault(call.values[0].bits);
         break;
     case Entry::PopClientAttrib:
         if (!now.clientStack.empty()) {
-            if (now.clientStack.back().first)
-                now.client = now.clientStack.back().second;
+            const auto& [mask, kept] = now.clientStack.back();
+            if (takesArrays(mask)) {
+                now.client.arrayBuffer = kept.arrayBuffer;
+                now.client.textureUnit = kept.textureUnit;
+            }
+            if (mask & GL_CLIENT_PIXEL_STORE_BIT)
+                now.client.unpacking = kept.unpacking;
             now.clientStack.pop_back();
         }
+        break;
+    case Entry::PushAttrib:
+        if (now.list == 0 || now.isListExecuted)
+            now.attributeMasks.push_back(call.u32(0));
+        break;
+    case Entry::PopAttrib:
+        if ((now.list == 0 || now.isListExecuted) && !now.attributeMasks.empty())
+            now.attributeMasks.pop_back();
         break;
     default:
         break;
@@ -309,6 +332,9 @@ void ProjectExport::followCall() {
     switch (entry) {
     case Entry::End:
         now.isInside = false;
+        break;
+    case Entry::DeleteSync:
+        syncs.erase(call.values[0].bits);
         break;
     case Entry::NewList:
         now.list = call.values[0].bits;

@@ -78,6 +78,12 @@ std::string ProjectExport::variableOf(ObjectKind kind, std::uint64_t name, std::
     return variable;
 }
 
+const char* ProjectExport::makerOfUnknown(ObjectKind kind, std::uint64_t name) {
+    if (name == 0 || isIndifferent(call.function->name) || context().isInside || findScope(kind, name))
+        return nullptr;
+    return makerOf(kind, call.function->name);
+}
+
 void ProjectExport::appendName(ObjectKind kind, std::uint64_t name, std::string_view object) {
     if (kind == ObjectKind::List) {
         if (name == 0) {
@@ -103,18 +109,17 @@ void ProjectExport::appendName(ObjectKind kind, std::uint64_t name, std::string_
     NameScope* scope = findScope(kind, name);
     const std::string variable = variableOf(kind, name, object);
     if (!scope) {
-        const char* const maker = makerOf(kind, call.function->name);
-        if (isIndifferent(call.function->name) || (maker && context().isInside) || !maker) {
+        const char* const maker = makerOfUnknown(kind, name);
+        if (!maker) {
             appendNumber(line, std::uint64_t(static_cast<std::uint32_t>(
                                    kind == ObjectKind::Program ? name + nobody : name)));
             return;
         }
-        // The program made it up.
         scope = &scopeOf(kind);
         scope->known[kind].insert(name);
         const std::string its = scope->prefix + use(*scope, variable);
         before += std::string("    ") + nameOfFunction(maker) + "(1, " + its + ".made({" +
-                  std::to_string(name) + "}));\n";
+                  std::to_string(name) + "})); // the program made the name up\n";
         ++statements;
     }
     line += scope->prefix;

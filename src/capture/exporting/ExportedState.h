@@ -6,12 +6,15 @@
 #include "capture/PlayedArrays.h"
 #include "capture/PlayedNames.h"
 #include "capture/ProjectExporter.h"
+#include "capture/exporting/MadeCalls.h"
 #include "capture/exporting/ProjectFiles.h"
 #include "platform/GL.h"
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -21,6 +24,8 @@
 /// What an exporter knows while it writes a project. It follows the calls, and asks no driver.
 
 namespace ZLT::Capture {
+
+struct CapturePlay;
 
 namespace Exporting {
 
@@ -34,6 +39,60 @@ struct ListFacts {
     std::optional<std::uint64_t> program; ///< that it leaves in use
 };
 
+/// For the next link of a program: where its variables were put.
+struct LinkedPlaces {
+    std::uint64_t program = 0;
+    std::string places;
+    std::uint32_t count = 0;
+};
+
+/// A call that is made again later, with what a draw reads of arrays.
+struct KeptCall {
+    CapturedCall call;
+    std::vector<PlayedArray> arrays;
+};
+
+/// A shader as it was compiled.
+struct KeptSource {
+    std::optional<CapturedCall> source, compile;
+};
+struct KeptShader {
+    CapturedCall create;
+    std::optional<CapturedCall> source;
+    std::shared_ptr<const KeptSource> compiled;
+    bool isDeleted = false; ///< it lives while a program has it
+};
+struct KeptProgram {
+    CapturedCall create;
+    std::vector<std::uint64_t> attached;
+    std::vector<CapturedCall> settings; ///< glBindFragDataLocation and the like
+    std::optional<CapturedCall> link;
+    std::optional<LinkedPlaces> places;
+    struct LinkedShader {
+        std::uint64_t name;
+        CapturedCall create;
+        std::shared_ptr<const KeptSource> compiled;
+    };
+    std::vector<LinkedShader> linked; ///< what it was linked of
+    /// The last call for each function and location, with the order of these.
+    std::map<std::pair<std::uint32_t, std::int64_t>, std::pair<std::uint64_t, CapturedCall>> uniforms;
+    bool isDeleted = false; ///< it lives while it is used
+};
+/// A display list, as it was compiled.
+struct KeptList {
+    std::vector<KeptCall> calls;
+    std::map<std::uint32_t, std::int32_t> unpacking; ///< of pixels, when it was begun
+};
+/// What made the objects of a share group: what GL can't be asked for.
+struct KeptObjects {
+    std::map<std::uint64_t, KeptShader> shaders;
+    std::map<std::uint64_t, KeptProgram> programs;
+    std::map<std::uint64_t, KeptList> lists;
+    std::set<std::uint64_t> emptyLists;
+    std::unordered_map<std::uint64_t, std::uint32_t> textureTargets, assemblyTargets;
+    std::uint64_t order = 0;
+};
+
 struct Group {
     std::uint32_t number = 0;
     NameScope names;
@@ -41,6 +100,7 @@ struct Group {
     std::unordered_map<std::uint64_t, std::unordered_map<std::int64_t, std::string>>
         locations; ///< of programs: the variables
     std::unordered_map<std::uint64_t, ListFacts> lists;
+    KeptObjects kept;
     std::vector<struct Context*> contexts;
 };
 
@@ -48,6 +108,7 @@ struct Group {
 struct ClientState {
     std::uint64_t arrayBuffer = 0;
     std::uint32_t textureUnit = 0;
+    std::map<std::uint32_t, std::int32_t> unpacking; ///< of pixels, what is not as in a new context
 };
 
 struct Context {
@@ -63,7 +124,11 @@ struct Context {
     bool isListExecuted = false;
     std::uint64_t program = 0;
     ClientState client;
-    std::vector<std::pair<bool, ClientState>> clientStack; ///< with whether the arrays are in it
+    std::vector<std::pair<std::uint32_t, ClientState>> clientStack; ///< with its masks
+    std::vector<std::uint32_t> attributeMasks;                      ///< of the other stack
+    std::unordered_map<std::uint64_t, std::uint32_t> queryTargets;
+    std::optional<CapturedCall> feedback, selection; ///< the memory for them
+    bool accumulates = false;
     std::unordered_map<std::uint64_t, std::string> arrays; ///< how they point, where that is known
 };
 
@@ -94,12 +159,7 @@ struct ProjectExport {
     std::map<std::uint32_t, std::shared_ptr<Group>> groups;
     std::uint32_t current = 0;       ///< the thread whose context the project has current
     std::vector<PlayedArray> arrays; ///< for the draw that follows
-    struct Linked {
-        std::uint64_t program;
-        std::string places;
-        std::uint32_t count;
-    };
-    std::optional<Linked> linked;
+    std::optional<Exporting::LinkedPlaces> linked;
     bool hasHash = false;
     std::uint64_t hash = 0;
     std::unordered_map<std::uint64_t, std::uint32_t> maps, syncs; ///< their numbers, by what they were
@@ -112,10 +172,15 @@ struct ProjectExport {
 
     // ExportedEvents.cpp
     bool exportFrame();
+    /// Begins with what there was in front of the frame.
+    void startAt(std::uint64_t frame, const std::string& path, PlaySystem& system, OGL::OpenGLInterceptor& gl,
+                 const std::function<void(std::uint64_t)>& progress);
     void finish();
     void exportRecord();
     void exportEvent();
     void makeSurface();
+    void addSurface(std::uint32_t number, const SurfaceShape& shape);
+    void createContext(Context& next);
     void makeContext();
     void makeCurrent();
     void writeCurrent(const Context& next);
@@ -124,7 +189,10 @@ struct ProjectExport {
     void swap();
     void addArray();
     /// A statement that is about the system, with no thread of its own.
-    void addPlain(const std::string& statement) { files.add(statement); }
+    void addPlain(const std::string& statement) {
+        if (!isSkimming)
+            files.add(statement);
+    }
     /// The statements of the call.
     void addLine(std::size_t count);
     void switchToThread(std::uint32_t thread);
@@ -139,6 +207,29 @@ struct ProjectExport {
     const std::string& use(const NameScope& scope, const std::string& variable);
     void learnNames();
     void appendLocation(std::int64_t location);
+
+    /// Names that the program made up and GL makes: for them there is a call.
+    const char* makerOfUnknown(ObjectKind kind, std::uint64_t name);
+
+    // ExportedLog.cpp: what is kept of the frames in front of the first.
+    void skimCall();
+    void skimNames();
+    void keepShader();
+    void keepProgram();
+    void keepList();
+    void keepTargets();
+
+    // ExportedStart.cpp
+    void bring(CapturePlay& play);
+    void bringContext(CapturePlay& play, Context& context, bool isFirst);
+    void addKept(CapturedCall kept);
+    void addKept(std::vector<CapturedCall> calls);
+    void addShaders(Group& group);
+    void addPrograms(Group& group);
+    void addLists(Group& group);
+    void setUnpacking(const std::map<std::uint32_t, std::int32_t>& wanted);
+    bool isSkimming = false;
+    std::map<std::uint32_t, SurfaceShape> surfaces;
 
     // ExportedCalls.cpp
     void exportCall();

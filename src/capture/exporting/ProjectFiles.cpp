@@ -198,6 +198,11 @@ std::string ProjectFiles::writeFunction(const std::string& name) {
     return function;
 }
 
+void ProjectFiles::endStart(std::uint64_t number) {
+    const std::string name = writeFunction("before_frame_" + std::to_string(number));
+    frame_ = "    void " + name + "();\n    " + name + "();\n";
+}
+
 void ProjectFiles::endFrame(std::uint64_t number, bool hasHash, std::uint64_t hash) {
     const std::string function = writeFunction("frame_" + std::to_string(number));
     frames_.push_back({function, hasHash, hash});

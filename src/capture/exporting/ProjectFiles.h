@@ -46,6 +46,8 @@ public:
 
     /// Adds lines to the frame: whole statements, as many as `count`.
     void add(std::string_view statements, std::size_t count = 1);
+    /// What was added comes in front of the frame with this number, in a function of its own.
+    void endStart(std::uint64_t number);
     void endFrame(std::uint64_t number, bool hasHash, std::uint64_t hash);
     /// Writes all that is not written yet. What was added behind the last frame is played behind it.
     void finish(const ProjectFacts& facts);
