@@ -606,6 +606,7 @@ const std::map<std::string, void (*)()> scenes = {{"immediate", immediate},
                                                   {"framebuffers", framebuffers},
                                                   {"stacks", stacks},
                                                   {"imaging", imaging},
+                                                  {"once", once},
                                                   {"contexts", contexts},
                                                   {"resize", resize},
                                                   {"samples", immediate}};

@@ -32,4 +32,7 @@ void assembly();
 void shaders();
 void framebuffers();
 
+// sceneOnce.cpp
+void once();
+
 } // namespace Scenes

@@ -297,12 +297,9 @@ void StateReader::addRasterState() {
         if (isVersion(2, 0)) {
             const std::uint32_t origin = token(GL_POINT_SPRITE_COORD_ORIGIN);
             if (isAnswered() && origin != 0)
-                addUnless(origin == GL_UPPER_LEFT, "glPointParameteri", GL_POINT_SPRITE_COORD_ORIGIN, origin);
+                addUnless(origin == GL_UPPER_LEFT, "glPointParameterf", GL_POINT_SPRITE_COORD_ORIGIN, origin);
         }
     }
-    if (has("GL_EXT_provoking_vertex"))
-        addUnless(token(GL_PROVOKING_VERTEX_EXT) == GL_LAST_VERTEX_CONVENTION_EXT, "glProvokingVertexEXT",
-                  token(GL_PROVOKING_VERTEX_EXT));
     if (isCore_)
         return;
     addUnless(integer(GL_LINE_STIPPLE_PATTERN) == 0xFFFF && integer(GL_LINE_STIPPLE_REPEAT) == 1,

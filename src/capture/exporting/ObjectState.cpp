@@ -251,10 +251,15 @@ void StateReader::addBuffer(std::uint64_t name) {
     if (isAnswered()) {
         to_.add("glBindBuffer", GL_ARRAY_BUFFER, name);
         std::string bytes(static_cast<std::size_t>(ask(GL_BUFFER_SIZE)), '\0');
+        // While it is mapped it can't be read.
         void* mapped = nullptr;
+        int offset = 0, length = 0, access = 0;
         if (ask(GL_BUFFER_MAPPED)) {
             gl_.cgmGetBufferPointerv(here, 0, GL_ARRAY_BUFFER, GL_BUFFER_MAP_POINTER, &mapped);
-            missing_("A buffer was mapped, and is not.");
+            const bool isRange = isVersion(3, 0) || has("GL_ARB_map_buffer_range");
+            access = ask(isRange ? GL_BUFFER_ACCESS_FLAGS : GL_BUFFER_ACCESS);
+            offset = isRange ? ask(GL_BUFFER_MAP_OFFSET) : 0;
+            length = isRange ? ask(GL_BUFFER_MAP_LENGTH) : 0;
             gl_.cgmUnmapBuffer(here, 0, GL_ARRAY_BUFFER);
         }
         if (!bytes.empty())
@@ -263,6 +268,15 @@ void StateReader::addBuffer(std::uint64_t name) {
         const int usage = ask(GL_BUFFER_USAGE);
         if (!bytes.empty())
             to_.add("glBufferData", GL_ARRAY_BUFFER, bytes.size(), bytes, usage);
+        for (const auto& [captured, map] : context_.maps)
+            if (mapped && map.address == mapped) {
+                constexpr int invalidates = GL_MAP_INVALIDATE_RANGE_BIT | GL_MAP_INVALIDATE_BUFFER_BIT;
+                if (length > 0)
+                    to_.addMaking("glMapBufferRange", captured, GL_ARRAY_BUFFER, offset, length,
+                                  access & ~invalidates);
+                else
+                    to_.addMaking("glMapBuffer", captured, GL_ARRAY_BUFFER, access);
+            }
         to_.add("glBindBuffer", GL_ARRAY_BUFFER, 0);
     }
     gl_.cgmBindBuffer(here, 0, GL_ARRAY_BUFFER, before);
