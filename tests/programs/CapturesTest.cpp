@@ -1,6 +1,6 @@
 // Captures programs, and plays the captures: each picture and all that was read back must be equal.
 
-#include "RunProgram.h"
+#include "Captures.h"
 
 #include <filesystem>
 
@@ -9,10 +9,6 @@ namespace {
 namespace fs = std::filesystem;
 
 const Words replay = {COMMAND, "replay", "--verify"};
-
-Words capture(const std::string& file, const Words& options = {}) {
-    return Words{COMMAND, "capture", "--verify", "-o", file} + options;
-}
 
 // "20 frames: equal", in the first line.
 void expectEqual(const std::string& file, const std::string& frames) {
@@ -34,17 +30,10 @@ TEST_P(ScenesTest, isPlayedEqual) {
     EXPECT_EQ(alone.out, captured.out) << "a capture changes nothing";
     EXPECT_EQ(0, captured.status) << captured.err;
     ASSERT_EQ(2, linesOf(captured.err).size()) << captured.err;
-    const std::string said = linesOf(captured.err)[0];
-    const std::string frames = said.substr(said.find(": ", said.find(file)) + 2);
-    expectEqual(file, frames.substr(0, frames.find(',')));
+    expectEqual(file, framesOf(contentSaid(captured, file)));
 }
 
-INSTANTIATE_TEST_SUITE_P(, ScenesTest,
-                         testing::Values("immediate", "lists", "arrays", "buffers", "pixels", "textures",
-                                         "evaluators", "fonts", "modes", "accumulation", "queries",
-                                         "assembly", "shaders", "framebuffers", "stacks", "imaging",
-                                         "contexts", "resize", "samples"),
-                         nameOfProgram);
+INSTANTIATE_TEST_SUITE_P(, ScenesTest, testing::ValuesIn(sceneNames), nameOfProgram);
 
 // By a layer that gives all objects other names, and all uniform variables other locations.
 TEST(OtherNamesTest, areMapped) {
