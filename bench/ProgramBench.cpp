@@ -3,17 +3,12 @@
 // start costs. The times are real ones, since two processes work.
 
 #include "Comparison.h"
+#include "Shell.h"
 #include "TemporaryFolder.h"
 
 #include <benchmark/benchmark.h>
 
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <chrono>
 #include <cstdlib>
-#include <stdexcept>
 #include <string>
 #include <tuple>
 
@@ -25,31 +20,10 @@ const Bench::TemporaryFolder temporary;
 const std::string folder = temporary.path();
 const std::string command = "'" ZLT_OGL_COMMAND "' ";
 
-struct Usage {
-    double seconds = 0;
-    double mebibytes = 0; // the largest process of the run
-};
-
-Usage runShell(const std::string& line) {
-    const auto begin = std::chrono::steady_clock::now();
-    const pid_t child = fork();
-    if (child == 0) {
-        execl("/bin/sh", "sh", "-c", (line + " >/dev/null 2>&1").c_str(), nullptr);
-        _exit(127);
-    }
-    int status = 0;
-    rusage usage = {};
-    if (child < 0 || wait4(child, &status, 0, &usage) != child || !WIFEXITED(status) ||
-        WEXITSTATUS(status) != 0)
-        throw std::runtime_error("failed: " + line);
-    const std::chrono::duration<double> time = std::chrono::steady_clock::now() - begin;
-    return {time.count(), static_cast<double>(usage.ru_maxrss) / 1024};
-}
-
 void program(benchmark::State& state, const std::string& line) {
-    Usage usage;
+    Bench::Usage usage;
     for (auto _ : state) {
-        usage = runShell(line);
+        usage = Bench::runShell(line);
         state.SetIterationTime(usage.seconds);
     }
     state.counters["MiB"] = usage.mebibytes;
