@@ -254,8 +254,9 @@ TEST_P(ExportedTest, isPlayedEqual) {
 INSTANTIATE_TEST_SUITE_P(, ExportedTest, testing::ValuesIn(foreignPrograms), nameOfProgram);
 
 // Frames from the middle, in front of which the state of all in front of them is made.
-constexpr const char* middleScenes[] = {"textures", "buffers", "framebuffers", "shaders", "assembly",
-                                        "lists",    "queries", "arrays",       "stacks",  "contexts"};
+constexpr const char* middleScenes[] = {"textures", "buffers",  "framebuffers", "shaders",
+                                        "assembly", "lists",    "queries",      "arrays",
+                                        "stacks",   "contexts", "once"};
 
 class MiddleTest : public testing::TestWithParam<const char*> {};
 
