@@ -31,6 +31,39 @@ struct Pixels {
 
 } // namespace
 
+void StateReader::carry(const CarriedPixels& pixels, int width, int height, const std::string& bytes,
+                        std::uint64_t renderbuffer) {
+    // A texture brings them there, bit for bit: drawn pixels of a depth go through a float.
+    const bool isColor = pixels.mask == GL_COLOR_BUFFER_BIT;
+    to_.add("glGenTextures", 1, names({carrierTexture}));
+    to_.add("glBindTexture", GL_TEXTURE_2D, carrierTexture);
+    to_.add("glTexImage2D", GL_TEXTURE_2D, 0, pixels.internal, width, height, 0, pixels.format, pixels.type,
+            bytes);
+    to_.add("glTexParameteri", GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+    to_.add("glGenFramebuffers", 1, names({carrierFramebuffer}));
+    to_.add("glBindFramebuffer", GL_FRAMEBUFFER, carrierFramebuffer);
+    to_.add("glFramebufferTexture2D", GL_FRAMEBUFFER, pixels.attachment, GL_TEXTURE_2D, carrierTexture, 0);
+    if (!isColor)
+        to_.add("glDrawBuffer", GL_NONE), to_.add("glReadBuffer", GL_NONE);
+    if (renderbuffer != 0) {
+        to_.add("glGenFramebuffers", 1, names({filledFramebuffer}));
+        to_.add("glBindFramebuffer", GL_DRAW_FRAMEBUFFER, filledFramebuffer);
+        to_.add("glFramebufferRenderbuffer", GL_DRAW_FRAMEBUFFER, pixels.attachment, GL_RENDERBUFFER,
+                renderbuffer);
+        if (!isColor)
+            to_.add("glDrawBuffer", GL_NONE);
+    } else {
+        to_.add("glBindFramebuffer", GL_DRAW_FRAMEBUFFER, 0);
+    }
+    to_.add("glBlitFramebuffer", 0, 0, width, height, 0, 0, width, height, pixels.mask, GL_NEAREST);
+    to_.add("glBindFramebuffer", GL_FRAMEBUFFER, 0);
+    to_.add("glDeleteFramebuffers", 1, nameBytes({carrierFramebuffer}));
+    if (renderbuffer != 0)
+        to_.add("glDeleteFramebuffers", 1, nameBytes({filledFramebuffer}));
+    to_.add("glBindTexture", GL_TEXTURE_2D, 0);
+    to_.add("glDeleteTextures", 1, nameBytes({carrierTexture}));
+}
+
 void StateReader::addRenderbuffer(std::uint64_t name) {
     const std::uint32_t now = nameNow(ObjectKind::Renderbuffer, name);
     to_.add("glGenRenderbuffers", 1, names({name}));
@@ -88,28 +121,8 @@ void StateReader::addRenderbuffer(std::uint64_t name) {
         gl_.cgmBindFramebuffer(here, 0, GL_FRAMEBUFFER, 0);
         gl_.cgmDeleteFramebuffers(here, 0, 1, &carrier);
         if (isRead) {
-            // A texture brings them there.
-            to_.add("glGenTextures", 1, names({carrierTexture}));
-            to_.add("glBindTexture", GL_TEXTURE_2D, carrierTexture);
-            to_.add("glTexImage2D", GL_TEXTURE_2D, 0, internal, width, height, 0, pixels.format, pixels.type,
-                    bytes);
-            to_.add("glTexParameteri", GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
-            to_.add("glGenFramebuffers", 2, names({carrierFramebuffer, filledFramebuffer}));
-            to_.add("glBindFramebuffer", GL_FRAMEBUFFER, carrierFramebuffer);
-            to_.add("glFramebufferTexture2D", GL_FRAMEBUFFER, pixels.attachment, GL_TEXTURE_2D,
-                    carrierTexture, 0);
-            if (!isColor)
-                to_.add("glDrawBuffer", GL_NONE), to_.add("glReadBuffer", GL_NONE);
-            to_.add("glBindFramebuffer", GL_DRAW_FRAMEBUFFER, filledFramebuffer);
-            to_.add("glFramebufferRenderbuffer", GL_DRAW_FRAMEBUFFER, pixels.attachment, GL_RENDERBUFFER,
-                    name);
-            if (!isColor)
-                to_.add("glDrawBuffer", GL_NONE);
-            to_.add("glBlitFramebuffer", 0, 0, width, height, 0, 0, width, height, pixels.mask, GL_NEAREST);
-            to_.add("glBindFramebuffer", GL_FRAMEBUFFER, 0);
-            to_.add("glDeleteFramebuffers", 2, nameBytes({carrierFramebuffer, filledFramebuffer}));
-            to_.add("glBindTexture", GL_TEXTURE_2D, 0);
-            to_.add("glDeleteTextures", 1, nameBytes({carrierTexture}));
+            carry({pixels.attachment, pixels.mask, internal, pixels.format, pixels.type}, width, height,
+                  bytes, name);
         } else {
             missing_("What a renderbuffer holds could not be read.");
         }
@@ -207,10 +220,6 @@ void StateReader::addPixels(const SurfaceShape& shape) {
         return;
     if (shape.samples > 0)
         missing_("A multisampled window begins with what it showed, but not with its samples.");
-    if (isCore_) {
-        missing_("A window of a core profile begins empty.");
-        return;
-    }
     const std::uint32_t before = facts_.hasFramebuffers ? token(GL_FRAMEBUFFER_BINDING) : 0;
     if (before != 0)
         facts_.functions.bindFramebuffer(GL_FRAMEBUFFER, 0);
@@ -225,19 +234,46 @@ void StateReader::addPixels(const SurfaceShape& shape) {
         glReadPixels(0, 0, shape.width, shape.height, format, type, bytes.data());
         return isAnswered() ? bytes : std::string();
     };
-    const bool isWide = shape.red > 8;
-    const std::string color = read(GL_RGBA, isWide ? GL_UNSIGNED_SHORT : GL_UNSIGNED_BYTE, isWide ? 8 : 4);
-    const std::string depth = shape.depth > 0 ? read(GL_DEPTH_COMPONENT, GL_UNSIGNED_INT, 4) : "";
-    const std::string stencil = shape.stencil > 0 ? read(GL_STENCIL_INDEX, GL_UNSIGNED_BYTE, 1) : "";
+    const bool carries = shape.samples == 0 && isVersion(3, 0), isWide = shape.red > 8,
+               isPacked = carries && shape.depth == 24 && shape.stencil == 8;
+    const std::uint32_t type = isWide ? GL_UNSIGNED_SHORT : GL_UNSIGNED_BYTE;
+    const std::string color = read(GL_RGBA, type, isWide ? 8 : 4);
+    const std::string packed = isPacked ? read(GL_DEPTH_STENCIL, GL_UNSIGNED_INT_24_8, 4) : "";
+    const std::string depth =
+        packed.empty() && shape.depth > 0 ? read(GL_DEPTH_COMPONENT, GL_UNSIGNED_INT, 4) : "";
+    const std::string stencil =
+        packed.empty() && shape.stencil > 0 ? read(GL_STENCIL_INDEX, GL_UNSIGNED_BYTE, 1) : "";
     glReadBuffer(readBuffer);
     if (before != 0)
         facts_.functions.bindFramebuffer(GL_FRAMEBUFFER, before);
+    const bool isStencilPlain = stencil.find_first_not_of('\0') == std::string::npos;
+    if (!color.empty() && carries)
+        carry({GL_COLOR_ATTACHMENT0, GL_COLOR_BUFFER_BIT, std::uint32_t(isWide ? GL_RGBA16 : GL_RGBA8),
+               GL_RGBA, type},
+              shape.width, shape.height, color, 0);
+    if (!packed.empty()) {
+        carry({GL_DEPTH_STENCIL_ATTACHMENT, GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT, GL_DEPTH24_STENCIL8,
+               GL_DEPTH_STENCIL, GL_UNSIGNED_INT_24_8},
+              shape.width, shape.height, packed, 0);
+    } else if (!depth.empty() && carries) {
+        const std::uint32_t internal = shape.depth > 24    ? GL_DEPTH_COMPONENT32
+                                       : shape.depth == 24 ? GL_DEPTH_COMPONENT24
+                                                           : GL_DEPTH_COMPONENT16;
+        carry({GL_DEPTH_ATTACHMENT, GL_DEPTH_BUFFER_BIT, internal, GL_DEPTH_COMPONENT, GL_UNSIGNED_INT},
+              shape.width, shape.height, depth, 0);
+    }
+    if (isCore_) {
+        if (!isStencilPlain)
+            missing_("The stencil of a window of a core profile begins with zeros.");
+        return;
+    }
+    if (carries && isStencilPlain)
+        return;
     to_.add("glDisable", GL_DITHER);
     to_.add("glRasterPos2f", -1, -1); // the lower left corner, since no matrix is set yet
-    if (!color.empty())
-        to_.add("glDrawPixels", shape.width, shape.height, GL_RGBA,
-                isWide ? GL_UNSIGNED_SHORT : GL_UNSIGNED_BYTE, color);
-    if (!depth.empty()) {
+    if (!color.empty() && !carries)
+        to_.add("glDrawPixels", shape.width, shape.height, GL_RGBA, type, color);
+    if (!depth.empty() && !carries) {
         // Written alone, and whatever was there.
         to_.add("glColorMask", 0, 0, 0, 0);
         to_.add("glEnable", GL_DEPTH_TEST);
@@ -247,7 +283,7 @@ void StateReader::addPixels(const SurfaceShape& shape) {
         to_.add("glDisable", GL_DEPTH_TEST);
         to_.add("glColorMask", 1, 1, 1, 1);
     }
-    if (!stencil.empty() && stencil.find_first_not_of('\0') != std::string::npos)
+    if (!isStencilPlain)
         to_.add("glDrawPixels", shape.width, shape.height, GL_STENCIL_INDEX, GL_UNSIGNED_BYTE, stencil);
     to_.add("glEnable", GL_DITHER);
 }

@@ -122,6 +122,7 @@ void ConstantText::append(std::string& to, std::uint32_t value) {
     constexpr std::pair<std::uint32_t, const char*> twice[] = {{GL_NEVER, "GL_NEVER"},
                                                                {GL_FRONT_LEFT, "GL_FRONT_LEFT"},
                                                                {GL_EXP, "GL_EXP"},
+                                                               {GL_S, "GL_S"},
                                                                {GL_LIGHT0, "GL_LIGHT0"}};
     std::string_view name = value < 0x100 ? "Unknown Token" : OGL::TokenName(value);
     for (const auto& [constant, other] : twice)

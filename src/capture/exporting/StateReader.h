@@ -74,6 +74,11 @@ private:
     void addTextureObject(std::uint32_t target);
     void addAttachment(std::uint32_t target, std::uint32_t point);
     void addDrawBuffers(bool isWindow);
+    struct CarriedPixels {
+        std::uint32_t attachment, mask, internal, format, type;
+    };
+    void carry(const CarriedPixels& pixels, int width, int height, const std::string& bytes,
+               std::uint64_t renderbuffer); ///< 0 for the window
 
     int integer(std::uint32_t name) const { return facts_.integer(name); }
     std::uint32_t token(std::uint32_t name) const { return static_cast<std::uint32_t>(facts_.integer(name)); }
