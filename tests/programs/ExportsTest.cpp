@@ -112,9 +112,9 @@ std::string withoutEachThirdStatement(std::string source) {
     std::string rest;
     int statements = 0;
     for (const std::string& line : linesOf(source)) {
-        const bool isPart = line.starts_with("    ");
-        statements += isPart && line[4] != ' ';
-        if (!isPart || statements % 3 != 0)
+        const bool isInside = line.starts_with("    ");
+        statements += isInside && line[4] != ' ';
+        if (!isInside || statements % 3 != 0)
             rest += line + '\n';
     }
     EXPECT_LT(100, statements);
