@@ -50,11 +50,13 @@ set(public_headers
   capture/CaptureSurroundings.h
   capture/DriverCalls.h
   capture/Export.h
+  capture/ExportOptions.h
   capture/Functions.h
   capture/OpenGLCapture.h
   capture/Picture.h
   capture/PlatformPlaySystem.h
   capture/PlaySystem.h
+  capture/ProjectExporter.h
   capture/Records.h
   capture/wglCapture.h
   extensionator/ExtensionManager.h

@@ -201,6 +201,8 @@ bool is_computed() {
 
 } // namespace
 
+void forget_buffers() { accumulations.clear(); }
+
 void draw_buffer(GLenum buffer) { glDrawBuffer(buffer_now(buffer)); }
 
 void read_buffer(GLenum buffer) { glReadBuffer(buffer_now(buffer)); }

@@ -8,6 +8,7 @@
 #include <climits>
 #include <cstdlib>
 #include <map>
+#include <set>
 
 namespace {
 
@@ -148,16 +149,28 @@ public:
 
     void destroy(Context& context) override {
         auto& its = static_cast<HeadlessContext&>(context);
-        if (its.handle)
+        if (contexts.erase(its.handle) > 0)
             egl.destroyContext(display, its.handle);
         its.handle = nullptr;
+    }
+
+    void reset() override {
+        egl.makeCurrent(display, nullptr, nullptr, nullptr);
+        for (const EGLContext context : contexts)
+            egl.destroyContext(display, context);
+        for (const EGLSurface surface : surfaces)
+            egl.destroySurface(display, surface);
+        contexts.clear();
+        surfaces.clear();
     }
 
     void resize(Surface& surface, int, int) override {
         auto& its = static_cast<HeadlessSurface&>(surface);
         const bool is_current = &surface == current_surface;
-        for (const auto& [config, old] : its.pbuffers)
+        for (const auto& [config, old] : its.pbuffers) {
+            surfaces.erase(old);
             egl.destroySurface(display, old);
+        }
         its.pbuffers.clear();
         if (is_current)
             make_current(current_context, current_surface, current_surface);
@@ -217,7 +230,7 @@ private:
         return best;
     }
 
-    void make(HeadlessContext& its, EGLConfig config) const {
+    void make(HeadlessContext& its, EGLConfig config) {
         const Version& version = its.version_wanted;
         std::vector<EGLint> attributes;
         if (version.is_core_ || version.is_forward_compatible_) {
@@ -236,9 +249,10 @@ private:
         if (!its.handle)
             fail("no context of version " + std::to_string(version.major_) + '.' +
                  std::to_string(version.minor_) + " can be made");
+        contexts.insert(its.handle);
     }
 
-    EGLSurface pbuffer(Surface* surface, EGLConfig config) const {
+    EGLSurface pbuffer(Surface* surface, EGLConfig config) {
         EGLSurface& its = static_cast<HeadlessSurface*>(surface)->pbuffers[config];
         const EGLint size[] = {EGL_WIDTH, surface->format.width_, EGL_HEIGHT, surface->format.height_,
                                EGL_NONE};
@@ -247,11 +261,14 @@ private:
         if (!its)
             fail("no surface of " + std::to_string(surface->format.width_) + " by " +
                  std::to_string(surface->format.height_) + " pixels can be made");
+        surfaces.insert(its);
         return its;
     }
 
     Library egl;
     EGLDisplay display = nullptr;
+    std::set<EGLContext> contexts;
+    std::set<EGLSurface> surfaces;
 };
 
 } // namespace

@@ -78,10 +78,9 @@ int run(int count, char** words) {
         }
     }
     file = std::make_unique<MappedFile>(path_of_data(words[0]));
+    const std::unique_ptr<System> system = is_headless ? make_headless_system() : make_window_system(true);
+    the_system = system.get();
     for (long time = 0; time < times && !is_ended; ++time) {
-        const std::unique_ptr<System> system =
-            is_headless ? make_headless_system() : make_window_system(true);
-        the_system = system.get();
         for (frame = 0; frame <= frame_count && !is_ended; ++frame)
             frames[frame].play();
         forget_everything();

@@ -4,7 +4,9 @@
 
 #if defined(_WIN32)
 #define WIN32_LEAN_AND_MEAN
+#ifndef NOMINMAX // some compilers have it
 #define NOMINMAX
+#endif
 #include <windows.h>
 #else
 #include <fcntl.h>

@@ -220,13 +220,14 @@ void create(Context*& to, const Version& version, Context* shares_with) {
     to = contexts.back().get();
 }
 
+static std::unordered_map<Context*, Surface*> small_surfaces;
+
 void make_current(Context* next, Surface* draw, Surface* from) {
     if (!next)
         return release_current();
     if (!draw) {
         // It draws to framebuffer objects alone. Each context has one, since a surface is for one at a time.
-        static std::unordered_map<Context*, Surface*> small;
-        Surface*& its = small[next];
+        Surface*& its = small_surfaces[next];
         if (!its)
             create(its, Format(1, 1).color(8, 8, 8, 8));
         draw = its;
@@ -264,15 +265,18 @@ void resize(Surface* its, int width, int height) {
     the_system->resize(*its, width, height);
 }
 
+void forget_buffers();
+
 void forget_everything() {
     release_current();
     forget_objects();
     feedbacks.clear();
     selections.clear();
+    small_surfaces.clear();
     surface.clear();
     context.clear();
-    for (const std::unique_ptr<Context>& old : contexts)
-        the_system->destroy(*old);
+    the_system->reset();
+    forget_buffers();
     contexts.clear();
     surfaces.clear();
 }

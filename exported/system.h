@@ -41,6 +41,8 @@ public:
     virtual void destroy(Context& context) = 0;
     virtual void resize(Surface& surface, int width, int height) = 0;
     virtual void swap(Surface& surface) = 0;
+    // No context and no surface is left then.
+    virtual void reset() = 0;
     // Null where there is none.
     virtual void* function(const char* name) = 0;
     // Whether the user closed a window.

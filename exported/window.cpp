@@ -133,6 +133,12 @@ public:
     // Its window may go on without it, and so it stays too. All go at the end.
     void destroy(Context&) override {}
 
+    void reset() override {
+        for (GLFWwindow* const window : windows_)
+            glfwDestroyWindow(window);
+        windows_.clear();
+    }
+
     void resize(Surface& surface, int width, int height) override {
         GLFWwindow* const window = static_cast<WindowSurface&>(surface).window;
         if (!window)
@@ -198,6 +204,7 @@ private:
         if (!window)
             fail("no window of " + std::to_string(format.width_) + " by " + std::to_string(format.height_) +
                  " pixels can be made");
+        windows_.push_back(window);
         wait_for_size(window, format.width_, format.height_);
         glfwMakeContextCurrent(window);
         glfwSwapInterval(0);
@@ -218,6 +225,7 @@ private:
     }
 
     bool is_visible_, is_closed_ = false;
+    std::vector<GLFWwindow*> windows_;
 };
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "capture/CaptureFile.h"
 #include "capture/Export.h"
+#include "capture/ExportOptions.h"
 #include "capture/PlaySystem.h"
 #include "extensionator/OpenGLInterceptor.h"
 
@@ -13,14 +14,6 @@
 namespace ZLT::Capture {
 
 struct ProjectExport;
-
-/// What of a capture becomes a project.
-struct ExportOptions {
-    std::string folder;  ///< empty, new, or of an earlier project
-    std::string name;    ///< of the program: letters, digits, - and _
-    std::string capture; ///< what the project calls the capture: its file's name
-    std::uint64_t lastFrame = UINT64_MAX;
-};
 
 /// Writes a capture as a C++ project, which makes the same calls, and needs GLFW and nothing of this library.
 ///

@@ -41,6 +41,9 @@ std::string nameOf(const ExportOptions& options) {
 int exportProject(const ExportOptions& options) {
     Capture::CaptureFile file(options.file);
     const std::string name = nameOf(options);
+    // It is known in front, unless the capture is damaged.
+    if (file.frameCount() > 0 && options.frames.first > file.frameCount())
+        throw Refusal(options.file + " has " + counted(file.frameCount(), "frame"), Refusal::usage);
     Capture::ProjectExporter exporter(
         file, {options.folder, name, fs::path(options.file).filename().string(), options.frames.last});
     Progress progress;

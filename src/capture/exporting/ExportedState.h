@@ -2,10 +2,10 @@
 
 #include "capture/CaptureFile.h"
 #include "capture/CapturedContext.h"
+#include "capture/ExportOptions.h"
 #include "capture/PlaySystem.h"
 #include "capture/PlayedArrays.h"
 #include "capture/PlayedNames.h"
-#include "capture/ProjectExporter.h"
 #include "capture/exporting/MadeCalls.h"
 #include "capture/exporting/ProjectFiles.h"
 #include "platform/GL.h"

@@ -132,6 +132,7 @@ std::string replaced(std::string text, std::initializer_list<std::pair<const cha
 ProjectFiles::ProjectFiles(std::string folder, std::string name)
     : folder_(std::move(folder)), name_(std::move(name)) {
     std::error_code failure;
+    isNew_ = !fs::exists(folder_, failure);
     fs::create_directories(folder_, failure);
     if (!fs::is_directory(folder_))
         throw std::runtime_error(folder_ + " can't be made: " + failure.message());
@@ -149,6 +150,13 @@ ProjectFiles::ProjectFiles(std::string folder, std::string name)
         throw std::runtime_error(folder_ + "/data.bin can't be written");
 }
 
+ProjectFiles::~ProjectFiles() {
+    data_.close();
+    std::error_code ignored;
+    if (isNew_ && !isFinished_)
+        fs::remove_all(folder_, ignored);
+}
+
 std::uint64_t ProjectFiles::data(std::string_view bytes) {
     const auto [piece, isNew] = pieces_.try_emplace(keyOf(bytes), dataSize_);
     if (isNew) {
@@ -164,47 +172,49 @@ std::uint64_t ProjectFiles::data(std::string_view bytes) {
 
 void ProjectFiles::add(std::string_view statements, std::size_t count) {
     frame_ += statements;
-    partCount_ += count;
-    if (partCount_ >= longestFunction - 8 || frame_.size() - partStart_ > longestSource - 1000) {
-        parts_.push_back(frame_.size());
-        partStart_ = frame_.size();
-        partCount_ = 0;
-    }
+    count_ += count;
+    if (count_ >= longestFunction - 8 || frame_.size() > longestSource - 1000)
+        writePart();
+}
+
+void ProjectFiles::writePart() {
+    parts_.push_back(
+        writeFunction("part_" + std::to_string(started_ + 1) + '_' + std::to_string(parts_.size() + 1)));
 }
 
 std::string ProjectFiles::writeFunction(const std::string& name) {
-    if (parts_.empty() || parts_.back() != frame_.size())
-        parts_.push_back(frame_.size());
     const auto [known, isNew] = functions_.try_emplace(keyOf(frame_), name);
-    const std::string function = known->second;
-    std::string calls;
-    std::size_t start = 0;
-    for (std::size_t i = 0; isNew && i < parts_.size(); ++i) {
-        const bool isWhole = parts_.size() == 1;
-        const std::string part = isWhole ? name : name + "_part_" + std::to_string(i + 1);
-        if (source_.size() + (parts_[i] - start) > longestSource && source_.size() > 1000)
+    if (isNew) {
+        if (source_.size() + frame_.size() > longestSource && source_.size() > 1000)
             writeSource();
-        source_ += "\nvoid " + part + "() {\n";
-        source_.append(frame_, start, parts_[i] - start);
-        source_ += "}\n";
-        calls += isWhole ? "" : "    void " + part + "();\n    " + part + "();\n";
-        start = parts_[i];
+        ((source_ += "\nvoid ") += name) += "() {\n";
+        (source_ += frame_) += "}\n";
     }
-    if (!calls.empty())
-        source_ += "\nvoid " + name + "() {\n" + calls + "}\n";
     frame_.clear();
-    parts_.clear();
-    partCount_ = partStart_ = 0;
-    return function;
+    count_ = 0;
+    return known->second;
+}
+
+std::string ProjectFiles::endFunction(const std::string& name) {
+    // One that is too large calls its parts.
+    if (!parts_.empty()) {
+        if (!frame_.empty())
+            writePart();
+        for (const std::string& part : parts_)
+            frame_ += "    void " + part + "();\n    " + part + "();\n";
+        parts_.clear();
+    }
+    ++started_;
+    return writeFunction(name);
 }
 
 void ProjectFiles::endStart(std::uint64_t number) {
-    const std::string name = writeFunction("before_frame_" + std::to_string(number));
+    const std::string name = endFunction("before_frame_" + std::to_string(number));
     frame_ = "    void " + name + "();\n    " + name + "();\n";
 }
 
 void ProjectFiles::endFrame(std::uint64_t number, bool hasHash, std::uint64_t hash) {
-    const std::string function = writeFunction("frame_" + std::to_string(number));
+    const std::string function = endFunction("frame_" + std::to_string(number));
     frames_.push_back({function, hasHash, hash});
 }
 
@@ -213,7 +223,8 @@ void ProjectFiles::writeSource() {
         return;
     char name[32];
     std::snprintf(name, sizeof name, "frames_%04zu.cpp", sources_.size() + 1);
-    write(name, sourceHead + source_);
+    source_.insert(0, sourceHead);
+    write(name, source_);
     sources_.emplace_back(name);
     source_.clear();
 }
@@ -261,7 +272,7 @@ std::string variablesOf(const ProjectFacts& facts, bool isDefinition) {
 } // namespace
 
 void ProjectFiles::finish(const ProjectFacts& facts) {
-    const std::string last = writeFunction("after_last_frame");
+    const std::string last = endFunction("after_last_frame");
     if (last != "after_last_frame") // nothing is left, as in an empty frame
         source_ += "\nvoid after_last_frame() { " + last + "(); }\n";
     writeSource();
@@ -322,6 +333,7 @@ void ProjectFiles::finish(const ProjectFacts& facts) {
                                          {"@INFO@", info},
                                          {"@MISSING@", missing}})
                              : std::string(part.text));
+    isFinished_ = true;
 }
 
 } // namespace ZLT::Capture

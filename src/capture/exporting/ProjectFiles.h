@@ -39,6 +39,10 @@ class ProjectFiles {
 public:
     /// @throws std::runtime_error when the folder has files that are no project's, or can't be written
     ProjectFiles(std::string folder, std::string name);
+    /// Without finish() nothing is left in a folder that was new.
+    ~ProjectFiles();
+    ProjectFiles(const ProjectFiles&) = delete;
+    ProjectFiles& operator=(const ProjectFiles&) = delete;
 
     /// Puts bytes into data.bin, once for all that are equal.
     /// @return their offset
@@ -60,18 +64,24 @@ private:
         bool hasHash;
         std::uint64_t hash;
     };
+    /// Writes what was added as a function, unless there is one that is equal.
+    /// @return its name
     std::string writeFunction(const std::string& name);
+    void writePart();
+    std::string endFunction(const std::string& name);
     void writeSource();
     void write(const std::string& file, std::string_view text) const;
 
     std::string folder_, name_;
+    bool isNew_ = false, isFinished_ = false;
     std::ofstream data_;
     std::uint64_t dataSize_ = 0;
     std::unordered_map<std::string, std::uint64_t> pieces_; ///< offsets, by hash and size
-    std::string frame_;
-    std::vector<std::size_t> parts_; ///< where functions end in it
-    std::size_t partCount_ = 0, partStart_ = 0;
-    std::unordered_map<std::string, std::string> functions_; ///< of frames, by hash
+    std::string frame_;              ///< its statements, or those of the part that grows
+    std::size_t count_ = 0;          ///< of these
+    std::vector<std::string> parts_; ///< of the frame, which are written
+    std::uint64_t started_ = 0;      ///< functions, whose parts have their names by it
+    std::unordered_map<std::string, std::string> functions_; ///< by the hashes of what is in them
     std::vector<ShownFrame> frames_;
     std::string source_;
     std::vector<std::string> sources_;
