@@ -198,6 +198,12 @@ void ProjectExport::skimCall() {
     keepShader();
     keepProgram();
     keepTargets();
+    if (now.list == 0 || now.isListExecuted)
+        now.matrices.follow(call, [&now](std::uint64_t list, const auto& take) {
+            if (const auto its = now.group->kept.lists.find(list); its != now.group->kept.lists.end())
+                for (const KeptCall& kept : its->second.calls)
+                    take(kept.call);
+        });
     arrays.clear();
     learnNames();
     followCall();

@@ -73,7 +73,8 @@ void ProjectExport::bringContext(CapturePlay& play, Context& its, bool isFirst) 
                         its.group->kept.assemblyTargets,
                         its.queryTargets,
                         its.attributeMasks,
-                        {}};
+                        {},
+                        its.matrices};
     for (const auto& [mask, state] : its.clientStack)
         known.clientMasks.push_back(mask);
     // What follows is followed like all calls.

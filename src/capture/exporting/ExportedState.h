@@ -7,6 +7,7 @@
 #include "capture/PlayedArrays.h"
 #include "capture/PlayedNames.h"
 #include "capture/exporting/MadeCalls.h"
+#include "capture/exporting/MatrixLog.h"
 #include "capture/exporting/ProjectFiles.h"
 #include "platform/GL.h"
 
@@ -129,6 +130,7 @@ struct Context {
     std::unordered_map<std::uint64_t, std::uint32_t> queryTargets;
     std::optional<CapturedCall> feedback, selection; ///< the memory for them
     bool accumulates = false;
+    MatrixLog matrices;
     std::unordered_map<std::uint64_t, std::string> arrays; ///< how they point, where that is known
 };
 

@@ -201,7 +201,7 @@ std::string ProjectFiles::endFunction(const std::string& name) {
         if (!frame_.empty())
             writePart();
         for (const std::string& part : parts_)
-            frame_ += "    void " + part + "();\n    " + part + "();\n";
+            (((frame_ += "    void ") += part) += "();\n    ") += part + "();\n";
         parts_.clear();
     }
     ++started_;
@@ -293,7 +293,7 @@ void ProjectFiles::finish(const ProjectFacts& facts) {
                         variablesOf(facts, false));
     std::string list = "#include \"frames.h\"\n\n" + variablesOf(facts, true) + "\nvoid forget_objects() {\n";
     for (const auto& [prefix, variable] : facts.variables)
-        list += "    " + prefix + variable + ".clear();\n";
+        ((list += "    " + prefix) += variable) += ".clear();\n";
     list += "}\n\nvoid after_last_frame();\n";
     std::set<std::string> declared;
     for (const ShownFrame& frame : frames_)

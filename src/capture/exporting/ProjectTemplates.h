@@ -1,14 +1,13 @@
 #pragma once
 
 #include <span>
-#include <string_view>
 
 namespace ZLT::Capture {
 
 /// A file that every exported project has.
 struct ProjectTemplate {
     const char* name; ///< in the project
-    std::string_view text;
+    const char* text;
     bool isFilled; ///< words like @NAME@ are replaced
 };
 /// Those of the folder exported/, and two headers of other libraries, which they include.

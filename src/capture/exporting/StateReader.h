@@ -2,6 +2,7 @@
 
 #include "capture/CapturePlay.h"
 #include "capture/exporting/MadeCalls.h"
+#include "capture/exporting/MatrixLog.h"
 
 #include <array>
 #include <functional>
@@ -18,6 +19,7 @@ struct KnownState {
     std::unordered_map<std::uint64_t, std::uint32_t> textureTargets; ///< by their captured names
     std::unordered_map<std::uint64_t, std::uint32_t> assemblyTargets, queryTargets;
     std::vector<std::uint32_t> attributeMasks, clientMasks; ///< of the stacks
+    MatrixLog matrices;
 };
 
 /// Of the current context, whose pixels come and go as they are. Names are those of the capture.
@@ -56,7 +58,12 @@ private:
     void addHints();
     // VertexState.cpp
     void addMatrices();
-    void addStack(std::uint32_t mode, std::uint32_t depthName, std::uint32_t matrixName);
+    void addStack(std::uint32_t mode, std::uint32_t depthName, std::uint32_t matrixName,
+                  std::uint32_t unit = 0);
+    /// Whether these calls make the matrix, which they replace.
+    bool isMadeBy(const MadeMatrix& made, const std::array<float, 16>& matrix,
+                  std::uint32_t matrixName) const;
+    void play(const CapturedCall& call) const;
     void addUnit();
     void addLighting();
     void addTextureUnits();

@@ -1,5 +1,6 @@
 // What the fixed functions do to vertices: matrices, lights, texture units, evaluators, current values.
 
+#include "capture/PlayedEntries.h"
 #include "capture/exporting/StateReader.h"
 
 #include <algorithm>
@@ -21,25 +22,87 @@ bool isEqual(const float* one, const float* other, std::size_t count = 4) {
 
 } // namespace
 
-void StateReader::addStack(std::uint32_t mode, std::uint32_t depthName, std::uint32_t matrixName) {
-    constexpr float identity[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+void StateReader::play(const CapturedCall& call) const {
+    std::uint64_t arguments[8] = {}, result = 0;
+    for (std::size_t i = 0; i < call.values.size(); ++i)
+        arguments[i] = call.values[i].form == 'p'
+                           ? reinterpret_cast<std::uintptr_t>(call.values[i].bytes.data())
+                           : call.values[i].bits;
+    playerOf(call.function->number - firstEntry)(gl_, here, 0, arguments, result);
+}
+
+namespace {
+
+// The steps of a matrix in their order, from behind `start` on; false where it didn't come from there.
+bool stepsFrom(const MatrixStep* start, const MadeMatrix& made, std::vector<const CapturedCall*>& steps) {
+    const MatrixStep* step = made.get();
+    for (; step && step != start; step = step->before.get())
+        steps.insert(steps.begin(), &step->call);
+    return step == start;
+}
+
+bool isLoad(const CapturedCall& call) { return call.function->name.starts_with("glLoad"); }
+
+} // namespace
+
+bool StateReader::isMadeBy(const MadeMatrix& made, const std::array<float, 16>& matrix,
+                           std::uint32_t matrixName) const {
+    if (made && !made->isKnown())
+        return false;
+    std::vector<const CapturedCall*> steps;
+    stepsFrom(nullptr, made, steps);
+    glLoadIdentity();
+    for (const CapturedCall* const step : steps)
+        play(*step);
+    return floats(matrixName) == matrix;
+}
+
+void StateReader::addStack(std::uint32_t mode, std::uint32_t depthName, std::uint32_t matrixName,
+                           std::uint32_t unit) {
+    constexpr std::array<float, 16> identity = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
     const int depth = integer(depthName);
     if (!isAnswered())
         return;
     glMatrixMode(mode);
-    std::vector<std::array<float, 16>> matrices;
-    for (int i = depth; i > 0; --i) {
-        matrices.push_back(floats(matrixName));
-        if (i > 1)
+    std::vector<MadeMatrix> made = known_.matrices.stackOf(mode, unit);
+    const bool isFollowed = made.size() == static_cast<std::size_t>(depth);
+    made.resize(static_cast<std::size_t>(depth));
+    struct Level {
+        std::array<float, 16> matrix;
+        bool isMade; // by the calls that are known
+    };
+    std::vector<Level> levels(made.size());
+    for (std::size_t i = made.size(); i-- > 0;) {
+        levels[i].matrix = floats(matrixName);
+        levels[i].isMade = isFollowed && isMadeBy(made[i], levels[i].matrix, matrixName);
+        if (i > 0)
             glPopMatrix();
     }
-    if (matrices.empty() || (matrices.size() == 1 && isEqual(matrices[0].data(), identity, 16)))
+    if (levels.empty() ||
+        (levels.size() == 1 && levels[0].matrix == identity &&
+         (!made[0] || (made[0]->isKnown() && made[0]->call.function->name == "glLoadIdentity"))))
         return;
     to_.add("glMatrixMode", mode);
-    for (std::size_t i = matrices.size(); i-- > 0;) {
-        to_.add("glLoadMatrixf", bytesOf(matrices[i].data(), 16));
+    const MatrixStep* below = nullptr;
+    bool isBelowMade = true;
+    for (std::size_t i = 0; i < levels.size(); ++i) {
+        std::vector<const CapturedCall*> steps;
         if (i > 0)
             to_.add("glPushMatrix");
+        if (levels[i].isMade) {
+            if (!isBelowMade || !stepsFrom(below, made[i], steps)) {
+                steps.clear();
+                stepsFrom(nullptr, made[i], steps);
+                if (steps.empty() || !isLoad(*steps.front()))
+                    to_.add("glLoadIdentity");
+            }
+            for (const CapturedCall* const step : steps)
+                to_.add(*step);
+        } else {
+            to_.add("glLoadMatrixf", bytesOf(levels[i].matrix.data(), 16));
+        }
+        below = made[i].get();
+        isBelowMade = levels[i].isMade;
     }
 }
 
@@ -54,7 +117,7 @@ void StateReader::addMatrices() {
         if (active != 0)
             gl_.cgmActiveTexture(here, 0, name);
         std::vector<CapturedCall> before = to_.take();
-        addStack(GL_TEXTURE, GL_TEXTURE_STACK_DEPTH, GL_TEXTURE_MATRIX);
+        addStack(GL_TEXTURE, GL_TEXTURE_STACK_DEPTH, GL_TEXTURE_MATRIX, static_cast<std::uint32_t>(unit));
         std::vector<CapturedCall> its = to_.take();
         for (CapturedCall& call : before)
             to_.add(std::move(call));
