@@ -9,7 +9,7 @@
 inline constexpr const char* sceneNames[] = {
     "immediate", "lists",    "arrays",  "buffers", "pixels",       "textures", "evaluators",
     "fonts",     "modes",    "queries", "stacks",  "accumulation", "assembly", "shaders",
-    "imaging",   "contexts", "resize",  "samples", "framebuffers", "once"};
+    "imaging",   "contexts", "resize",  "samples", "framebuffers", "once",     "core"};
 
 inline Words capture(const std::string& file, const Words& options = {}) {
     return Words{COMMAND, "capture", "--verify", "-o", file} + options;

@@ -256,7 +256,7 @@ INSTANTIATE_TEST_SUITE_P(, ExportedTest, testing::ValuesIn(foreignPrograms), nam
 // Frames from the middle, in front of which the state of all in front of them is made.
 constexpr const char* middleScenes[] = {"textures", "buffers",  "framebuffers", "shaders",
                                         "assembly", "lists",    "queries",      "arrays",
-                                        "stacks",   "contexts", "once"};
+                                        "stacks",   "contexts", "once",         "core"};
 
 class MiddleTest : public testing::TestWithParam<const char*> {};
 

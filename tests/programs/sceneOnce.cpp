@@ -287,4 +287,54 @@ void once() {
     glBindFramebuffer(GL_READ_FRAMEBUFFER, 0);
 }
 
+// The same of a core profile: an array, a program and a texture of another unit, bound once.
+void core() {
+    static GLint matrix = 0, tint = 0;
+    if (frame == 0) {
+        const float corners[] = {-1, -1, 1, -1, 0, 1, 0.5f, 0.2f};
+        const unsigned short indices[] = {0, 1, 2, 1, 3, 2};
+        GLuint names[3];
+        glGenVertexArrays(1, names), glGenBuffers(2, names + 1);
+        glBindVertexArray(names[0]);
+        glBindBuffer(GL_ARRAY_BUFFER, names[1]);
+        glBufferData(GL_ARRAY_BUFFER, sizeof corners, corners, GL_STATIC_DRAW);
+        glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, names[2]);
+        glBufferData(GL_ELEMENT_ARRAY_BUFFER, sizeof indices, indices, GL_STATIC_DRAW);
+        program = glCreateProgram();
+        for (const auto& [type, text] :
+             {std::pair(GL_VERTEX_SHADER,
+                        "#version 330\nin vec2 place; out vec2 at; uniform mat4 matrix;\n"
+                        "void main() { at = place * 0.5 + 0.5; gl_Position = matrix * vec4(place, 0, 1); }"),
+              std::pair(
+                  GL_FRAGMENT_SHADER,
+                  "#version 330\nin vec2 at; out vec4 color; uniform sampler2D image; uniform vec4 tint;\n"
+                  "void main() { color = texture(image, at) * tint; }")}) {
+            const GLuint shader = glCreateShader(static_cast<GLenum>(type));
+            glShaderSource(shader, 1, &text, nullptr);
+            glCompileShader(shader);
+            glAttachShader(program, shader), glDeleteShader(shader);
+        }
+        glLinkProgram(program);
+        glUseProgram(program);
+        const auto place = static_cast<GLuint>(glGetAttribLocation(program, "place"));
+        glVertexAttribPointer(place, 2, GL_FLOAT, GL_FALSE, 0, nullptr);
+        glEnableVertexAttribArray(place);
+        glGenTextures(1, &texture);
+        glActiveTexture(GL_TEXTURE3);
+        glBindTexture(GL_TEXTURE_2D, texture);
+        glTexImage2D(GL_TEXTURE_2D, 0, GL_SRGB8_ALPHA8, 16, 16, 0, GL_RGBA, GL_UNSIGNED_BYTE,
+                     checkered(16, 16, 4).data());
+        glGenerateMipmap(GL_TEXTURE_2D);
+        glUniform1i(glGetUniformLocation(program, "image"), 3);
+        matrix = glGetUniformLocation(program, "matrix"), tint = glGetUniformLocation(program, "tint");
+        glEnable(GL_BLEND), glBlendFunc(GL_ONE, GL_ONE);
+    }
+    const float shift = 0.1f * static_cast<float>(frame);
+    const float values[16] = {1 - shift, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, shift / 2, 0, 0, 1};
+    glUniformMatrix4fv(matrix, 1, GL_FALSE, values);
+    if (frame != 2)
+        glUniform4f(tint, 1, shift, 1 - shift, 1);
+    glDrawElements(GL_TRIANGLES, 6, GL_UNSIGNED_SHORT, nullptr);
+}
+
 } // namespace Scenes

@@ -607,6 +607,7 @@ const std::map<std::string, void (*)()> scenes = {{"immediate", immediate},
                                                   {"stacks", stacks},
                                                   {"imaging", imaging},
                                                   {"once", once},
+                                                  {"core", core},
                                                   {"contexts", contexts},
                                                   {"resize", resize},
                                                   {"samples", immediate}};
@@ -626,6 +627,11 @@ int main(int argc, char** argv) {
         glfwWindowHint(hint, std::string(argv[1]) == "accumulation" ? 16 : 0);
     glfwWindowHint(GLFW_DECORATED, GLFW_FALSE);
     glfwWindowHint(GLFW_SAMPLES, std::string(argv[1]) == "samples" ? 4 : 0);
+    if (std::string(argv[1]) == "core") {
+        glfwWindowHint(GLFW_CONTEXT_VERSION_MAJOR, 3), glfwWindowHint(GLFW_CONTEXT_VERSION_MINOR, 3);
+        glfwWindowHint(GLFW_OPENGL_PROFILE, GLFW_OPENGL_CORE_PROFILE);
+        glfwWindowHint(GLFW_OPENGL_FORWARD_COMPAT, GLFW_TRUE);
+    }
     window = glfwCreateWindow(size, size, argv[1], nullptr, nullptr);
     if (!window)
         return 77;

@@ -34,5 +34,6 @@ void framebuffers();
 
 // sceneOnce.cpp
 void once();
+void core();
 
 } // namespace Scenes

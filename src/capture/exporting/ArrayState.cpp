@@ -118,6 +118,32 @@ void StateReader::addAttributes() {
     forgetErrors();
 }
 
+void StateReader::addCurrentArrays() {
+    const bool hasObjects = isVersion(3, 0) || has("GL_ARB_vertex_array_object");
+    const std::uint32_t object = hasObjects ? token(GL_VERTEX_ARRAY_BINDING) : 0;
+    if (object == 0)
+        return addArrays();
+    // Those of the object were set with it; there are others without one, but for a core profile.
+    const std::uint32_t buffer = token(GL_ARRAY_BUFFER_BINDING);
+    if (!isCore_) {
+        gl_.cgmBindVertexArray(here, 0, 0);
+        addArrays();
+        gl_.cgmBindVertexArray(here, 0, object);
+    }
+    to_.add("glBindVertexArray", capturedName(ObjectKind::VertexArray, object));
+    to_.add("glBindBuffer", GL_ARRAY_BUFFER, capturedName(ObjectKind::Buffer, buffer));
+}
+
+void StateReader::addPixelBuffers() {
+    if (!facts_.hasPixelBuffers)
+        return;
+    for (const auto& [target, binding] :
+         {std::pair<std::uint32_t, std::uint32_t>(GL_PIXEL_PACK_BUFFER, GL_PIXEL_PACK_BUFFER_BINDING),
+          {GL_PIXEL_UNPACK_BUFFER, GL_PIXEL_UNPACK_BUFFER_BINDING}})
+        addUnless(token(binding) == 0, "glBindBuffer", target,
+                  capturedName(ObjectKind::Buffer, token(binding)));
+}
+
 void StateReader::addArrays() {
     const std::uint32_t buffer = facts_.hasBuffers ? token(GL_ARRAY_BUFFER_BINDING) : 0;
     if (!isCore_)
@@ -129,12 +155,6 @@ void StateReader::addArrays() {
     addUnless(elements == 0, "glBindBuffer", GL_ELEMENT_ARRAY_BUFFER,
               capturedName(ObjectKind::Buffer, elements));
     to_.add("glBindBuffer", GL_ARRAY_BUFFER, capturedName(ObjectKind::Buffer, buffer));
-    if (facts_.hasPixelBuffers)
-        for (const auto& [target, binding] :
-             {std::pair<std::uint32_t, std::uint32_t>(GL_PIXEL_PACK_BUFFER, GL_PIXEL_PACK_BUFFER_BINDING),
-              {GL_PIXEL_UNPACK_BUFFER, GL_PIXEL_UNPACK_BUFFER_BINDING}})
-            addUnless(token(binding) == 0, "glBindBuffer", target,
-                      capturedName(ObjectKind::Buffer, token(binding)));
 }
 
 void StateReader::addBindings() {
@@ -159,7 +179,7 @@ void StateReader::addBindings() {
     else if (isVersion(1, 3) || has("GL_ARB_multitexture"))
         count = integer(GL_MAX_TEXTURE_UNITS);
     const std::uint32_t active = count > 1 ? token(GL_ACTIVE_TEXTURE) : 0;
-    std::uint32_t told = active;
+    std::uint32_t told = isCore_ ? std::uint32_t(GL_TEXTURE0) : active; // else the units were set
     for (int unit = 0; unit < count; ++unit) {
         const auto name = GL_TEXTURE0 + static_cast<std::uint32_t>(unit);
         if (count > 1)

@@ -461,7 +461,8 @@ void StateReader::addStacks() {
 
 void StateReader::addClientLevel() {
     addPixelStore();
-    addArrays();
+    addPixelBuffers();
+    addCurrentArrays();
 }
 
 } // namespace ZLT::Capture

@@ -70,7 +70,9 @@ private:
     void addEvaluators();
     void addCurrentValues();
     // ArrayState.cpp
-    void addArrays();
+    void addCurrentArrays();
+    void addPixelBuffers();
+    void addArrays(); ///< of what is bound
     void addFixedArrays();
     void addAttributes();
     void addBindings();
