@@ -287,9 +287,7 @@ void ConstantText::append(std::string& to, const Function& function, const Param
     if (name == "mode" &&
         (of.starts_with("glDraw") || of.starts_with("glBegin") || of.starts_with("glMulti")))
         return appendPrimitive(to, value);
-    if (value <= 1 && (name.find("factor") != std::string_view::npos || name.starts_with("src") ||
-                       name.starts_with("dst") || name.find("fail") != std::string_view::npos ||
-                       name.find("pass") != std::string_view::npos)) {
+    if (value <= 1 && (of.starts_with("glBlend") || of.starts_with("glStencilOp"))) {
         use(value == 0 ? "GL_ZERO" : "GL_ONE", value);
         to += value == 0 ? "GL_ZERO" : "GL_ONE";
         return;
