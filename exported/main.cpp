@@ -8,6 +8,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <memory>
@@ -22,7 +23,7 @@ constexpr const char* help = R"(Plays the frames of a capture.
 
   --headless    off screen, without a window system
   --verify      compare with what was captured; says which frame differs first
-  --png FOLDER  write a picture of each frame to this folder, which exists
+  --png FOLDER  write a picture of each frame to this folder
   --loop N      play all of it N times
   --help        this text
 )";
@@ -77,6 +78,8 @@ int run(int count, char** words) {
             return word == "--help" ? 0 : 2;
         }
     }
+    if (!options.pictures.empty())
+        std::filesystem::create_directories(options.pictures);
     file = std::make_unique<MappedFile>(path_of_data(words[0]));
     const std::unique_ptr<System> system = is_headless ? make_headless_system() : make_window_system(true);
     the_system = system.get();

@@ -124,7 +124,8 @@ public:
         for (WindowSurface* const one : {&to, &from})
             if (!one->window)
                 one->window = make_window(one->format, its.version_wanted, nullptr, is_visible_);
-        if (to.window == its.window && from.window == its.window)
+        is_own_ = to.window == its.window && from.window == its.window;
+        if (is_own_)
             glfwMakeContextCurrent(its.window);
         else if (!make_current_natively(to.window, from.window, its.window))
             fail("a context can't be made current with another window");
@@ -151,7 +152,17 @@ public:
         GLFWwindow* const window = static_cast<WindowSurface&>(surface).window;
         if (!window)
             return;
-        glfwSwapBuffers(window);
+#if !defined(_WIN32)
+        // By EGL, GLFW swaps only what it made current itself.
+        void* const surface_of_egl = is_own_ ? nullptr : handle_of(window, "glfwGetEGLSurface");
+        const auto swap_natively =
+            surface_of_egl ? loaded<unsigned (*)(void*, void*)>("libEGL.so.1", "eglSwapBuffers") : nullptr;
+        const auto display = loaded<void* (*)()>("libglfw.so.3", "glfwGetEGLDisplay");
+        if (swap_natively && display)
+            swap_natively(display(), surface_of_egl);
+        else
+#endif
+            glfwSwapBuffers(window);
         glfwPollEvents();
         is_closed_ = is_closed_ || glfwWindowShouldClose(window);
     }
@@ -225,6 +236,7 @@ private:
     }
 
     bool is_visible_, is_closed_ = false;
+    bool is_own_ = true; // whether what is current is a window with its own context
     std::vector<GLFWwindow*> windows_;
 };
 

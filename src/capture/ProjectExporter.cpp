@@ -15,6 +15,7 @@ void ProjectExporter::startAt(std::uint64_t frame, const std::string& path, Play
 }
 bool ProjectExporter::exportFrame() { return export_->exportFrame(); }
 void ProjectExporter::finish() { export_->finish(); }
+const std::set<std::string>& ProjectExporter::missing() const { return export_->facts.missing; }
 std::uint64_t ProjectExporter::frameCount() const { return export_->files.frameCount(); }
 std::uint64_t ProjectExporter::callCount() const { return export_->facts.calls; }
 

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <set>
 #include <string>
 
 namespace ZLT::Capture {
@@ -44,6 +45,8 @@ public:
     /// Writes all that is not written yet.
     void finish();
 
+    /// What the project lacks, as sentences.
+    const std::set<std::string>& missing() const;
     std::uint64_t frameCount() const;
     std::uint64_t callCount() const;
 

@@ -61,6 +61,8 @@ int exportProject(const ExportOptions& options) {
     std::cout << options.folder << ": " << counted(exporter.frameCount(), "frame") << ", "
               << counted(exporter.callCount(), "call")
               << "\ncmake -B build && cmake --build build there, then build/" << name << " --verify\n";
+    for (const std::string& sentence : exporter.missing())
+        std::cerr << "zlt_ogl: " << sentence << '\n';
     if (file.damage().empty())
         return 0;
     std::cerr << "zlt_ogl: " << file.damage() << ".\n";
