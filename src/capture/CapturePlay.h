@@ -1,6 +1,7 @@
 #pragma once
 
 #include "capture/CapturedContext.h"
+#include "capture/LinkedPlaces.h"
 #include "capture/PlaySystem.h"
 #include "capture/PlayedAccumulation.h"
 #include "capture/PlayedArrays.h"
@@ -68,18 +69,11 @@ struct Context {
     std::unordered_map<std::uint64_t, Map> maps; // by captured address
 };
 
-struct Linked {
-    std::uint64_t program = 0;
-    std::string places;
-    std::uint32_t count = 0;
-};
-
 } // namespace Playing
 
 struct CapturePlay {
     using Context = Playing::Context;
     using Group = Playing::Group;
-    using Linked = Playing::Linked;
     using Surface = Playing::Surface;
 
     CaptureFile& file;
@@ -99,7 +93,7 @@ struct CapturePlay {
     bool isRead = false; // `call` is one that was not played yet
     std::uint64_t calls = 0, frames = 0, compared = 0;
     std::vector<PlayedArray> arrays; // for the draw that follows
-    std::optional<Linked> linked;
+    std::optional<LinkedPlaces> linked;
 
     // Of the call that is played.
     std::vector<std::uint64_t> arguments;
@@ -133,7 +127,6 @@ struct CapturePlay {
     void comparePicture();
     void swap();
     void resize();
-    void addArray();
     void writeMapped();
     void compareReturned();
     void playEvent();
@@ -174,15 +167,6 @@ struct CapturePlay {
     bool isReplaced(std::uint32_t entry);
     // Before the call.
     void begin(std::uint32_t entry);
-    template <class Take>
-    void eachPlace(const Take& take) {
-        ByteReader from(linked->places);
-        for (std::uint32_t i = 0; i < linked->count; ++i) {
-            const bool isUniform = from.number() != 0;
-            const std::int64_t location = from.signedNumber();
-            take(isUniform, location, std::string(from.text()));
-        }
-    }
     // The linker is to put the attributes where the capture has them.
     void placeAttributes();
     void learnUniforms();
@@ -194,7 +178,6 @@ struct CapturePlay {
     void finish(std::uint32_t entry, std::uint64_t result);
     // Names that came back stand for those that were captured.
     void learnNames(std::uint64_t result);
-    static bool isReadBack(const Function& function, const Parameter& parameter);
     void compareWritten();
     void playCall();
 

@@ -129,6 +129,32 @@ Function readForm(std::string name, std::string form) {
     return function;
 }
 
+std::size_t sizeOfForm(char form) {
+    switch (form) {
+    case 'c':
+    case 'C':
+    case 'b':
+    case 'v':
+        return 1;
+    case 's':
+    case 'S':
+    case 'h':
+        return 2;
+    case 'l':
+    case 'L':
+    case 'd':
+    case 'a':
+    case 'y':
+        return 8;
+    default:
+        return 4;
+    }
+}
+
+bool isReadBack(const Function& function, const Parameter& parameter) {
+    return parameter.length == "packed" || function.name.find("BufferSubData") != std::string::npos;
+}
+
 const Function* functionOf(std::uint32_t number) {
     const std::vector<Function>& all = allFunctions().byNumber;
     return number < all.size() && !all[number].name.empty() ? &all[number] : nullptr;

@@ -43,6 +43,10 @@ struct Function {
 ZLT_CAPTURE_API const Function* functionOf(std::uint32_t number);
 /// By the name, "glBindTexture".
 ZLT_CAPTURE_API const Function* functionNamed(std::string_view name);
+/// Bytes of a value with this form.
+ZLT_CAPTURE_API std::size_t sizeOfForm(char form);
+/// Whether what GL writes there is compared: pictures, and the contents of buffers.
+bool isReadBack(const Function& function, const Parameter& parameter);
 /// The parameters of a form that comes from a file.
 /// @throws FormatError for letters that mean nothing
 Function readForm(std::string name, std::string form);

@@ -159,6 +159,20 @@ bool isVertex(const PlayedArray& array) {
 
 } // namespace
 
+PlayedArray arrayOf(const CapturedCall& call) {
+    PlayedArray array;
+    array.kind = static_cast<ArrayKind>(call.u32(0));
+    array.index = call.u32(1);
+    array.size = call.i32(2);
+    array.type = call.u32(3);
+    array.stride = call.i32(4);
+    array.flags = call.u32(5);
+    array.first = call.values[6].bits;
+    array.bytes = call.values[7].bytes;
+    array.held = call.held;
+    return array;
+}
+
 ArraysForDraw::ArraysForDraw(OGL::OpenGLInterceptor& gl, const CapturedContext& context,
                              const std::vector<PlayedArray>& arrays)
     : gl_(gl), context_(context) {

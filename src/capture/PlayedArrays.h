@@ -1,6 +1,6 @@
 #pragma once
 
-#include "capture/Functions.h"
+#include "capture/CaptureFile.h"
 #include "extensionator/OpenGLInterceptor.h"
 
 #include <cstdint>
@@ -28,6 +28,9 @@ struct PlayedArray {
 
     const char* data() const { return bytes.data(); }
 };
+
+/// Of the record of an array.
+PlayedArray arrayOf(const CapturedCall& call);
 
 /// Points the arrays of the context at these, for the draw within its life. Nothing for no arrays.
 class ArraysForDraw {

@@ -94,7 +94,7 @@ void CapturePlay::begin(std::uint32_t entry) {
 void CapturePlay::placeAttributes() {
     const auto program = static_cast<unsigned int>(arguments[0]);
     const bool isObject = call.function->name.ends_with("ARB");
-    eachPlace([&](bool isUniform, std::int64_t location, const std::string& name) {
+    linked->each([&](bool isUniform, std::int64_t location, const std::string& name) {
         if (isUniform)
             return;
         if (isObject)
@@ -109,7 +109,7 @@ void CapturePlay::learnUniforms() {
     const bool isObject = call.function->name.ends_with("ARB");
     auto& locations = context().group->locations[linked->program];
     locations.clear();
-    eachPlace([&](bool isUniform, std::int64_t location, const std::string& name) {
+    linked->each([&](bool isUniform, std::int64_t location, const std::string& name) {
         if (!isUniform)
             return;
         const int now = isObject ? gl.cgmGetUniformLocationARB(here, 0, program, name.c_str())
@@ -223,10 +223,6 @@ void CapturePlay::learnNames(std::uint64_t result) {
     for (std::size_t i = 0; i < function.parameters.size(); ++i)
         if (const ObjectKind kind = kindOf(function.parameters[i].object); kind != ObjectKind::None)
             forgetNames(i, kind);
-}
-
-bool CapturePlay::isReadBack(const Function& function, const Parameter& parameter) {
-    return parameter.length == "packed" || function.name.find("BufferSubData") != std::string::npos;
 }
 
 void CapturePlay::compareWritten() {

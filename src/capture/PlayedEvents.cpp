@@ -156,20 +156,6 @@ void CapturePlay::resize() {
     system.resize(found->second.handle, call.i32(1), call.i32(2));
 }
 
-void CapturePlay::addArray() {
-    PlayedArray array;
-    array.kind = static_cast<ArrayKind>(call.u32(0));
-    array.index = call.u32(1);
-    array.size = call.i32(2);
-    array.type = call.u32(3);
-    array.stride = call.i32(4);
-    array.flags = call.u32(5);
-    array.first = call.values[6].bits;
-    array.bytes = call.values[7].bytes;
-    array.held = call.held;
-    arrays.push_back(std::move(array));
-}
-
 void CapturePlay::writeMapped() {
     Context& now = context();
     const auto found = now.maps.find(call.values[0].bits);
@@ -210,13 +196,14 @@ void CapturePlay::playEvent() {
     case Event::Swap:
         return swap();
     case Event::Array:
-        return addArray();
+        arrays.push_back(arrayOf(call));
+        return;
     case Event::Written:
         return writeMapped();
     case Event::Returned:
         return compareReturned();
     case Event::Linked:
-        linked = Linked{call.values[0].bits, std::string(call.values[2].bytes), call.u32(1)};
+        linked = LinkedPlaces{call.values[0].bits, std::string(call.values[2].bytes), call.u32(1)};
         return;
     case Event::Incomplete:
         return listener.incomplete(std::string(call.values[0].bytes));

@@ -77,27 +77,6 @@ std::string numberText(char form, std::uint64_t bits) {
     }
 }
 
-std::size_t sizeOfForm(char form) {
-    switch (form) {
-    case 'c':
-    case 'C':
-    case 'b':
-        return 1;
-    case 's':
-    case 'S':
-    case 'h':
-        return 2;
-    case 'l':
-    case 'L':
-    case 'd':
-    case 'a':
-    case 'y':
-        return 8;
-    default:
-        return 4;
-    }
-}
-
 // One element of an array, sign extended.
 std::uint64_t elementAt(std::string_view bytes, char form, std::size_t index) {
     const std::size_t size = sizeOfForm(form);

@@ -71,15 +71,7 @@ void StateReader::addFixedArrays() {
         const auto name = GL_TEXTURE0 + static_cast<std::uint32_t>(unit);
         if (units_ > 1)
             gl_.cgmClientActiveTexture(here, 0, name);
-        std::vector<CapturedCall> before = to_.take();
-        add(coordinatePointer);
-        std::vector<CapturedCall> its = to_.take();
-        for (CapturedCall& call : before)
-            to_.add(std::move(call));
-        if (!its.empty() && units_ > 1)
-            to_.add("glClientActiveTexture", name);
-        for (CapturedCall& call : its)
-            to_.add(std::move(call));
+        addToUnit(units_ > 1 ? "glClientActiveTexture" : nullptr, name, [&] { add(coordinatePointer); });
     }
     if (units_ > 1) {
         gl_.cgmClientActiveTexture(here, 0, active);

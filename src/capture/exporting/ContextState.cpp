@@ -412,6 +412,18 @@ void StateReader::addLevel() {
         addCurrentValues();
 }
 
+void StateReader::addToUnit(const char* selection, std::uint32_t unit, const std::function<void()>& add) {
+    std::vector<CapturedCall> before = to_.take();
+    add();
+    std::vector<CapturedCall> its = to_.take();
+    for (CapturedCall& call : before)
+        to_.add(std::move(call));
+    if (!its.empty() && selection)
+        to_.add(selection, unit);
+    for (CapturedCall& call : its)
+        to_.add(std::move(call));
+}
+
 void StateReader::addContextState() {
     addStacks();
     forgetErrors();

@@ -17,26 +17,6 @@ namespace {
 // As many elements of an array stand in place, and as long a text.
 constexpr std::size_t longestList = 32, longestText = 12'000, longestTexts = 48'000;
 
-std::size_t sizeOfForm(char form) {
-    switch (form) {
-    case 'c':
-    case 'C':
-    case 'b':
-    case 'v':
-        return 1;
-    case 's':
-    case 'S':
-    case 'h':
-        return 2;
-    case 'l':
-    case 'L':
-    case 'd':
-        return 8;
-    default:
-        return 4;
-    }
-}
-
 const char* listOfForm(char form) {
     switch (form) {
     case 'e':
@@ -88,11 +68,6 @@ char formOfType(std::uint64_t type) {
     default:
         return 'v';
     }
-}
-
-// What a read-back is compared as: pictures and the contents of buffers.
-bool isReadBack(const Function& function, const Parameter& parameter) {
-    return parameter.length == "packed" || function.name.find("BufferSubData") != std::string::npos;
 }
 
 std::string_view withoutZero(std::string_view text) {

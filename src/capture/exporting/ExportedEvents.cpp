@@ -146,20 +146,6 @@ void ProjectExport::swap() {
     hasHash = false;
 }
 
-void ProjectExport::addArray() {
-    PlayedArray array;
-    array.kind = static_cast<ArrayKind>(call.u32(0));
-    array.index = call.u32(1);
-    array.size = call.i32(2);
-    array.type = call.u32(3);
-    array.stride = call.i32(4);
-    array.flags = call.u32(5);
-    array.first = call.values[6].bits;
-    array.bytes = call.values[7].bytes;
-    array.held = call.held;
-    arrays.push_back(std::move(array));
-}
-
 void ProjectExport::switchToThread(std::uint32_t thread) {
     if (current == thread)
         return;
@@ -215,7 +201,8 @@ void ProjectExport::exportEvent() {
     case Event::Swap:
         return swap();
     case Event::Array:
-        return addArray();
+        arrays.push_back(arrayOf(call));
+        return;
     case Event::Written:
         if (isSkimming)
             return;

@@ -202,45 +202,28 @@ void ProjectExport::pointArrays() {
     statements += count;
 }
 
-namespace {
-
-template <class Take>
-void eachPlace(const std::string& places, std::uint32_t count, const Take& take) {
-    ByteReader from(places);
-    for (std::uint32_t i = 0; i < count; ++i) {
-        const bool isUniform = from.number() != 0;
-        const std::int64_t location = from.signedNumber();
-        take(isUniform, location, std::string(from.text()));
-    }
-}
-
-} // namespace
-
 void ProjectExport::placeAttributes() {
     // The linker is to put the attributes where it had put them.
     const bool isObject = call.function->name.ends_with("ARB");
-    eachPlace(linked->places, linked->count,
-              [&](bool isUniform, std::int64_t location, const std::string& name) {
-                  if (isUniform)
-                      return;
-                  line += "    " +
-                          nameOfFunction(isObject ? "glBindAttribLocationARB" : "glBindAttribLocation") + '(';
-                  appendName(ObjectKind::Program, call.values[0].bits, "program");
-                  line += ", " + text(location) + ", ";
-                  appendText(line, name);
-                  line += ");\n";
-                  ++statements;
-              });
+    linked->each([&](bool isUniform, std::int64_t location, const std::string& name) {
+        if (isUniform)
+            return;
+        line += "    " + nameOfFunction(isObject ? "glBindAttribLocationARB" : "glBindAttribLocation") + '(';
+        appendName(ObjectKind::Program, call.values[0].bits, "program");
+        line += ", " + text(location) + ", ";
+        appendText(line, name);
+        line += ");\n";
+        ++statements;
+    });
 }
 
 void ProjectExport::learnUniforms() {
     auto& locations = context().group->locations[linked->program];
     locations.clear();
-    eachPlace(linked->places, linked->count,
-              [&](bool isUniform, std::int64_t location, const std::string& name) {
-                  if (isUniform)
-                      locations[location] = name;
-              });
+    linked->each([&](bool isUniform, std::int64_t location, const std::string& name) {
+        if (isUniform)
+            locations[location] = name;
+    });
     linked.reset();
 }
 

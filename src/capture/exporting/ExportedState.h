@@ -3,6 +3,7 @@
 #include "capture/CaptureFile.h"
 #include "capture/CapturedContext.h"
 #include "capture/ExportOptions.h"
+#include "capture/LinkedPlaces.h"
 #include "capture/PlaySystem.h"
 #include "capture/PlayedArrays.h"
 #include "capture/PlayedNames.h"
@@ -38,13 +39,6 @@ struct NameScope {
 
 struct ListFacts {
     std::optional<std::uint64_t> program; ///< that it leaves in use
-};
-
-/// For the next link of a program: where its variables were put.
-struct LinkedPlaces {
-    std::uint64_t program = 0;
-    std::string places;
-    std::uint32_t count = 0;
 };
 
 /// A call that is made again later, with what a draw reads of arrays.
@@ -161,7 +155,7 @@ struct ProjectExport {
     std::map<std::uint32_t, std::shared_ptr<Group>> groups;
     std::uint32_t current = 0;       ///< the thread whose context the project has current
     std::vector<PlayedArray> arrays; ///< for the draw that follows
-    std::optional<Exporting::LinkedPlaces> linked;
+    std::optional<LinkedPlaces> linked;
     bool hasHash = false;
     std::uint64_t hash = 0;
     std::unordered_map<std::uint64_t, std::uint32_t> maps, syncs; ///< their numbers, by what they were
@@ -189,7 +183,6 @@ struct ProjectExport {
     void release(std::uint32_t thread);
     void destroy(Context& old);
     void swap();
-    void addArray();
     /// A statement that is about the system, with no thread of its own.
     void addPlain(const std::string& statement) {
         if (!isSkimming)

@@ -89,6 +89,8 @@ private:
     void carry(const CarriedPixels& pixels, int width, int height, const std::string& bytes,
                std::uint64_t renderbuffer); ///< 0 for the window
 
+    /// What `add` adds, behind the selection of the unit if it is anything.
+    void addToUnit(const char* selection, std::uint32_t unit, const std::function<void()>& add);
     int integer(std::uint32_t name) const { return facts_.integer(name); }
     std::uint32_t token(std::uint32_t name) const { return static_cast<std::uint32_t>(facts_.integer(name)); }
     std::array<float, 16> floats(std::uint32_t name) const;

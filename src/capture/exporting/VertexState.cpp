@@ -116,15 +116,9 @@ void StateReader::addMatrices() {
         const auto name = GL_TEXTURE0 + static_cast<std::uint32_t>(unit);
         if (active != 0)
             gl_.cgmActiveTexture(here, 0, name);
-        std::vector<CapturedCall> before = to_.take();
-        addStack(GL_TEXTURE, GL_TEXTURE_STACK_DEPTH, GL_TEXTURE_MATRIX, static_cast<std::uint32_t>(unit));
-        std::vector<CapturedCall> its = to_.take();
-        for (CapturedCall& call : before)
-            to_.add(std::move(call));
-        if (!its.empty() && active != 0)
-            to_.add("glActiveTexture", name);
-        for (CapturedCall& call : its)
-            to_.add(std::move(call));
+        addToUnit(active != 0 ? "glActiveTexture" : nullptr, name, [&] {
+            addStack(GL_TEXTURE, GL_TEXTURE_STACK_DEPTH, GL_TEXTURE_MATRIX, static_cast<std::uint32_t>(unit));
+        });
     }
     if (has("GL_ARB_vertex_program") || has("GL_ARB_fragment_program"))
         for (int i = 0; i < integer(GL_MAX_PROGRAM_MATRICES_ARB); ++i) {
@@ -270,15 +264,7 @@ void StateReader::addTextureUnits() {
         const auto name = GL_TEXTURE0 + static_cast<std::uint32_t>(unit);
         if (count > 1)
             gl_.cgmActiveTexture(here, 0, name);
-        std::vector<CapturedCall> before = to_.take();
-        addUnit();
-        std::vector<CapturedCall> its = to_.take();
-        for (CapturedCall& call : before)
-            to_.add(std::move(call));
-        if (!its.empty() && count > 1)
-            to_.add("glActiveTexture", name);
-        for (CapturedCall& call : its)
-            to_.add(std::move(call));
+        addToUnit(count > 1 ? "glActiveTexture" : nullptr, name, [&] { addUnit(); });
     }
     if (count > 1) {
         gl_.cgmActiveTexture(here, 0, active);
