@@ -192,7 +192,7 @@ void make_lists(GLuint first, GLsizei count) {
     GLint open = 0;
     glGetIntegerv(list_index, &open);
     // So that GL gives none of these names again.
-    for (GLsizei i = 0; open == 0 && i < count; ++i) {
+    for (GLsizei i = 0; open == 0 && i < std::min(count, 1 << 14); ++i) {
         glNewList(first + static_cast<GLuint>(i), compile);
         glEndList();
     }

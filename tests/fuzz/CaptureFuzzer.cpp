@@ -1,6 +1,6 @@
-// Reads and plays whatever bytes there are, on the scripted GL. The first byte says what the rest is: a file,
-// or records and data of one whose chunks are whole, so that no checksum stands in front of what is behind
-// it.
+// Reads, plays and exports whatever bytes there are, on the scripted GL. The first byte says what the rest
+// is: a file, or records and data of one whose chunks are whole, so that no checksum stands in front of what
+// is behind it.
 
 #include "FakeGL.h"
 #include "FakeWindowSystem.h"
@@ -8,6 +8,7 @@
 #include "capture/CaptureFile.h"
 #include "capture/CapturePlayer.h"
 #include "capture/Compression.h"
+#include "capture/ProjectExporter.h"
 #include "extensionator/OpenGLCall.h"
 #include "extensionator/OpenGLInterceptor.h"
 
@@ -96,6 +97,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         PlayListener listener;
         CapturePlayer player(file, system, *ZLT::OGL::OpenGLInterceptor::Instance(), listener, {true});
         for (int frame = 0; frame < 100 && player.playFrame(); ++frame)
+            continue;
+        // Nothing of it is left.
+        file.rewind();
+        ProjectExporter exporter(file, {"/dev/shm/zlt_fuzz_" + std::to_string(getpid()), "fuzz", "capture"});
+        for (int frame = 0; frame < 100 && exporter.exportFrame(); ++frame)
             continue;
     } catch (const std::exception&) {
         // What is wrong is said by one; a call between glBegin and glEnd is another.

@@ -7,6 +7,7 @@
 #include "capture/CapturePlayer.h"
 #include "capture/OpenGLCapture.h"
 #include "capture/PlayedEntries.h"
+#include "capture/ProjectExporter.h"
 #include "extensionator/OpenGLCall.h"
 #include "extensionator/ScopedInterceptor.h"
 #include "extensionator/gl_tokens.h"
@@ -14,8 +15,10 @@
 #include <algorithm>
 #include <bit>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <map>
 #include <string>
 #include <vector>
@@ -250,6 +253,54 @@ TEST_F(CaptureTest, everyEntryIsPlayedWithTheDataOfItsCapture) {
         }
     }
     EXPECT_LT(700u, withData);
+}
+
+// Each is a statement, which a compiler takes.
+TEST_F(CaptureTest, everyEntryIsExported) {
+    const std::string folder = testing::TempDir() + "exported";
+    std::filesystem::remove_all(folder);
+    {
+        CaptureFileWriter file(path);
+        OpenGLCapture capture(file);
+        const ScopedInterceptor installed(capture);
+        for (unsigned int entry = 0; entry < openGLEntryCount(); ++entry) {
+            const Function& function = *functionOf(firstEntry + entry);
+            std::vector<std::uint64_t> arguments;
+            for (std::size_t i = 0; i < function.parameters.size(); ++i)
+                arguments.push_back(argumentFor(function, i));
+            if (function.name == "glEnd")
+                capture.cgmBegin("scene.cpp", 16, GL_LINES);
+            callAndSee(function, capture, arguments, {});
+            if (function.name == "glBegin")
+                capture.cgmEnd("scene.cpp", 18);
+            if (function.name == "glNewList")
+                capture.cgmEndList("scene.cpp", 18);
+        }
+        capture.end();
+    }
+    CaptureFile file(path);
+    ProjectExporter exporter(file, {folder, "every", "capture.zlt"});
+    while (exporter.exportFrame())
+        continue;
+    exporter.finish();
+    std::string source;
+    std::string command =
+        "cd '" + folder + "' && c++ -std=c++17 -Wall -Wextra -Werror -fsyntax-only frames*.cpp";
+    for (const std::filesystem::directory_entry& entry : std::filesystem::directory_iterator(folder))
+        if (entry.path().filename().string().starts_with("frames_")) {
+            std::ifstream text(entry.path());
+            source.append(std::istreambuf_iterator<char>(text), {});
+        }
+    for (unsigned int entry = 0; entry < openGLEntryCount(); ++entry) {
+        const std::string& name = functionOf(firstEntry + entry)->name;
+        const bool isThere = source.find(' ' + name + '(') != std::string::npos;
+        EXPECT_TRUE(isThere || (name == "glGenLists" && source.find("make_lists(") != std::string::npos))
+            << name;
+    }
+#if !defined(_WIN32)
+    EXPECT_EQ(0, std::system(command.c_str()));
+#endif
+    std::filesystem::remove_all(folder);
 }
 
 } // namespace

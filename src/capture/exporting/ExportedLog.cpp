@@ -143,7 +143,7 @@ void ProjectExport::keepList() {
     KeptObjects& kept = now.group->kept;
     const std::uint32_t entry = call.function->number - firstEntry;
     if (entry == Entry::GenLists && call.result.bits != 0) {
-        for (std::int32_t i = 0; i < call.i32(0); ++i)
+        for (std::int32_t i = 0; i < std::min(call.i32(0), 1 << 14); ++i) // as a player does it
             kept.emptyLists.insert(call.result.bits + static_cast<std::uint64_t>(i));
     } else if (entry == Entry::DeleteLists) {
         const auto count = static_cast<std::uint64_t>(std::max(call.i32(1), 0));
