@@ -1,7 +1,7 @@
 // What is behind `zlt_ogl replay` and `zlt_ogl dump`.
 
 #include "Dump.h"
-#include "Export.h"
+#include "ExportProject.h"
 #include "Guarded.h"
 #include "ProgramFile.h"
 #include "Replay.h"

@@ -1,4 +1,4 @@
-#include "Export.h"
+#include "ExportProject.h"
 
 #include "ProgramFile.h"
 #include "Progress.h"
