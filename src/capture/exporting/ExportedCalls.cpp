@@ -365,10 +365,11 @@ void ProjectExport::exportCall() {
     ++facts.calls;
     line.clear();
     before.clear();
+    assignment.clear();
     statements = 0;
     begin();
     if (!isReplaced()) {
-        line += "    ";
+        (line += "    ") += assignment;
         if (const ObjectKind kind = kindOf(function.result.object);
             kind != ObjectKind::None && kind != ObjectKind::UniformLocation && kind != ObjectKind::List &&
             call.result.bits != 0) {

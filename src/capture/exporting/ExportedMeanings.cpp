@@ -77,7 +77,7 @@ void ProjectExport::begin() {
     case Entry::MapNamedBufferEXT:
     case Entry::MapObjectBufferATI:
         maps[call.result.bits] = ++mapCount;
-        line += "    " + use(now.names, "mapped") + '[' + std::to_string(mapCount) + "] =\n    ";
+        assignment = use(now.names, "mapped") + '[' + std::to_string(mapCount) + "] = ";
         break;
     default:
         break;

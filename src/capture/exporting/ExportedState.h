@@ -241,6 +241,7 @@ struct ProjectExport {
     void appendNumberOf(const Parameter& parameter, std::size_t index);
     void endStatement();
     std::size_t statements = 0; ///< of the line
+    std::string assignment;     ///< in front of the call
     std::string before;         ///< statements that the call needs in front of it
 
     // ExportedMeanings.cpp

@@ -201,7 +201,7 @@ std::string ProjectFiles::endFunction(const std::string& name) {
         if (!frame_.empty())
             writePart();
         for (const std::string& part : parts_)
-            (((frame_ += "    void ") += part) += "();\n    ") += part + "();\n";
+            (((frame_ += "    { void ") += part) += "(); ") += part + "(); }\n";
         parts_.clear();
     }
     ++started_;
@@ -210,7 +210,7 @@ std::string ProjectFiles::endFunction(const std::string& name) {
 
 void ProjectFiles::endStart(std::uint64_t number) {
     const std::string name = endFunction("before_frame_" + std::to_string(number));
-    frame_ = "    void " + name + "();\n    " + name + "();\n";
+    frame_ = "    { void " + name + "(); " + name + "(); }\n";
 }
 
 void ProjectFiles::endFrame(std::uint64_t number, bool hasHash, std::uint64_t hash) {
