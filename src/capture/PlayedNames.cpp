@@ -23,6 +23,8 @@ ObjectKind kindOf(std::string_view object) {
                                                                  {"async marker", AsyncMarker},
                                                                  {"buffer region", BufferRegion},
                                                                  {"uniform location", UniformLocation}};
+    if (object.empty()) // as of most parameters
+        return None;
     const auto found = kinds.find(object);
     return found == kinds.end() ? None : found->second;
 }

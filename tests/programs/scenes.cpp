@@ -568,12 +568,32 @@ void contexts() {
     glClearColor(0.3f, 0.1f * static_cast<float>(frame), 0, 1);
     glClear(GL_COLOR_BUFFER_BIT);
     lists();
+    // A map and a fence of the group that shares with none; one fence is there from frame to frame.
+    static GLsync fence = nullptr;
+    const GLsync old = fence;
+    fence = glFenceSync(GL_SYNC_GPU_COMMANDS_COMPLETE, 0);
+    if (old)
+        glClientWaitSync(old, 0, 1000), glDeleteSync(old);
+    const float corners[] = {-0.9f, 0.5f, -0.5f, 0.5f, -0.9f, 0.9f};
+    static GLuint buffer = 0;
+    if (buffer == 0)
+        glGenBuffers(1, &buffer);
+    glBindBuffer(GL_ARRAY_BUFFER, buffer);
+    glBufferData(GL_ARRAY_BUFFER, sizeof corners, nullptr, GL_STREAM_DRAW);
+    std::memcpy(glMapBuffer(GL_ARRAY_BUFFER, GL_WRITE_ONLY), corners, sizeof corners);
+    glUnmapBuffer(GL_ARRAY_BUFFER);
+    glVertexPointer(2, GL_FLOAT, 0, nullptr);
+    glEnableClientState(GL_VERTEX_ARRAY);
+    glDrawArrays(GL_TRIANGLES, 0, 3);
+    glDisableClientState(GL_VERTEX_ARRAY);
+    glBindBuffer(GL_ARRAY_BUFFER, 0);
     glfwSwapBuffers(alone);
     glfwMakeContextCurrent(window);
     if (frame == 2) {
         glfwDestroyWindow(other);
         glfwDestroyWindow(alone);
         other = alone = nullptr;
+        fence = nullptr, buffer = 0; // which went with their context
     }
 }
 

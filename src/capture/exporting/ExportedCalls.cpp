@@ -375,7 +375,7 @@ void ProjectExport::exportCall() {
             call.result.bits != 0) {
             if (kind == ObjectKind::Sync) {
                 syncs[call.result.bits] = ++syncCount;
-                line += use(context().group->names, "sync") + '[' + std::to_string(syncCount) + "] = ";
+                line += use({}, "sync") + '[' + std::to_string(syncCount) + "] = ";
             } else {
                 if (function.name.starts_with("glCreateShader"))
                     context().group->shaders.insert(call.result.bits);
@@ -385,7 +385,7 @@ void ProjectExport::exportCall() {
                 const bool isRange = kind == ObjectKind::FragmentShader || kind == ObjectKind::VertexShader ||
                                      kind == ObjectKind::AsyncMarker || kind == ObjectKind::Symbol;
                 const std::string variable = variableOf(kind, call.result.bits, function.result.object);
-                line += scopeOf(kind).prefix + use(scopeOf(kind), variable);
+                line += use(scopeOf(kind), variable);
                 const std::string number = std::to_string(call.result.bits);
                 if (isRange && !call.values.empty())
                     line += ".range(" + number + ", " +

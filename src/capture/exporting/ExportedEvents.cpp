@@ -208,8 +208,7 @@ void ProjectExport::exportEvent() {
             return;
         if (const auto found = maps.find(call.values[0].bits);
             found != maps.end() && contextOf(call.thread)) {
-            const NameScope& scope = context().names;
-            line = "    write(" + use(scope, "mapped") + '[' + std::to_string(found->second) + "], " +
+            line = "    write(" + use({}, "mapped") + '[' + std::to_string(found->second) + "], " +
                    std::to_string(call.values[1].bits) + ", ";
             appendData(call.values[2]);
             line += ", " + std::to_string(call.values[2].bytes.size()) + ");\n";

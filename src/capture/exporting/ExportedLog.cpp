@@ -37,6 +37,7 @@ void ProjectExport::skimNames() {
     const ObjectKind kind = kindOf(function.result.object);
     if (kind == ObjectKind::Sync && call.result.bits != 0) {
         syncs[call.result.bits] = ++syncCount;
+        context().group->kept.syncs.insert(call.result.bits);
     } else if (kind == ObjectKind::Program && call.result.bits != 0) {
         if (function.name.starts_with("glCreateShader"))
             context().group->shaders.insert(call.result.bits);

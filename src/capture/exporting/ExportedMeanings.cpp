@@ -16,6 +16,20 @@ namespace {
 
 std::string text(std::int64_t value) { return std::to_string(value); }
 
+// Asked at every call, and so answered once for each function.
+bool changesArrays(const Function& function) {
+    static std::vector<signed char> known(4096, -1);
+    signed char& its = known[function.number];
+    if (its < 0) {
+        its = 0;
+        for (const char* const part :
+             {"Pointer", "InterleavedArrays", "ClientAttrib", "VertexArray", "ArrayObject"})
+            if (function.name.find(part) != std::string::npos && !function.name.starts_with("glGet"))
+                its = 1;
+    }
+    return its != 0;
+}
+
 } // namespace
 
 bool ProjectExport::isReplaced() {
@@ -77,7 +91,7 @@ void ProjectExport::begin() {
     case Entry::MapNamedBufferEXT:
     case Entry::MapObjectBufferATI:
         maps[call.result.bits] = ++mapCount;
-        assignment = use(now.names, "mapped") + '[' + std::to_string(mapCount) + "] = ";
+        assignment = use({}, "mapped") + '[' + std::to_string(mapCount) + "] = ";
         break;
     default:
         break;
@@ -293,14 +307,8 @@ void ProjectExport::followClientState() {
     default:
         break;
     }
-    // How the arrays point may be another then.
-    const std::string& name = call.function->name;
-    for (const char* const part :
-         {"Pointer", "InterleavedArrays", "ClientAttrib", "VertexArray", "ArrayObject"})
-        if (name.find(part) != std::string::npos && !name.starts_with("glGet")) {
-            now.arrays.clear();
-            break;
-        }
+    if (changesArrays(*call.function)) // how they point may be another then
+        now.arrays.clear();
 }
 
 void ProjectExport::followCall() {

@@ -66,8 +66,9 @@ NameScope* ProjectExport::findScope(ObjectKind kind, std::uint64_t name) {
     return nullptr;
 }
 
-const std::string& ProjectExport::use(const NameScope& scope, const std::string& variable) {
-    return facts.variables.emplace(scope.prefix, variable).first->second;
+std::string ProjectExport::use(const NameScope& scope, const std::string& variable) {
+    facts.variables.emplace(scope.prefix, variable);
+    return scope.prefix + variable;
 }
 
 std::string ProjectExport::variableOf(ObjectKind kind, std::uint64_t name, std::string_view object) {
@@ -101,9 +102,8 @@ void ProjectExport::appendName(ObjectKind kind, std::uint64_t name, std::string_
     }
     if (kind == ObjectKind::Sync) {
         const auto found = syncs.find(name);
-        line += found == syncs.end()
-                    ? "nullptr"
-                    : use(context().group->names, "sync") + '[' + std::to_string(found->second) + ']';
+        line +=
+            found == syncs.end() ? "nullptr" : use({}, "sync") + '[' + std::to_string(found->second) + ']';
         return;
     }
     NameScope* scope = findScope(kind, name);
@@ -117,12 +117,11 @@ void ProjectExport::appendName(ObjectKind kind, std::uint64_t name, std::string_
         }
         scope = &scopeOf(kind);
         scope->known[kind].insert(name);
-        const std::string its = scope->prefix + use(*scope, variable);
+        const std::string its = use(*scope, variable);
         before += std::string("    ") + nameOfFunction(maker) + "(1, " + its + ".made({" +
                   std::to_string(name) + "})); // the program made the name up\n";
         ++statements;
     }
-    line += scope->prefix;
     line += use(*scope, variable);
     line += '[';
     appendNumber(line, std::uint64_t(name));
@@ -155,7 +154,7 @@ void ProjectExport::appendNames(ObjectKind kind, const CapturedValue& value, std
         appendData(value);
         return;
     }
-    line += scope.prefix + use(scope, variable) + how;
+    line += use(scope, variable) + how;
     if (count <= longestList) {
         line += "({" + list + "})";
         return;

@@ -65,6 +65,7 @@ void ProjectExport::bring(CapturePlay& play) {
         contexts[number].thread = thread;
     // Who makes the next call is made current by it.
     current = 0;
+    facts.calls = 0; // of the capture, of which none is written yet
     files.endStart(facts.firstFrame);
 }
 
@@ -139,9 +140,9 @@ void ProjectExport::bringContext(CapturePlay& play, Context& its, bool isFirst) 
         addPrograms(*its.group);
         addLists(*its.group);
         MadeCalls fences;
-        const std::map<std::uint64_t, std::uint32_t> old(syncs.begin(), syncs.end());
-        for (const auto& [sync, number] : old)
-            fences.addMaking("glFenceSync", sync, GL_SYNC_GPU_COMMANDS_COMPLETE, 0);
+        for (const std::uint64_t sync : its.group->kept.syncs)
+            if (syncs.contains(sync)) // and not deleted
+                fences.addMaking("glFenceSync", sync, GL_SYNC_GPU_COMMANDS_COMPLETE, 0);
         addKept(fences.take());
     }
     addKept(state.take());

@@ -83,7 +83,7 @@ struct KeptObjects {
     std::map<std::uint64_t, KeptShader> shaders;
     std::map<std::uint64_t, KeptProgram> programs;
     std::map<std::uint64_t, KeptList> lists;
-    std::set<std::uint64_t> emptyLists;
+    std::set<std::uint64_t> emptyLists, syncs;
     std::unordered_map<std::uint64_t, std::uint32_t> textureTargets, assemblyTargets;
     std::uint64_t order = 0;
 };
@@ -158,7 +158,8 @@ struct ProjectExport {
     std::optional<LinkedPlaces> linked;
     bool hasHash = false;
     std::uint64_t hash = 0;
-    std::unordered_map<std::uint64_t, std::uint32_t> maps, syncs; ///< their numbers, by what they were
+    std::unordered_map<std::uint64_t, std::uint32_t> maps,
+        syncs; ///< their numbers in the project, by what they were; of all groups
     std::uint32_t mapCount = 0, syncCount = 0;
 
     ProjectExport(CaptureFile& from, const ExportOptions& options);
@@ -199,7 +200,8 @@ struct ProjectExport {
     void appendName(ObjectKind kind, std::uint64_t name, std::string_view object);
     void appendNames(ObjectKind kind, const CapturedValue& value, std::string_view object, const char* how);
     std::string variableOf(ObjectKind kind, std::uint64_t name, std::string_view object);
-    const std::string& use(const NameScope& scope, const std::string& variable);
+    /// The variable as statements have it: "group2.texture". It is declared from then on.
+    std::string use(const NameScope& scope, const std::string& variable);
     void learnNames();
     void appendLocation(std::int64_t location);
 
