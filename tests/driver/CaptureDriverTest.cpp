@@ -16,6 +16,8 @@
 #include <filesystem>
 #include <system_error>
 
+#include <unistd.h>
+
 using namespace ZLT::OGL;
 using namespace ZLT::Capture;
 
@@ -59,7 +61,7 @@ void draw(int frame, unsigned int texture) {
 class CaptureDriverTest : public StartedDriver {};
 
 TEST_F(CaptureDriverTest, sharedContextsOfTheWglChainArePlayedEqual) {
-    const std::string path = testing::TempDir() + "client.zlt";
+    const std::string path = testing::TempDir() + "client" + std::to_string(getpid()) + ".zlt";
     {
         CaptureFileWriter file(path);
         OpenGLCapture::Options options;
