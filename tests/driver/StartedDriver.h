@@ -49,10 +49,10 @@ contextOn(HWND window, const ZLT::OGL::Context* share = nullptr,
                                                        ZLT::OGL::Context::teMultisample(samples), share);
 }
 
-/// So many repetitions; under the thread sanitizer, whose price for each of the driver's threads is seconds,
-/// a twentieth.
+/// So many repetitions; under the sanitizers, whose price for each of the driver's threads and libraries is
+/// seconds, a twentieth.
 constexpr int repeated(int times) {
-#if defined(__SANITIZE_THREAD__)
+#if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
     return times / 20;
 #else
     return times;
