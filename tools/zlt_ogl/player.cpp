@@ -1,4 +1,4 @@
-// What is behind `zlt_ogl replay` and `zlt_ogl dump`.
+// What is behind the commands of captures: `zlt_ogl replay`, `dump` and `export`.
 
 #include "Dump.h"
 #include "ExportProject.h"

@@ -18,16 +18,19 @@ std::string text(std::int64_t value) { return std::to_string(value); }
 
 // Asked at every call, and so answered once for each function.
 bool changesArrays(const Function& function) {
-    static std::vector<signed char> known(4096, -1);
-    signed char& its = known[function.number];
-    if (its < 0) {
-        its = 0;
-        for (const char* const part :
-             {"Pointer", "InterleavedArrays", "ClientAttrib", "VertexArray", "ArrayObject"})
-            if (function.name.find(part) != std::string::npos && !function.name.starts_with("glGet"))
-                its = 1;
-    }
-    return its != 0;
+    static const std::vector<bool> known = [] {
+        std::vector<bool> all(firstEntry);
+        while (const Function* const one = functionOf(static_cast<std::uint32_t>(all.size()))) {
+            bool changes = false;
+            for (const char* const part :
+                 {"Pointer", "InterleavedArrays", "ClientAttrib", "VertexArray", "ArrayObject"})
+                changes =
+                    changes || (one->name.find(part) != std::string::npos && !one->name.starts_with("glGet"));
+            all.push_back(changes);
+        }
+        return all;
+    }();
+    return function.number < known.size() && known[function.number];
 }
 
 } // namespace

@@ -128,6 +128,7 @@ void ConstantText::append(std::string& to, std::uint32_t value) {
     for (const auto& [constant, other] : twice)
         if (value == constant)
             name = other;
+    // Where a token is wanted, the name of a bit of a mask would mislead.
     if (name == "Unknown Token" || name.ends_with("_BIT")) {
         appendHex(to, value);
         return;
