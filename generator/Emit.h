@@ -138,6 +138,12 @@ void emitDriverCalls(const std::vector<Topic>& topics, const std::filesystem::pa
 /// CapturedEntries.inl: forms and meanings of the entries. PlayedEntries.inl: how a player calls them.
 void emitCapturedFunctions(const std::vector<EntryPoint>& entries, const std::vector<Arguments>& arguments,
                            const std::filesystem::path& directory);
+/// A length of gl_arguments.tsv as C++.
+std::string qualified(const std::string& length);
+/// ReadPointers.inl: of each entry, what it reads of the client's memory. ReadingEntries.inl: which do.
+/// NamedObjects.inl: the parameters that name objects which GL makes of any name.
+void emitChecks(const std::vector<EntryPoint>& entries, const std::vector<Arguments>& arguments,
+                const std::filesystem::path& directory);
 /// gl_tokens.h.
 void emitTokenHeader(const std::vector<Token>& tokens, const std::filesystem::path& directory);
 /// TokenRows.inl.

@@ -117,6 +117,8 @@ Hook hookOf(const EntryPoint& entry, const Arguments& arguments) {
     return {entry.name, "", "", changesArrays(entry, arguments) ? "arraysChanged()" : ""};
 }
 
+} // namespace
+
 // What Sizes.h computes has its name in front, since many parameters are called like functions of it.
 std::string qualified(const std::string& length) {
     std::string text, word;
@@ -131,6 +133,8 @@ std::string qualified(const std::string& length) {
     }
     return text + word;
 }
+
+namespace {
 
 std::string functionOf(const std::string& length) {
     const std::size_t bracket = length.find('(');

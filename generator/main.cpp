@@ -62,6 +62,7 @@ void generate(const std::filesystem::path& tables, const std::filesystem::path& 
     emitCapture(topics, arguments, output / "src" / "capture");
     emitDriverCalls(topics, output / "src" / "capture");
     emitCapturedFunctions(entries, arguments, output / "src" / "capture");
+    emitChecks(entries, arguments, output / "src" / "intercept" / "checks");
     emitTokens(tokens, sources);
     emitTokenHeader(tokens, headers);
     emitEntryRows(entries, output / "tests");

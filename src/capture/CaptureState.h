@@ -4,6 +4,7 @@
 #include "capture/CaptureOutput.h"
 #include "capture/CaptureSurroundings.h"
 #include "capture/CapturedContext.h"
+#include "capture/IndexRange.h"
 #include "capture/Records.h"
 
 #include <array>
@@ -88,6 +89,8 @@ public:
     /// The context that is current is another one, or has other surfaces.
     void noticeContext();
     void forgetContext() { handle_ = unknownHandle(); }
+    /// For who captures nothing, and asks Sizes.h: about this context, which somebody else has learned.
+    void useContext(CapturedContext& context) { context_ = &context; }
     void noticeSize(std::uint64_t id, CaptureSurroundings::Size size);
     void swapping(std::uint64_t surface);
     void incomplete(std::string_view what);
@@ -122,11 +125,8 @@ public:
 
 private:
     static void* unknownHandle();
-    struct Range {
-        std::uint64_t first, last;
-    };
-    void drawRange(Range range, int instances);
-    bool addRange(unsigned int type, const void* indices, int count, Range& range);
+    void drawRange(IndexRange range, int instances);
+    bool addRange(unsigned int type, const void* indices, int count, IndexRange& range);
     void written(const void* address, std::uint64_t offset, std::uint64_t size);
     void endFrame(std::uint64_t id);
     std::uint32_t noticeSurface(std::uint64_t id);

@@ -45,15 +45,16 @@ void CapturedContext::learn() {
     int major = 1, minor = 1;
     if (text && std::sscanf(text, "%d.%d", &major, &minor) == 2)
         version = 10 * major + minor;
-    if (const auto* const names = reinterpret_cast<const char*>(glGetString(GL_EXTENSIONS)))
-        extensions_ = ' ' + std::string(names) + ' ';
     if (isVersion(3, 2)) {
         GLint profile = 0;
         glGetIntegerv(GL_CONTEXT_PROFILE_MASK, &profile);
         isCore = (profile & GL_CONTEXT_CORE_PROFILE_BIT) != 0;
     }
+    // Which a core profile refuses to say, with an error.
+    const GLubyte* const names = isCore ? nullptr : glGetString(GL_EXTENSIONS);
+    if (names)
+        extensions_ = ' ' + std::string(reinterpret_cast<const char*>(names)) + ' ';
     if (extensions_.empty() && isVersion(3, 0) && functions.getStringi) {
-        // A core profile refuses the question above.
         const int count = integer(GL_NUM_EXTENSIONS);
         for (int i = 0; i < count; ++i)
             if (const auto* const name = functions.getStringi(GL_EXTENSIONS, static_cast<GLuint>(i)))
@@ -143,27 +144,34 @@ const char* pointerOf(unsigned int name) {
 
 } // namespace
 
+void CapturedContext::add(const ClientArray& array) {
+    if (listsEnabled)
+        enabled.push_back(array);
+    if (array.pointer && array.buffer == 0)
+        arrays.push_back(array);
+}
+
 void CapturedContext::addFixedArrays() {
-    const auto add = [this](const FixedArray& row, std::uint32_t unit) {
+    const auto addRow = [this](const FixedArray& row, std::uint32_t unit) {
         if (!glIsEnabled(row.array))
             return;
-        if (hasBuffers && row.buffer != 0 && integer(row.buffer) != 0) {
-            hasBufferArrays = true;
-            return;
-        }
         ClientArray array;
+        if (hasBuffers && row.buffer != 0)
+            array.buffer = static_cast<std::uint32_t>(integer(row.buffer));
+        hasBufferArrays = hasBufferArrays || array.buffer != 0;
+        if (array.buffer != 0 && !listsEnabled)
+            return;
         array.kind = row.kind;
         array.index = unit;
         array.size = row.size != 0 ? integer(row.size) : row.fixedSize;
         array.type = row.type != 0 ? static_cast<std::uint32_t>(integer(row.type)) : GL_UNSIGNED_BYTE;
         array.stride = row.stride != 0 ? integer(row.stride) : 0;
         array.pointer = pointerOf(row.pointer);
-        if (array.pointer)
-            arrays.push_back(array);
+        add(array);
     };
     for (const FixedArray& row : fixedArrays)
         if (version >= row.since || (row.extension && has(row.extension)))
-            add(row, 0);
+            addRow(row, 0);
     constexpr FixedArray texCoord = {ArrayKind::TexCoord,
                                      GL_TEXTURE_COORD_ARRAY,
                                      GL_TEXTURE_COORD_ARRAY_SIZE,
@@ -175,13 +183,13 @@ void CapturedContext::addFixedArrays() {
                                      11,
                                      nullptr};
     if (textureUnits <= 1) {
-        add(texCoord, 0);
+        addRow(texCoord, 0);
         return;
     }
     const auto active = static_cast<unsigned int>(integer(GL_CLIENT_ACTIVE_TEXTURE));
     for (int unit = 0; unit < textureUnits; ++unit) {
         functions.clientActiveTexture(GL_TEXTURE0 + static_cast<unsigned int>(unit));
-        add(texCoord, static_cast<std::uint32_t>(unit));
+        addRow(texCoord, static_cast<std::uint32_t>(unit));
     }
     functions.clientActiveTexture(active);
 }
@@ -195,11 +203,12 @@ void CapturedContext::addAttributes() {
     for (std::uint32_t index = 0; index < static_cast<std::uint32_t>(attributes); ++index) {
         if (!ask(index, GL_VERTEX_ATTRIB_ARRAY_ENABLED))
             continue;
-        if (hasBuffers && ask(index, GL_VERTEX_ATTRIB_ARRAY_BUFFER_BINDING) != 0) {
-            hasBufferArrays = true;
-            continue;
-        }
         ClientArray array;
+        if (hasBuffers)
+            array.buffer = static_cast<std::uint32_t>(ask(index, GL_VERTEX_ATTRIB_ARRAY_BUFFER_BINDING));
+        hasBufferArrays = hasBufferArrays || array.buffer != 0;
+        if (array.buffer != 0 && !listsEnabled)
+            continue;
         array.kind = ArrayKind::Attribute;
         array.index = index;
         array.size = ask(index, GL_VERTEX_ATTRIB_ARRAY_SIZE);
@@ -214,8 +223,7 @@ void CapturedContext::addAttributes() {
         void* pointer = nullptr;
         functions.getVertexAttribPointerv(index, GL_VERTEX_ATTRIB_ARRAY_POINTER, &pointer);
         array.pointer = static_cast<const char*>(pointer);
-        if (array.pointer)
-            arrays.push_back(array);
+        add(array);
     }
 }
 
@@ -223,10 +231,12 @@ void CapturedContext::learnArrays() {
     if (areArraysKnown || !mayAsk())
         return;
     arrays.clear();
+    enabled.clear();
     hasBufferArrays = false;
-    if (!isCore) // which has no arrays in the client's memory at all
+    if (!isCore)
         addFixedArrays();
-    if (!isCore && functions.getVertexAttribiv && functions.getVertexAttribPointerv)
+    // A core profile has no arrays in the client's memory at all.
+    if ((!isCore || listsEnabled) && functions.getVertexAttribiv && functions.getVertexAttribPointerv)
         addAttributes();
     areArraysKnown = true;
 }

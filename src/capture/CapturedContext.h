@@ -23,6 +23,7 @@ struct ClientArray {
     std::int32_t stride = 0; ///< as GL has it: 0 for tightly packed
     std::uint32_t flags = 0; ///< of ArrayFlag
     std::uint32_t divisor = 0;
+    std::uint32_t buffer = 0; ///< where it lies, and the pointer is an offset; 0 for the client's memory
     const char* pointer = nullptr;
 
     std::size_t elementSize() const;
@@ -65,6 +66,9 @@ public:
     bool areArraysKnown = false;
     std::vector<ClientArray> arrays; ///< those that are enabled, and in the client's memory
     bool hasBufferArrays = false;    ///< others are enabled, and in buffers
+    /// Whether `enabled` is wanted as well: all that are enabled, also in buffers and with null pointers.
+    bool listsEnabled = false;
+    std::vector<ClientArray> enabled;
     LentMemory feedback, selection;
     unsigned int mode = 0;                                    ///< GL_RENDER, GL_FEEDBACK, GL_SELECT
     std::unordered_map<std::uint32_t, std::uint32_t> symbols; ///< of EXT_vertex_shader, with their data types
@@ -77,6 +81,7 @@ public:
     unsigned int elementBuffer() const;
 
 private:
+    void add(const ClientArray& array);
     void addFixedArrays();
     void addAttributes();
     std::string extensions_;

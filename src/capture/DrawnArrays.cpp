@@ -1,6 +1,7 @@
 // What a draw reads of the client's arrays.
 
 #include "capture/CaptureState.h"
+#include "capture/IndexRange.h"
 #include "capture/Readable.h"
 
 #include <algorithm>
@@ -19,39 +20,9 @@ struct Span {
     std::uint32_t number = 0;
 };
 
-// A restart index is no vertex.
-bool findRestart(const CapturedContext& context, std::uint32_t& restart) {
-    if (context.isVersion(3, 1) && glIsEnabled(GL_PRIMITIVE_RESTART)) {
-        restart = static_cast<std::uint32_t>(context.integer(GL_PRIMITIVE_RESTART_INDEX));
-        return true;
-    }
-    if (context.has("GL_NV_primitive_restart") && glIsEnabled(GL_PRIMITIVE_RESTART_NV)) {
-        restart = static_cast<std::uint32_t>(context.integer(GL_PRIMITIVE_RESTART_INDEX_NV));
-        return true;
-    }
-    return false;
-}
-
-std::uint32_t indexAt(const char* from, unsigned int type, std::size_t i) {
-    switch (type) {
-    case GL_UNSIGNED_BYTE:
-        return static_cast<unsigned char>(from[i]);
-    case GL_UNSIGNED_SHORT: {
-        std::uint16_t index;
-        std::memcpy(&index, from + 2 * i, sizeof index);
-        return index;
-    }
-    default: {
-        std::uint32_t index;
-        std::memcpy(&index, from + 4 * i, sizeof index);
-        return index;
-    }
-    }
-}
-
 } // namespace
 
-void CaptureState::drawRange(Range range, int instances) {
+void CaptureState::drawRange(IndexRange range, int instances) {
     struct Drawn {
         const ClientArray* array;
         Span span;
@@ -59,7 +30,7 @@ void CaptureState::drawRange(Range range, int instances) {
     };
     std::vector<Drawn> drawn;
     for (const ClientArray& array : context_->arrays) {
-        Range elements = range;
+        IndexRange elements = range;
         if (array.divisor != 0)
             elements = {0, static_cast<std::uint64_t>(instances - 1) / array.divisor};
         const std::size_t size = array.elementSize();
@@ -109,7 +80,7 @@ void CaptureState::drawRange(Range range, int instances) {
     }
 }
 
-bool CaptureState::addRange(unsigned int type, const void* indices, int count, Range& range) {
+bool CaptureState::addRange(unsigned int type, const void* indices, int count, IndexRange& range) {
     const std::size_t size = sizeOfType(type);
     if (size == 0 || count <= 0)
         return false;
@@ -123,16 +94,8 @@ bool CaptureState::addRange(unsigned int type, const void* indices, int count, R
     } else if (!isReadable(from, size * static_cast<std::size_t>(count))) {
         return false;
     }
-    std::uint32_t restart = 0;
-    const bool restarts = findRestart(*context_, restart);
-    for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
-        const std::uint32_t index = indexAt(from, type, i);
-        if (restarts && index == restart)
-            continue;
-        range.first = std::min<std::uint64_t>(range.first, index);
-        range.last = std::max<std::uint64_t>(range.last, index);
-    }
-    return range.first <= range.last;
+    addIndices(range, from, type, static_cast<std::size_t>(count), restartIndexOf(*context_, type));
+    return !range.isEmpty();
 }
 
 void CaptureState::drawArrays(int first, int count, int instances) {
@@ -147,7 +110,7 @@ void CaptureState::drawManyArrays(const int* first, const int* count, int draws)
     context_->learnArrays();
     if (context_->arrays.empty() || !first || !count)
         return;
-    Range range = {UINT64_MAX, 0};
+    IndexRange range;
     for (int i = 0; i < draws; ++i) {
         if (first[i] < 0 || count[i] <= 0)
             continue;
@@ -161,7 +124,7 @@ void CaptureState::drawManyArrays(const int* first, const int* count, int draws)
 
 void CaptureState::drawElements(int count, unsigned int type, const void* indices, int instances) {
     context_->learnArrays();
-    Range range = {UINT64_MAX, 0};
+    IndexRange range;
     if (!context_->arrays.empty() && instances > 0 && addRange(type, indices, count, range))
         drawRange(range, instances);
 }
@@ -171,7 +134,7 @@ void CaptureState::drawManyElements(const int* count, unsigned int type, const v
     context_->learnArrays();
     if (context_->arrays.empty() || !count || !indices)
         return;
-    Range range = {UINT64_MAX, 0};
+    IndexRange range;
     bool any = false;
     for (int i = 0; i < draws; ++i)
         any = addRange(type, indices[i], count[i], range) || any;
@@ -197,7 +160,7 @@ void CaptureState::drawManyElementArrays(const int* first, const int* count, int
     if (elements == context_->arrays.end() || !first || !count)
         return;
     const std::size_t size = sizeOfType(elements->type);
-    Range range = {UINT64_MAX, 0};
+    IndexRange range;
     std::int64_t last = -1;
     for (int i = 0; i < draws; ++i)
         if (first[i] >= 0 && count[i] > 0 &&

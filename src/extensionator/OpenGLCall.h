@@ -53,6 +53,8 @@ public:
     /// Where the client made the call, as it was handed to the entry.
     const char* file() const noexcept { return file_; }
     unsigned int line() const noexcept { return line_; }
+    /// The arguments, one for each parameter of the entry. Null where there are none.
+    const CallValue* values() const noexcept { return values_; }
 
     /// Writes the arguments as the trace has them (docs/trace-format.md), without the brackets:
     /// "GL_TEXTURE_2D, 5". Like the trace it reads what a pointer to characters or bytes points at.

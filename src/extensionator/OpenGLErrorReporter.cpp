@@ -224,6 +224,8 @@ unsigned long long OpenGLErrorReporter::errorCount() const {
     return state_->errors.load(std::memory_order_relaxed);
 }
 
+bool OpenGLErrorReporter::isContextLost() const { return state_->isLost(wglGetCurrentContext()); }
+
 void OpenGLErrorReporter::finish() {
     const std::lock_guard guard(state_->tellLock);
     const std::vector<OpenGLErrorTotal> totals = std::exchange(state_->totals, {});

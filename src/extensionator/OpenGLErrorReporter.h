@@ -74,6 +74,8 @@ public:
     /// use after foreign code that draws, and outside of a begin-end pair; without a current context nothing
     /// is done.
     void reportPending(const char* file, unsigned int line);
+    /// Whether nothing is said about the current context any more, since it is lost.
+    bool isContextLost() const;
     /// Hands the counts to the sinks, and begins to count anew.
     void finish();
     /// How many errors came since the start, also those that were counted only. Messages of the driver

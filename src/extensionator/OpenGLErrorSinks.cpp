@@ -123,6 +123,8 @@ OpenGLErrorReport::Level OpenGLErrorReport::level() const noexcept {
         return Level::Error;
     case Kind::RaisedBefore:
         return Level::Warning;
+    case Kind::FoundByCheck:
+        return check == "never-made" ? Level::Warning : Level::Error;
     case Kind::DriverMessage:
         break;
     }
@@ -135,6 +137,7 @@ String OpenGLErrorReport::sentence() const {
     switch (kind) {
     case Kind::CallFailed:
     case Kind::CallRefused:
+    case Kind::FoundByCheck:
         return reason + " in " + function + '(' + arguments + ')';
     case Kind::RaisedBefore:
         return reason + " raised before this call, outside the chain";
@@ -160,6 +163,8 @@ String OpenGLErrorReport::rule() const {
         return "not-called";
     case Kind::ContextLost:
         return "context-lost";
+    case Kind::FoundByCheck:
+        return check;
     case Kind::DriverMessage:
         break;
     }

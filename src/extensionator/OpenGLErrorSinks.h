@@ -48,6 +48,8 @@ struct OpenGLErrorReport {
         RaisedBefore,  ///< the error was there before the call; something outside of the chain raised it
         ContextLost,   ///< the context is lost, or none is current; nothing more is said about it
         DriverMessage, ///< a message of the driver without an error, of the shader compiler for example
+        FoundByCheck,  ///< GL reports nothing, and the call does harm or nothing of what it seems to do: what
+                       ///< `zlt_ogl check --more` finds
     };
     enum class Level { Error, Warning, Note };
 
@@ -55,21 +57,23 @@ struct OpenGLErrorReport {
     String file;               ///< the caller's file; empty where it is not known
     unsigned int line = 0;     ///< the caller's line; 0 where it is not known
     const char* function = ""; ///< "glEnable"
-    String arguments;          ///< for a reader: "0xDEAD"; empty unless the kind is CallFailed or CallRefused
+    String arguments;          ///< for a reader: "0xDEAD"; of a call that failed, was refused or was checked
     unsigned int code = 0;     ///< the value of `glGetError`, or 0
     String reason;             ///< "GL_INVALID_ENUM", or why the call was refused
+    String check;              ///< of a FoundByCheck: "out-of-bounds", "unreadable-pointer", ...
     /// What the driver said about it, or, of a DriverMessage, the one message.
     std::vector<OpenGLDriverMessage> messages;
     /// The callers of the function that made the call, the nearest first. The reporter leaves it empty; a
     /// sink of the client's own may fill it and hand the report on.
     std::vector<OpenGLStackFrame> stack;
 
-    /// DriverMessage: by severity. RaisedBefore: a warning, since the line is not to blame. Else an error.
+    /// DriverMessage: by severity. RaisedBefore: a warning, since the line is not to blame. A name that was
+    /// never made: a warning, since GL allows it. Else an error.
     ZLT_OGL_API Level level() const noexcept;
     /// What happened, in one line: "GL_INVALID_ENUM in glEnable(0xDEAD)".
     ZLT_OGL_API String sentence() const;
     /// A rule's name for tools that group by it: "GL_INVALID_ENUM", "not-called", "context-lost",
-    /// "driver-message".
+    /// "driver-message", or the check.
     ZLT_OGL_API String rule() const;
 };
 

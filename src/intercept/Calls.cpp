@@ -10,6 +10,8 @@
 #include "intercept/Sites.h"
 #include "intercept/Thread.h"
 #include "intercept/TraceOutput.h"
+#include "intercept/checks/MoreChecks.h"
+#include "intercept/checks/ReadPointers.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -34,7 +36,10 @@ void startThread() {
     } else if (program().options().mode == Mode::Capture) {
         thread.chain = captureOf(driverEnd());
     } else {
-        thread.chain = &errorReporter(driverEnd());
+        OGL::OpenGLInterceptor* next = &driverEnd();
+        if (program().options().more)
+            next = &moreChecks(*next);
+        thread.chain = &errorReporter(*next);
     }
 }
 
@@ -79,6 +84,8 @@ void leaveAlone() {
 void endFrame() {
     if (!program().isActive() || program().options().mode == Mode::Capture) // which counts for itself
         return;
+    if (program().options().more)
+        forgetReadable();
     const std::uint64_t frame = program().countFrame();
     if (program().options().mode == Mode::Trace && program().options().markFrames && thread.trace)
         thread.trace->markFrame(frame);

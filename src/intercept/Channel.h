@@ -16,7 +16,7 @@ namespace ZLT::Interception {
 
 inline constexpr std::uint32_t channelMagic = 0x5A4C5443;
 /// Of the layout below. Command and watched object come from one build; a stranger is refused.
-inline constexpr std::uint32_t channelVersion = 2;
+inline constexpr std::uint32_t channelVersion = 3;
 
 /// In the environment of the program: the name by which it opens the memory. Taken out again at the start.
 inline constexpr const char* channelVariable = "ZLT_OGL_CHANNEL";
@@ -26,6 +26,7 @@ enum class Mode : std::uint32_t { Check, Trace, Capture };
 struct Options {
     Mode mode = Mode::Check;
     bool children = false;     ///< the programs that the program starts are watched as well
+    bool more = false;         ///< checks that GL itself does not make
     bool trap = false;         ///< stop in a debugger where an error is
     bool markFrames = false;   ///< a comment in the trace at each swap
     bool hashPictures = false; ///< in a capture

@@ -48,7 +48,10 @@ ContextRecord* find(const Known& all, NativeContext context) {
 ContextRecord* addContext(NativeContext context, NativeContext share, bool isDesktop) {
     Known& all = known();
     const std::lock_guard guard(all.lock);
-    return add(all, context, find(all, share), isDesktop);
+    ContextRecord* const shared = find(all, share);
+    ContextRecord* const added = add(all, context, shared, isDesktop);
+    added->isKnownFromStart = !share || shared;
+    return added;
 }
 
 ContextRecord* removeContext(NativeContext context) {
@@ -70,8 +73,11 @@ ContextRecord* findOrAddContext(NativeContext context, bool isDesktop) {
         return nullptr;
     Known& all = known();
     const std::lock_guard guard(all.lock);
-    ContextRecord* found = find(all, context);
-    return found ? found : add(all, context, nullptr, isDesktop);
+    if (ContextRecord* const found = find(all, context))
+        return found;
+    ContextRecord* const added = add(all, context, nullptr, isDesktop);
+    added->isKnownFromStart = false;
+    return added;
 }
 
 void chooseChain() {

@@ -21,6 +21,8 @@ using NativeContext = void*;
 struct ContextRecord {
     std::uint32_t number = 0; ///< from 1, in the order of their making
     bool isDesktop = true;    ///< OpenGL, not OpenGL ES
+    /// Whether it was seen when it was made, with what it shares.
+    bool isKnownFromStart = true;
     std::shared_ptr<DisplayLists> lists;
     ListBalance balance;
 #if defined(_WIN32)

@@ -41,6 +41,8 @@ private:
 class ListBalance {
 public:
     bool isInside() const { return inside_; }
+    /// Whether calls have their effect now, and are not just put into a list.
+    bool executes() const { return executes_; }
 
     /// Whether the calls of lists that follow have to know GL_LIST_BASE, and may ask for it.
     bool wantsBase(const DisplayLists& lists) const { return executes_ && !inside_ && !lists.isEmpty(); }

@@ -1,11 +1,13 @@
 #include "intercept/ErrorReports.h"
 
+#include "extensionator/DriverMessages.h"
 #include "extensionator/OpenGLCall.h"
 #include "extensionator/OpenGLErrorReporter.h"
 #include "extensionator/ReporterThread.h"
 #include "intercept/Contexts.h"
 #include "intercept/Lock.h"
 #include "intercept/Program.h"
+#include "intercept/RealFunctions.h"
 #include "intercept/ReportRecord.h"
 #include "intercept/Sites.h"
 #include "intercept/Stack.h"
@@ -16,6 +18,7 @@
 #include <map>
 #include <mutex>
 #include <sstream>
+#include <tuple>
 #include <utility>
 
 namespace ZLT::Interception {
@@ -25,14 +28,14 @@ namespace {
 constinit Lock lock;
 OGL::OpenGLErrorReporter* reporter = nullptr;
 
-// The calls without a context that were told, by place and entry, with their numbers.
-using ToldCalls = std::map<std::pair<std::uint32_t, unsigned int>, std::uint32_t>;
-ToldCalls& toldMissing() {
+// What was told past the reporter, by place, entry and check, with the numbers of the reports.
+using ToldCalls = std::map<std::tuple<std::uint32_t, unsigned int, std::string_view>, std::uint32_t>;
+ToldCalls& toldCalls() {
     static auto& told = *new ToldCalls;
     return told;
 }
 
-// The numbers of reports are even for those of the reporter, and odd for those of calls without a context.
+// The numbers of reports are even for those of the reporter, and odd for the others.
 void send(std::uint32_t number, const OGL::OpenGLErrorReport& report) {
     const NoSignals calm;
     ReportRecord record;
@@ -58,6 +61,26 @@ private:
     std::uint32_t count_ = 0;
 };
 
+// Tells a report about the call, or that it came again.
+// @return whether it is new
+bool tell(const OGL::OpenGLCall& call, std::string_view check, OGL::OpenGLErrorReport report) {
+    report.line = call.line();
+    const std::lock_guard guard(lock);
+    ToldCalls& told = toldCalls();
+    const auto [place, isNew] = told.try_emplace({report.line, call.number(), check}, 2 * told.size() + 1);
+    if (!isNew) {
+        sendAgain(place->second);
+        return false;
+    }
+    report.function = call.name();
+    std::ostringstream arguments;
+    arguments.imbue(std::locale::classic());
+    call.writeReadableArguments(arguments);
+    report.arguments = arguments.view();
+    send(place->second, report);
+    return true;
+}
+
 } // namespace
 
 OGL::OpenGLErrorReporter& errorReporter(OGL::OpenGLInterceptor& next) {
@@ -74,7 +97,7 @@ OGL::OpenGLErrorReporter& errorReporter(OGL::OpenGLInterceptor& next) {
 void forgetReports() {
     lock.unlock();
     reporter = nullptr; // not destroyed: its locks may be held by threads that are not here
-    toldMissing().clear();
+    toldCalls().clear();
 }
 
 // Such a call has no effect. Where the program made its context by a way that we don't see, the driver knows
@@ -87,21 +110,30 @@ void tellMissingContext(const OGL::OpenGLCall& call) {
     }
     OGL::OpenGLErrorReport report;
     report.kind = OGL::OpenGLErrorReport::Kind::CallRefused;
-    report.line = call.line();
-    const std::lock_guard guard(lock);
-    ToldCalls& told = toldMissing();
-    const auto [place, isNew] = told.try_emplace({report.line, call.number()}, 2 * told.size() + 1);
-    if (!isNew) {
-        sendAgain(place->second);
-        return;
-    }
-    report.function = call.name();
-    std::ostringstream arguments;
-    arguments.imbue(std::locale::classic());
-    call.writeReadableArguments(arguments);
-    report.arguments = arguments.view();
     report.reason = "no context is current";
-    send(place->second, report);
+    tell(call, "", std::move(report));
+}
+
+void tellFinding(const OGL::OpenGLCall& call, const char* check, std::string_view reason) {
+    OGL::OpenGLErrorReport report;
+    report.kind = OGL::OpenGLErrorReport::Kind::FoundByCheck;
+    report.reason = reason;
+    report.check = check;
+    if (tell(call, check, std::move(report)) && program().options().trap)
+        OGL::OpenGLTrapSink().report({});
+}
+
+bool mayAskDriver() {
+    return thread.context && !thread.context->balance.isInside() && !reporter->isContextLost();
+}
+
+void tellPending(const OGL::OpenGLCall& call) { reporter->reportPending(call.file(), call.line()); }
+
+void dropOwnErrors() {
+    for (int flags = 0; flags < 8 && realGetError(); ++flags)
+        continue;
+    if (OGL::Detail::reporterThread.messages != 0)
+        OGL::Detail::takeMessages();
 }
 
 void settleBalance() {

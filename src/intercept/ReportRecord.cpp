@@ -65,7 +65,7 @@ std::string encode(const ReportRecord& record) {
     const OpenGLErrorReport& report = record.report;
     Encoder out;
     out << record.number << static_cast<std::uint32_t>(report.kind) << record.site << report.code
-        << report.function << report.arguments << report.reason
+        << report.function << report.arguments << report.reason << report.check
         << static_cast<std::uint32_t>(report.messages.size());
     for (const OpenGLDriverMessage& message : report.messages)
         out << message.source << message.type << message.id << message.severity
@@ -82,7 +82,7 @@ ReportRecord decodeReport(std::string_view bytes) {
     OpenGLErrorReport& report = record.report;
     record.number = in.number();
     const std::uint32_t kind = in.number();
-    if (kind > static_cast<std::uint32_t>(OpenGLErrorReport::Kind::DriverMessage))
+    if (kind > static_cast<std::uint32_t>(OpenGLErrorReport::Kind::FoundByCheck))
         throw std::runtime_error("a record is damaged");
     report.kind = static_cast<OpenGLErrorReport::Kind>(kind);
     record.site = in.number();
@@ -90,6 +90,7 @@ ReportRecord decodeReport(std::string_view bytes) {
     report.function = kept(in.text());
     report.arguments = in.text();
     report.reason = in.text();
+    report.check = in.text();
     for (std::uint32_t left = in.count(6 * sizeof(std::uint32_t)); left > 0; --left) {
         OpenGLDriverMessage message;
         message.source = in.number();

@@ -75,15 +75,22 @@ public:
     }
 
 private:
+    // What tells two reports of a line apart.
+    static String whatOf(const OpenGLErrorReport& report) {
+        if (report.kind == OpenGLErrorReport::Kind::FoundByCheck)
+            return report.check; // the reason has numbers that change
+        return report.kind == OpenGLErrorReport::Kind::DriverMessage && !report.messages.empty()
+                   ? report.messages.front().text
+                   : report.reason;
+    }
+
     void report(std::size_t process, ReportRecord record) {
         OpenGLErrorReport report = std::move(record.report);
         const Place& place = sites_.place(process, record.site, report.function);
         report.file = place.file;
         report.line = place.line;
         // Two calls of one line are two places to the program.
-        const String what = report.kind == OpenGLErrorReport::Kind::DriverMessage && !report.messages.empty()
-                                ? report.messages.front().text
-                                : report.reason;
+        const String what = whatOf(report);
         const auto [known, isNew] = known_.try_emplace(
             {report.file, report.line, report.function, int(report.kind), what}, totals_.size());
         byNumber_[{process, record.number}] = known->second;

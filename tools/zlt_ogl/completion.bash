@@ -23,7 +23,7 @@ _zlt_ogl() {
             case $command in
                 info) mapfile -t COMPREPLY < <(compgen -W "--json --help" -- "$word") ;;
                 check)
-                    mapfile -t COMPREPLY < <(compgen -W "--sarif --stack --break --exit-code --children --help" -- "$word")
+                    mapfile -t COMPREPLY < <(compgen -W "--more --sarif --stack --break --exit-code --children --help" -- "$word")
                     ;;
                 trace)
                     mapfile -t COMPREPLY < <(compgen -W "--output --frames --mark-frames --children --help" -- "$word")

@@ -115,6 +115,8 @@ int runCommand(int argc, char** argv) {
     checkCommand
         .add_option("--sarif", checkOptions.sarif, "write the errors to this file too, in SARIF 2.1.0")
         ->type_name("FILE");
+    checkCommand.add_flag("--more", checkOptions.channel.more,
+                          "also what GL does not report: indices, pointers, names, textures, framebuffers");
     checkCommand.add_flag("--stack", checkOptions.stack, "with the callers of each wrong call");
     checkCommand.add_flag("--break", checkOptions.channel.trap,
                           "stop in the debugger that is attached to PROGRAM");
