@@ -1,6 +1,6 @@
-// What a capture is measured with, and nothing in front of GL: FrameLoop parameters|arrays COUNT. With
-// `parameters` as many calls of two arguments and four floats, with `arrays` as many frames that read 1 MiB
-// of client arrays.
+// What captures and checks are measured with, and nothing in front of GL: FrameLoop parameters|arrays|cubes
+// COUNT. With `parameters` as many calls of two arguments and four floats, with `arrays` as many frames that
+// read 1 MiB of client arrays, with `cubes` as many draws of 24 vertices by 36 indices in client arrays.
 
 #include <EGL/egl.h>
 #include <GL/gl.h>
@@ -62,15 +62,38 @@ void drawArrays(long frames) {
     }
 }
 
+// Three calls for each: what it costs to look at a draw shows most where draws are small.
+void drawCubes(long cubes) {
+    std::mt19937 random(1);
+    std::vector<float> values(24 * 6);
+    for (float& value : values)
+        value = static_cast<float>(random() % 4096) / 65536;
+    std::vector<GLushort> indices(36);
+    for (std::size_t i = 0; i < indices.size(); ++i)
+        indices[i] = static_cast<GLushort>(i % 24);
+    glEnableClientState(GL_VERTEX_ARRAY);
+    glEnableClientState(GL_COLOR_ARRAY);
+    for (long cube = 0; cube < cubes; ++cube) {
+        glVertexPointer(3, GL_FLOAT, 24, values.data());
+        glColorPointer(3, GL_FLOAT, 24, values.data() + 3);
+        glDrawElements(GL_TRIANGLES, static_cast<GLsizei>(indices.size()), GL_UNSIGNED_SHORT, indices.data());
+        if (cube % 1000 == 999)
+            eglSwapBuffers(display, surface);
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
     if (argc != 3 || !makeContext()) {
-        std::fprintf(stderr, "usage: FrameLoop parameters|arrays COUNT, with a driver\n");
+        std::fprintf(stderr, "usage: FrameLoop parameters|arrays|cubes COUNT, with a driver\n");
         return 1;
     }
-    if (std::string(argv[1]) == "arrays")
+    const std::string kind = argv[1];
+    if (kind == "arrays")
         drawArrays(std::atol(argv[2]));
+    else if (kind == "cubes")
+        drawCubes(std::atol(argv[2]));
     else
         setParameters(std::atol(argv[2]));
     glFinish();

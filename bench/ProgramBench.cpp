@@ -1,6 +1,6 @@
 // Whole programs under the command, from start to end: `check` against the program that asks for its errors
-// itself, `trace` against `apitrace trace`, each into a file and with the places of the calls; and what a
-// start costs. The times are real ones, since two processes work.
+// itself, `check --more` against `check`, `trace` against `apitrace trace`, each into a file and with the
+// places of the calls; and what a start costs. The times are real ones, since two processes work.
 
 #include "Comparison.h"
 #include "Shell.h"
@@ -46,6 +46,16 @@ int main(int argc, char** argv) {
     add("glBindTexture and glGetError: bare", loop + "asked " + count);
     add("glBindTexture: zlt_ogl check", command + "check " + loop + "bind " + count);
     comparisons.push_back({"glBindTexture: zlt_ogl check", "glBindTexture and glGetError: bare", 1.5});
+    // What the further checks add where draws read client arrays: of many small draws, and of few large ones.
+    for (const auto& [name, kind, draws] : {std::tuple{"36 indices of client arrays", "cubes", "200000"},
+                                            std::tuple{"1 MiB of client arrays", "arrays", "500"}}) {
+        const std::string line = std::string("'" FRAME_LOOP "' ") + kind + ' ' + draws,
+                          plain = name + std::string(": zlt_ogl check"), more = plain + " --more";
+        add(name + std::string(": bare"), line);
+        add(plain, command + "check " + line);
+        add(more, command + "check --more " + line);
+        comparisons.push_back({more, plain, 3});
+    }
     add("start: bare", loop + "bind 1", starts);
     add("start: zlt_ogl check", command + "check " + loop + "bind 1", starts);
     comparisons.push_back({"start: zlt_ogl check", "start: bare", 15e6, Comparison::By::nanoseconds});

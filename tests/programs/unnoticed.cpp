@@ -411,7 +411,7 @@ static const std::map<std::string, void (*)()> cases = {
      [] {
          makeProgram("uniform sampler2D flat; void main() { gl_FragColor = texture2D(flat, vec2(0.0)); }");
          glActiveTexture(GL_TEXTURE2); // which stays
-         drawSquare();                 /* WRONG sampled without image */
+         glRecti(0, 0, 1, 1);          /* WRONG sampled without image */
      }},
     {"thread without context",
      [] {

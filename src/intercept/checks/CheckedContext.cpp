@@ -247,6 +247,7 @@ void CheckedContext::forget() {
     activeUnit = -1;
     areUnitsKnown = false;
     asked.areArraysKnown = false;
+    switchedOff.clear();
     const GroupGuard guard(*group);
     group->buffers.clear();
     group->textures.clear();

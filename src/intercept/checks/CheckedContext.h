@@ -109,6 +109,7 @@ struct CheckedContext {
     std::uint8_t unknown = changesAll; ///< of Change: what has to be asked
     std::uint32_t seenChanges = 0;     ///< of the group
 
+    std::vector<Capture::ClientArray> switchedOff; ///< arrays that were enabled, and are known
     bool areUnitsKnown = false;
     std::vector<std::uint8_t> enabled; ///< of each fixed unit the targets, a bit for each
     std::int32_t activeUnit = -1;      ///< -1 where it is not known

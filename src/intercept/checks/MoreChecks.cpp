@@ -5,6 +5,7 @@
 #include "intercept/Contexts.h"
 #include "intercept/ErrorReports.h"
 #include "intercept/Thread.h"
+#include "intercept/checks/ArrayCalls.h"
 #include "intercept/checks/BufferIndices.h"
 #include "intercept/checks/CheckedContext.h"
 #include "intercept/checks/DrawBounds.h"
@@ -152,7 +153,9 @@ private:
 
     static void noticeChanges(CheckedContext& context, const OGL::OpenGLCall& call, const EntryFacts& facts) {
         CheckedGroup& group = *context.group;
-        context.unknown |= facts.changes;
+        context.unknown |= static_cast<std::uint8_t>(facts.changes & ~changesArrays);
+        if (facts.changes & changesArrays && !noticeArrays(context, call))
+            context.unknown |= changesArrays;
         const std::string_view name = call.name();
         const bool isDelete = name.starts_with("glDelete");
         if (facts.changes & changesBuffers && !isDelete)
@@ -209,8 +212,10 @@ private:
     static void prepare(CheckedContext& context) {
         if (has(context, changesProgram))
             context.learnProgram();
-        if (has(context, changesArrays))
+        if (has(context, changesArrays)) {
             context.asked.areArraysKnown = false;
+            context.switchedOff.clear();
+        }
         if (has(context, changesUnits)) {
             context.areUnitsKnown = false;
             context.activeUnit = -1;
