@@ -169,12 +169,19 @@ private:
     }
 
     Finding lookAtArrays() {
+        // These set attributes up in a way that is not asked for here.
+        static const auto formats = laterNumbers(
+            {"glBindVertexBuffer", "glBindVertexBuffers", "glVertexAttribFormat", "glVertexAttribIFormat",
+             "glVertexAttribBinding", "glVertexBindingDivisor", "glVertexArrayVertexBuffer",
+             "glVertexArrayVertexBuffers", "glVertexArrayAttribFormat", "glVertexArrayAttribIFormat",
+             "glVertexArrayAttribBinding", "glVertexArrayBindingDivisor"});
+        const bool isBlind = wasCalledLater(formats);
         Capture::Memory memories[64];
         const ClientArray* owners[64];
         std::size_t count = 0;
         for (const ClientArray& array : context_.asked.enabled) {
             const std::uint64_t size = array.elementSize();
-            if (size == 0 || !isRead(context_, array))
+            if (size == 0 || !isRead(context_, array) || (array.kind == ArrayKind::Attribute && isBlind))
                 continue;
             IndexRange elements = range_;
             if (array.divisor != 0)
