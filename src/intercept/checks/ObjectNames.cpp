@@ -29,7 +29,8 @@ ObjectNames::State ObjectNames::stateOf(ObjectKind kind, std::uint32_t name) con
 }
 
 void ObjectNames::remove(ObjectKind kind, std::uint32_t name) {
-    if (const auto found = states_.find(keyOf(kind, name)); found != states_.end())
+    const auto found = states_.find(keyOf(kind, name));
+    if (found != states_.end() && found->second == State::Made)
         found->second = State::Deleted;
 }
 

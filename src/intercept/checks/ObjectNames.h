@@ -46,7 +46,7 @@ public:
 
     State stateOf(ObjectKind kind, std::uint32_t name) const;
     void set(ObjectKind kind, std::uint32_t name, State state) { states_[keyOf(kind, name)] = state; }
-    /// What was never there is not deleted.
+    /// What was never there is not deleted, and who makes names up may use them again.
     void remove(ObjectKind kind, std::uint32_t name);
 
 private:

@@ -55,32 +55,31 @@ bool hasTarget(const CheckedContext& context, std::size_t number) {
 }
 
 struct SamplerType {
-    std::uint32_t type;
+    std::uint32_t type, target;
     const char* name;
-    std::uint32_t target;
 };
 constexpr SamplerType samplerTypes[] = {
-    {GL_SAMPLER_1D, "sampler1D", GL_TEXTURE_1D},
-    {GL_SAMPLER_2D, "sampler2D", GL_TEXTURE_2D},
-    {GL_SAMPLER_3D, "sampler3D", GL_TEXTURE_3D},
-    {GL_SAMPLER_CUBE, "samplerCube", GL_TEXTURE_CUBE_MAP},
-    {GL_SAMPLER_1D_SHADOW, "sampler1DShadow", GL_TEXTURE_1D},
-    {GL_SAMPLER_2D_SHADOW, "sampler2DShadow", GL_TEXTURE_2D},
-    {GL_SAMPLER_2D_RECT_ARB, "sampler2DRect", GL_TEXTURE_RECTANGLE_ARB},
-    {GL_SAMPLER_2D_RECT_SHADOW_ARB, "sampler2DRectShadow", GL_TEXTURE_RECTANGLE_ARB},
-    {GL_SAMPLER_1D_ARRAY, "sampler1DArray", GL_TEXTURE_1D_ARRAY},
-    {GL_SAMPLER_2D_ARRAY, "sampler2DArray", GL_TEXTURE_2D_ARRAY},
-    {GL_SAMPLER_1D_ARRAY_SHADOW, "sampler1DArrayShadow", GL_TEXTURE_1D_ARRAY},
-    {GL_SAMPLER_2D_ARRAY_SHADOW, "sampler2DArrayShadow", GL_TEXTURE_2D_ARRAY},
-    {GL_SAMPLER_CUBE_SHADOW, "samplerCubeShadow", GL_TEXTURE_CUBE_MAP},
-    {GL_INT_SAMPLER_1D, "isampler1D", GL_TEXTURE_1D},
-    {GL_INT_SAMPLER_2D, "isampler2D", GL_TEXTURE_2D},
-    {GL_INT_SAMPLER_3D, "isampler3D", GL_TEXTURE_3D},
-    {GL_INT_SAMPLER_CUBE, "isamplerCube", GL_TEXTURE_CUBE_MAP},
-    {GL_UNSIGNED_INT_SAMPLER_1D, "usampler1D", GL_TEXTURE_1D},
-    {GL_UNSIGNED_INT_SAMPLER_2D, "usampler2D", GL_TEXTURE_2D},
-    {GL_UNSIGNED_INT_SAMPLER_3D, "usampler3D", GL_TEXTURE_3D},
-    {GL_UNSIGNED_INT_SAMPLER_CUBE, "usamplerCube", GL_TEXTURE_CUBE_MAP},
+    {GL_SAMPLER_1D, GL_TEXTURE_1D, "sampler1D"},
+    {GL_SAMPLER_2D, GL_TEXTURE_2D, "sampler2D"},
+    {GL_SAMPLER_3D, GL_TEXTURE_3D, "sampler3D"},
+    {GL_SAMPLER_CUBE, GL_TEXTURE_CUBE_MAP, "samplerCube"},
+    {GL_SAMPLER_1D_SHADOW, GL_TEXTURE_1D, "sampler1DShadow"},
+    {GL_SAMPLER_2D_SHADOW, GL_TEXTURE_2D, "sampler2DShadow"},
+    {GL_SAMPLER_2D_RECT_ARB, GL_TEXTURE_RECTANGLE_ARB, "sampler2DRect"},
+    {GL_SAMPLER_2D_RECT_SHADOW_ARB, GL_TEXTURE_RECTANGLE_ARB, "sampler2DRectShadow"},
+    {GL_SAMPLER_1D_ARRAY, GL_TEXTURE_1D_ARRAY, "sampler1DArray"},
+    {GL_SAMPLER_2D_ARRAY, GL_TEXTURE_2D_ARRAY, "sampler2DArray"},
+    {GL_SAMPLER_1D_ARRAY_SHADOW, GL_TEXTURE_1D_ARRAY, "sampler1DArrayShadow"},
+    {GL_SAMPLER_2D_ARRAY_SHADOW, GL_TEXTURE_2D_ARRAY, "sampler2DArrayShadow"},
+    {GL_SAMPLER_CUBE_SHADOW, GL_TEXTURE_CUBE_MAP, "samplerCubeShadow"},
+    {GL_INT_SAMPLER_1D, GL_TEXTURE_1D, "isampler1D"},
+    {GL_INT_SAMPLER_2D, GL_TEXTURE_2D, "isampler2D"},
+    {GL_INT_SAMPLER_3D, GL_TEXTURE_3D, "isampler3D"},
+    {GL_INT_SAMPLER_CUBE, GL_TEXTURE_CUBE_MAP, "isamplerCube"},
+    {GL_UNSIGNED_INT_SAMPLER_1D, GL_TEXTURE_1D, "usampler1D"},
+    {GL_UNSIGNED_INT_SAMPLER_2D, GL_TEXTURE_2D, "usampler2D"},
+    {GL_UNSIGNED_INT_SAMPLER_3D, GL_TEXTURE_3D, "usampler3D"},
+    {GL_UNSIGNED_INT_SAMPLER_CUBE, GL_TEXTURE_CUBE_MAP, "usamplerCube"},
 };
 const SamplerType* findType(std::uint32_t type) {
     const auto* const found = std::ranges::find(samplerTypes, type, &SamplerType::type);
@@ -139,8 +138,7 @@ public:
         if (faces == 6 && first.width != first.height)
             return "its faces are not square";
         for (int face = 1; face < faces; ++face)
-            if (const std::string fault =
-                    difference(image(face, base), first, "face " + std::to_string(face));
+            if (std::string fault = difference(image(face, base), first, "face " + std::to_string(face));
                 !fault.empty())
                 return fault;
         if (std::string fault = faultOfIntegers(base, filter); !fault.empty())
