@@ -93,7 +93,10 @@ void emitChecks(const std::vector<EntryPoint>& entries, const std::vector<Argume
         reading += "    " + std::to_string(entry.slot) + ", // " + entry.name + '\n';
     }
     writeFile(directory / "NamedObjects.inl", names + "};\n");
-    writeFile(directory / "ReadPointers.inl", pointers);
+    // Lengths are written as the table has them.
+    constexpr const char* widening = "(bugprone-implicit-widening-of-multiplication-result)\n";
+    writeFile(directory / "ReadPointers.inl",
+              std::string("// NOLINTBEGIN") + widening + pointers + "// NOLINTEND" + widening);
     writeFile(directory / "ReadingEntries.inl", reading + "};\n");
 }
 

@@ -80,7 +80,10 @@ struct BufferRecord {
         std::uint64_t offset = 0, count = 0;
         std::uint32_t type = 0, restart = 0;
         bool restarts = false;
-        auto operator<=>(const Key&) const = default;
+        bool operator<(const Key& other) const {
+            return std::tie(offset, count, type, restart, restarts) <
+                   std::tie(other.offset, other.count, other.type, other.restart, other.restarts);
+        }
     };
     std::map<Key, Capture::IndexRange> ranges;
 };

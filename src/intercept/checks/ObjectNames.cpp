@@ -19,8 +19,9 @@ const char* nameOf(ObjectKind kind) {
 std::span<const NamedObject> objectsNamed() { return namedObjects; }
 
 std::span<const NamedObject> objectsNamedBy(unsigned int entry) {
-    const auto found = std::ranges::equal_range(namedObjects, entry, {}, &NamedObject::entry);
-    return {found.begin(), found.end()};
+    const auto* const first = std::ranges::lower_bound(namedObjects, entry, {}, &NamedObject::entry);
+    const auto* const end = std::ranges::upper_bound(namedObjects, entry, {}, &NamedObject::entry);
+    return {first, end};
 }
 
 ObjectNames::State ObjectNames::stateOf(ObjectKind kind, std::uint32_t name) const {
