@@ -4,6 +4,7 @@
 #include "platform/Platform.h"
 
 #include <array>
+#include <chrono>
 
 namespace ZLT::Capture {
 
@@ -88,6 +89,8 @@ void CaptureState::noticeContext() {
         context_ = known.get();
     }
     if (isNew) {
+        if (context_->number == 1)
+            tellTime();
         context_->learn();
         const int profile = context_->isVersion(3, 2) ? context_->integer(GL_CONTEXT_PROFILE_MASK) : 0;
         const int flags = context_->isVersion(3, 0) ? context_->integer(GL_CONTEXT_FLAGS) : 0;
@@ -199,10 +202,21 @@ void CaptureState::endFrame(std::uint64_t id) {
     if (shared_->options.hashPictures && number != 0 && id == current &&
         readPicture(*context_, width, height, picture))
         send(EventRecord(Event::Picture).value(number).value(picture.hash()));
+    tellTime();
     send(EventRecord(Event::Swap).value(number));
     // Before the next frame the window may have got another size; the next call looks.
     forgetContext();
     shared_->output->frameEnded();
+}
+
+void CaptureState::tellTime() {
+    const std::int64_t now = std::chrono::duration_cast<std::chrono::nanoseconds>(
+                                 std::chrono::steady_clock::now().time_since_epoch())
+                                 .count();
+    std::int64_t start = 0;
+    if (shared_->start.compare_exchange_strong(start, now))
+        start = now;
+    send(EventRecord(Event::Time).value(static_cast<std::uint64_t>(now - start)));
 }
 
 void CaptureState::incomplete(std::string_view what) {

@@ -29,6 +29,7 @@ struct CaptureShared {
     std::unique_ptr<CaptureSurroundings> ownSurroundings;
     std::uint64_t id = 0; ///< of all captures of the process
     std::atomic<std::uint32_t> threads = 0;
+    std::atomic<std::int64_t> start = 0; ///< when the first context was met, by the steady clock; 0 before
 
     std::mutex lock; ///< of all that follows
     std::map<void*, std::unique_ptr<CapturedContext>> contexts;
@@ -129,6 +130,7 @@ private:
     bool addRange(unsigned int type, const void* indices, int count, IndexRange& range);
     void written(const void* address, std::uint64_t offset, std::uint64_t size);
     void endFrame(std::uint64_t id);
+    void tellTime();
     std::uint32_t noticeSurface(std::uint64_t id);
     void tellCurrent(std::uint32_t draw, std::uint32_t read);
 

@@ -43,6 +43,11 @@ constexpr EventRow eventRows[] = {
     {"Linked", "uuw", "program|count|places|"},
     {"Incomplete", "w", "what|"},
     {"End", "", ""},
+    {"Time", "L", "time|"},
+    {"Group", "w", "name|"},
+    {"GroupEnd", "", ""},
+    {"Label", "euw", "kind|name|label|"},
+    {"Marker", "w", "text|"},
 };
 static_assert(std::size(eventRows) == eventCount);
 

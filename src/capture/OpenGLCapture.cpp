@@ -71,6 +71,20 @@ void OpenGLCapture::swapping(std::uint64_t surface) { stateOf(*shared_).swapping
 
 void OpenGLCapture::incomplete(std::string_view what) { stateOf(*shared_).incomplete(what); }
 
+void OpenGLCapture::groupBegun(std::string_view name) {
+    stateOf(*shared_).send(EventRecord(Event::Group).text(name));
+}
+
+void OpenGLCapture::groupEnded() { stateOf(*shared_).send(EventRecord(Event::GroupEnd)); }
+
+void OpenGLCapture::marked(std::string_view text) {
+    stateOf(*shared_).send(EventRecord(Event::Marker).text(text));
+}
+
+void OpenGLCapture::labelled(unsigned int kind, unsigned int name, std::string_view label) {
+    stateOf(*shared_).send(EventRecord(Event::Label).value(kind).value(name).text(label));
+}
+
 void OpenGLCapture::end() { stateOf(*shared_).send(EventRecord(Event::End)); }
 
 } // namespace ZLT::Capture

@@ -49,6 +49,13 @@ public:
     void swapping(std::uint64_t surface = 0);
     /// Something that can't be captured: told once in the capture.
     void incomplete(std::string_view what);
+    /// The program begins a debug group, a part of a frame that has a name, or ends the last one; it says
+    /// where it is; it calls an object something (`kind` as for glObjectLabel: GL_TEXTURE, GL_BUFFER, ...).
+    /// To be called after those functions of `GL_KHR_debug` and the like, which no layer has, were called.
+    void groupBegun(std::string_view name);
+    void groupEnded();
+    void marked(std::string_view text);
+    void labelled(unsigned int kind, unsigned int name, std::string_view label);
     /// No call follows: the capture is complete.
     void end();
 

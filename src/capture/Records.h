@@ -26,8 +26,13 @@ enum class Event : std::uint32_t {
     Linked,     ///< where the linker put the variables of the program that is linked next
     Incomplete, ///< what could not be captured: a sentence
     End,        ///< the program ended, and nothing is missing
+    Time,       ///< in front of a swap, and of the first context: nanoseconds since that one
+    Group,      ///< the program begins a debug group
+    GroupEnd,   ///< and ends the last one
+    Label,      ///< the program calls an object something
+    Marker,     ///< the program says where it is
 };
-inline constexpr std::uint32_t eventCount = 16;
+inline constexpr std::uint32_t eventCount = 21;
 /// The number of the first entry's records.
 inline constexpr std::uint32_t firstEntry = 32;
 

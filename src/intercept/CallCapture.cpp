@@ -94,6 +94,21 @@ void captureCurrent(std::uint64_t draw, std::uint64_t read, void* display, bool 
     }
 }
 
+namespace {
+
+// From the program's functions, in which it must see nothing of this.
+template <class Work>
+void captured(const Work& work) {
+    if (Capture::OpenGLCapture* const layer = capture();
+        layer && !thread.inside && !(thread.context && !thread.context->isDesktop)) {
+        const NoSignals calm;
+        const Inside ours;
+        work(*layer);
+    }
+}
+
+} // namespace
+
 void captureDestroyed(void* context) {
     if (Capture::OpenGLCapture* const layer = capture(); layer && context) {
         const NoSignals calm;
@@ -116,6 +131,23 @@ void captureIncomplete(const char* what) {
         const Inside ours;
         layer->incomplete(what);
     }
+}
+
+void captureGroup(const char* name, std::size_t length) {
+    captured([&](Capture::OpenGLCapture& layer) {
+        if (name)
+            layer.groupBegun({name, length});
+        else
+            layer.groupEnded();
+    });
+}
+
+void captureMarker(const char* text, std::size_t length) {
+    captured([&](Capture::OpenGLCapture& layer) { layer.marked({text, length}); });
+}
+
+void captureLabel(unsigned int kind, unsigned int name, const char* label, std::size_t length) {
+    captured([&](Capture::OpenGLCapture& layer) { layer.labelled(kind, name, {label, length}); });
 }
 
 } // namespace ZLT::Interception

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 /// @file
@@ -24,6 +25,12 @@ void captureDestroyed(void* context);
 void captureSwap(std::uint64_t surface);
 /// Something that is not captured.
 void captureIncomplete(const char* what);
+
+/// What the program says of its calls: the name of a debug group that it begins, null where it ends one;
+/// where it is; what it calls an object.
+void captureGroup(const char* name, std::size_t length);
+void captureMarker(const char* text, std::size_t length);
+void captureLabel(unsigned int kind, unsigned int name, const char* label, std::size_t length);
 
 /// The size of a surface of the calling thread's window system.
 /// @return whether it is known

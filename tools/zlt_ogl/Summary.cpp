@@ -1,6 +1,6 @@
 #include "Summary.h"
 
-#include "intercept/RealFunctions.h"
+#include "intercept/Annotations.h"
 
 #include <vector>
 
@@ -34,9 +34,10 @@ Sums sumsOf(const ChannelReader& channel) {
 
 std::string laterCallsOf(const ChannelReader& channel) {
     const Sums sums = sumsOf(channel);
+    const bool isCapture = channel.channel().options.mode == Mode::Capture;
     std::string later;
     for (std::size_t i = 0; i < sums.later.size(); ++i)
-        if (sums.later[i] > 0)
+        if (sums.later[i] > 0 && !(isCapture && isAnnotation(laterName(i))))
             later += (later.empty() ? "" : ", ") + std::string(laterName(i)) + " (" +
                      counted(sums.later[i], "call") + ')';
     return later;

@@ -1,6 +1,7 @@
 #include "intercept/linux/Libraries.h"
 
 #include "extensionator/OpenGLCall.h"
+#include "intercept/Annotations.h"
 #include "intercept/Calls.h"
 #include "intercept/Lock.h"
 #include "intercept/Program.h"
@@ -186,7 +187,11 @@ ZLT::Interception::RealFunction zlt_find_later(unsigned int place) {
         real = findFunctionOfDriver(name);
     if (!real)
         endProgram(name);
-    const RealFunction special = specialOfLater(name);
+    RealFunction special = specialOfLater(name);
+    if (Annotation* const annotation = annotationNamed(name)) {
+        annotation->real = real;
+        special = annotation->ours;
+    }
     zlt_later_functions[place] = special ? special : real;
     return zlt_later_functions[place];
 }

@@ -3,6 +3,7 @@
 #include "extensionator/Managers.h"
 #include "extensionator/OpenGLCall.h"
 #include "extensionator/OpenGLEntry.h"
+#include "intercept/Annotations.h"
 #include "intercept/Contexts.h"
 #include "intercept/Program.h"
 
@@ -104,9 +105,13 @@ RealFunction handOut(const char* name, RealFunction real) {
     if (place >= laterCount())
         return real;
     // Another driver's is another function, which no stub stands for.
-    if (zlt_later_functions[place] && zlt_later_functions[place] != real)
+    Annotation* const annotation = annotationNamed(name);
+    RealFunction& known = annotation ? annotation->real : zlt_later_functions[place];
+    if (known && known != real)
         return real;
-    zlt_later_functions[place] = real;
+    known = real;
+    if (annotation)
+        zlt_later_functions[place] = annotation->ours;
     return laterStubs[place];
 }
 
