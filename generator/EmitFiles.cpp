@@ -25,8 +25,7 @@ std::string literalOf(const std::string& line) {
 } // namespace
 
 void emitFiles(const std::vector<std::string>& files, const std::filesystem::path& output) {
-    std::string text =
-        "// Generated from the files of exported/.\nconstexpr ProjectTemplate templates[] = {\n";
+    std::string text = "// Generated from files.\nconstexpr EmbeddedFile embeddedFiles[] = {\n";
     for (const std::string& named : files) {
         const std::size_t end = named.find('=');
         const std::filesystem::path path = named.substr(end == std::string::npos ? 0 : end + 1);

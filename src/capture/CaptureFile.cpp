@@ -61,6 +61,9 @@ struct CaptureFile::File {
     std::unordered_map<std::uint32_t, std::unique_ptr<Function>> foreign; // of other versions
     std::unordered_map<std::uint32_t, const Function*> functions;
     std::unordered_map<std::uint32_t, std::string> sites;
+    // A module that was unloaded and came back has other numbers for the same places.
+    std::unordered_map<std::string, std::uint32_t> siteNumbers;
+    std::unordered_map<std::uint32_t, std::uint32_t> sameSites;
 
     ~File() {
         if (file)
@@ -286,10 +289,25 @@ struct CaptureFile::File {
         foreign[call.u32(0)] = std::move(other);
     }
 
+    void learnSite(const CapturedCall& call) {
+        const std::uint32_t number = call.u32(0);
+        std::string text(call.values[1].bytes);
+        if (call.u32(2) != 0)
+            text += ':' + std::to_string(call.u32(2));
+        const std::uint32_t first = siteNumbers.try_emplace(text, number).first->second;
+        if (first == number)
+            sites[number] = std::move(text);
+        else
+            sameSites[number] = first;
+    }
+
     void readRecord(CapturedCall& result) {
         const auto number = reader.numberOf<std::uint32_t>();
         result.function = &functionAt(number);
         result.site = number >= firstEntry ? reader.numberOf<std::uint32_t>() : 0;
+        if (!sameSites.empty())
+            if (const auto same = sameSites.find(result.site); same != sameSites.end())
+                result.site = same->second;
         result.values.clear();
         result.held.clear();
         result.held.push_back(bytes);
@@ -299,8 +317,7 @@ struct CaptureFile::File {
         if (result.is(Event::Function))
             learnFunction(result);
         else if (result.is(Event::Site))
-            sites[result.u32(0)] = std::string(result.values[1].bytes) +
-                                   (result.u32(2) != 0 ? ':' + std::to_string(result.u32(2)) : "");
+            learnSite(result);
         else if (result.is(Event::Thread))
             thread = result.u32(0);
         result.thread = thread;
@@ -404,6 +421,10 @@ const std::string& CaptureFile::siteOf(const CapturedCall& call) const {
     static const std::string none;
     const auto found = file_->sites.find(call.site);
     return found == file_->sites.end() ? none : found->second;
+}
+
+std::map<std::uint32_t, std::string> CaptureFile::sites() const {
+    return {file_->sites.begin(), file_->sites.end()};
 }
 
 } // namespace ZLT::Capture

@@ -85,6 +85,8 @@ public:
 
     /// "scene.cpp:105"; empty where none is known.
     const std::string& siteOf(const CapturedCall& call) const;
+    /// All that were read so far, by their numbers.
+    std::map<std::uint32_t, std::string> sites() const;
 
 private:
     struct File;

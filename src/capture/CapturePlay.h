@@ -9,6 +9,7 @@
 #include "capture/PlayerThreads.h"
 #include "extensionator/OpenGLEntry.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -92,6 +93,7 @@ struct CapturePlay {
     CapturedCall call;
     bool isRead = false; // `call` is one that was not played yet
     std::uint64_t calls = 0, frames = 0, compared = 0;
+    std::uint64_t callTime = 0;      // nanoseconds, where the listener follows
     std::vector<PlayedArray> arrays; // for the draw that follows
     std::optional<LinkedPlaces> linked;
 
@@ -120,6 +122,11 @@ struct CapturePlay {
     void* surfaceHandle(std::uint32_t number);
     void makeContext();
     void makeCurrent();
+    // What the context draws to; one of its own where it drew to framebuffer objects alone.
+    void* handleToDraw(std::uint32_t number, std::uint32_t surface);
+    // Does the work with the context current: on the thread that has it, or for a time on the first. Says
+    // whether it could.
+    bool withContext(std::uint32_t number, const std::function<void()>& work);
     void release(std::uint32_t thread);
     void destroy();
     void destroy(Context& old);
@@ -134,6 +141,7 @@ struct CapturePlay {
     // PlayedArguments.cpp
     NameTable& tableOf(ObjectKind kind);
     std::optional<std::uint64_t> findName(ObjectKind kind, std::uint64_t captured);
+    static NameTable& tableOf(Context& of, ObjectKind kind);
     // A name that the program made up: it gets one that the driver gives.
     std::optional<std::uint64_t> makeName(ObjectKind kind);
     std::uint64_t nameNow(ObjectKind kind, std::uint64_t captured);

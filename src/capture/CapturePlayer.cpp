@@ -5,12 +5,17 @@
 namespace ZLT::Capture {
 
 void CapturePlay::playRecord() {
+    callTime = 0;
+    if (options.follows)
+        listener.playing(call);
     if (call.function->number < eventCount)
         playEvent();
     else if (call.function->number != UINT32_MAX)
         playCall();
     else
         listener.incomplete(call.function->name + ", which is not known here, was left out");
+    if (options.follows)
+        listener.played(call, callTime);
 }
 
 bool CapturePlay::read() {

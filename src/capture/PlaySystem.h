@@ -13,6 +13,7 @@ namespace ZLT::Capture {
 /// How a capture is played.
 struct PlayOptions {
     bool verifies = false; ///< compares pictures and what is read back
+    bool follows = false;  ///< tells the listener of each record
 };
 
 /// A surface as it was captured.
@@ -61,6 +62,11 @@ public:
     virtual void frameEnding(std::uint64_t frame, const std::function<bool(Picture&)>& read);
     /// Something differs from the capture: what, and in which call.
     virtual void differs(const CapturedCall& call, const std::string& what);
+    /// A record is about to be played, on its thread. With PlayOptions::follows.
+    virtual void playing(const CapturedCall& call);
+    /// It was played.
+    /// @param time  nanoseconds inside of the chain; 0 for what is no call
+    virtual void played(const CapturedCall& call, std::uint64_t time);
     /// The capture says that it is incomplete.
     virtual void incomplete(const std::string& what);
 };

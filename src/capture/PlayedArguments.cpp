@@ -9,9 +9,10 @@ namespace ZLT::Capture {
 
 using namespace Playing;
 
-NameTable& CapturePlay::tableOf(ObjectKind kind) {
-    return isOfContext(kind) ? context().names : context().group->names;
+NameTable& CapturePlay::tableOf(Context& of, ObjectKind kind) {
+    return isOfContext(kind) ? of.names : of.group->names;
 }
+NameTable& CapturePlay::tableOf(ObjectKind kind) { return tableOf(context(), kind); }
 
 std::optional<std::uint64_t> CapturePlay::findName(ObjectKind kind, std::uint64_t captured) {
     if (const auto found = tableOf(kind).find(kind, captured))

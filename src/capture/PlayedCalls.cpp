@@ -4,6 +4,7 @@
 #include "capture/PlayedEntries.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstring>
 
 namespace ZLT::Capture {
@@ -263,7 +264,13 @@ void CapturePlay::playCall() {
         playElement(gl, arrays);
     } else if (!isReplaced(entry)) {
         const ArraysForDraw forDraw(gl, context().facts, arrays);
-        play(gl, site.c_str(), 0, arguments.data(), result);
+        if (options.follows) {
+            const auto start = std::chrono::steady_clock::now();
+            play(gl, site.c_str(), 0, arguments.data(), result);
+            callTime = static_cast<std::uint64_t>((std::chrono::steady_clock::now() - start).count());
+        } else {
+            play(gl, site.c_str(), 0, arguments.data(), result);
+        }
     }
     arrays.clear();
     learnNames(result);

@@ -46,6 +46,41 @@ void CapturePlay::makeContext() {
     made.driver = call.values[5].bytes;
 }
 
+void* CapturePlay::handleToDraw(std::uint32_t number, std::uint32_t surface) {
+    if (void* const handle = surfaceHandle(surface))
+        return handle;
+    // Each context gets one, since a surface is one thread's.
+    Surface& small = surfaces[noSurface + number];
+    if (!small.handle) {
+        small.shape.width = small.shape.height = 1;
+        small.shape.red = small.shape.green = small.shape.blue = small.shape.alpha = 8;
+        small.handle = system.makeSurface(small.shape);
+    }
+    return small.handle;
+}
+
+bool CapturePlay::withContext(std::uint32_t number, const std::function<void()>& work) {
+    Context& wanted = contexts[number];
+    bool isDone = false;
+    threads.run(wanted.thread != 0 ? wanted.thread : 1, [&] {
+        if (!wanted.handle)
+            return;
+        isDone = true;
+        if (wanted.thread != 0)
+            return work();
+        void* const draw = handleToDraw(number, wanted.draw);
+        system.makeCurrent(draw, draw, wanted.handle);
+        work();
+        const Context& now = contextOf(1);
+        if (!now.handle)
+            return system.makeCurrent(nullptr, nullptr, nullptr);
+        void* const before = handleToDraw(current[1], now.draw);
+        void* const read = surfaceHandle(now.read);
+        system.makeCurrent(before, read ? read : before, now.handle);
+    });
+    return isDone;
+}
+
 void CapturePlay::makeCurrent() {
     const std::uint32_t number = call.u32(0);
     if (number == 0 || !contexts.contains(number)) {
@@ -60,17 +95,7 @@ void CapturePlay::makeCurrent() {
     }
     if (contextOf(call.thread).handle != next.handle || !next.handle)
         release(call.thread);
-    void* draw = surfaceHandle(call.u32(1));
-    if (!draw) {
-        // It drew to framebuffer objects alone. Each context gets one, since a surface is one thread's.
-        Surface& small = surfaces[noSurface + number];
-        if (!small.handle) {
-            small.shape.width = small.shape.height = 1;
-            small.shape.red = small.shape.green = small.shape.blue = small.shape.alpha = 8;
-            small.handle = system.makeSurface(small.shape);
-        }
-        draw = small.handle;
-    }
+    void* const draw = handleToDraw(number, call.u32(1));
     if (!next.handle) {
         next.handle = system.makeContext(next.shape, draw, next.group->first);
         if (!next.group->first)

@@ -118,21 +118,8 @@ void ProjectExport::bringContext(CapturePlay& play, Context& its, bool isFirst) 
         objects.add("glPixelStorei", GL_UNPACK_ALIGNMENT, 4);
         StateReader(play, played, known, state, missing).addContextState();
     };
-    // On the thread that has the context, or for a time on the first.
-    play.threads.run(played.thread != 0 ? played.thread : 1, [&] {
-        if (played.thread != 0)
-            return read();
-        Playing::Context& now = play.contextOf(1);
-        void* const draw = play.surfaceHandle(played.draw);
-        if (!draw || !played.handle)
-            return missing("Context " + std::to_string(its.number) + " begins as a new one.");
-        play.system.makeCurrent(draw, draw, played.handle);
-        read();
-        if (now.handle)
-            play.system.makeCurrent(play.surfaceHandle(now.draw), play.surfaceHandle(now.read), now.handle);
-        else
-            play.system.makeCurrent(nullptr, nullptr, nullptr);
-    });
+    if (!play.withContext(its.number, read))
+        missing("Context " + std::to_string(its.number) + " begins as a new one.");
     if (isFirst)
         addShaders(*its.group);
     addKept(objects.take());

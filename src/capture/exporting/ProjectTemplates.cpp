@@ -3,9 +3,10 @@
 namespace ZLT::Capture {
 
 namespace {
+using EmbeddedFile = ProjectTemplate;
 #include "capture/ProjectTemplates.inl"
 } // namespace
 
-std::span<const ProjectTemplate> projectTemplates() { return templates; }
+std::span<const ProjectTemplate> projectTemplates() { return embeddedFiles; }
 
 } // namespace ZLT::Capture
