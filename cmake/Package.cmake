@@ -42,6 +42,7 @@ set(public_headers
   InternalWindow.h
   LibraryOGL.h
   capture/Bytes.h
+  capture/CallText.h
   capture/CaptureFile.h
   capture/CaptureFileWriter.h
   capture/CaptureFormat.h
@@ -58,6 +59,9 @@ set(public_headers
   capture/PlaySystem.h
   capture/ProjectExporter.h
   capture/Records.h
+  capture/reporting/CaptureReporter.h
+  capture/reporting/Report.h
+  capture/reporting/ReportOptions.h
   capture/wglCapture.h
   extensionator/ExtensionManager.h
   extensionator/InterceptCall.h

@@ -1,6 +1,6 @@
-// Reads, plays and exports whatever bytes there are, on the scripted GL. The first byte says what the rest
-// is: a file, or records and data of one whose chunks are whole, so that no checksum stands in front of what
-// is behind it.
+// Reads, plays, exports and reports on whatever bytes there are, on the scripted GL. The first byte says what
+// the rest is: a file, or records and data of one whose chunks are whole, so that no checksum stands in front
+// of what is behind it.
 
 #include "FakeGL.h"
 #include "FakeWindowSystem.h"
@@ -9,6 +9,7 @@
 #include "capture/CapturePlayer.h"
 #include "capture/Compression.h"
 #include "capture/ProjectExporter.h"
+#include "capture/reporting/CaptureReporter.h"
 #include "extensionator/OpenGLCall.h"
 #include "extensionator/OpenGLInterceptor.h"
 
@@ -98,6 +99,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         CapturePlayer player(file, system, *ZLT::OGL::OpenGLInterceptor::Instance(), listener, {true});
         for (int frame = 0; frame < 100 && player.playFrame(); ++frame)
             continue;
+        file.rewind();
+        ReportOptions options;
+        options.encode = [](const Picture&, bool) { return std::string("picture"); };
+        CaptureReporter reporter(file, system, *ZLT::OGL::OpenGLInterceptor::Instance(), options);
+        for (int frame = 0; frame < 100 && reporter.playFrame(); ++frame)
+            continue;
+        reporter.finish();
         // Nothing of it is left.
         file.rewind();
         ProjectExporter exporter(file, {"/dev/shm/zlt_fuzz_" + std::to_string(getpid()), "fuzz", "capture"});
