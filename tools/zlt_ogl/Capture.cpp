@@ -1,5 +1,6 @@
 #include "Capture.h"
 
+#include "Output.h"
 #include "ProgramFile.h"
 #include "Progress.h"
 #include "Run.h"
@@ -25,15 +26,6 @@ namespace {
 namespace fs = std::filesystem;
 using Capture::CaptureFileWriter;
 using Capture::Event;
-
-// "game.zlt", or the first of "game.1.zlt", "game.2.zlt", ... that is free.
-std::string freeName(const std::string& program) {
-    const std::string stem = fs::path(program).stem().string();
-    std::string name = stem + ".zlt";
-    for (int i = 1; fs::exists(name); ++i)
-        name = stem + '.' + std::to_string(i) + ".zlt";
-    return name;
-}
 
 // The capture of one process.
 class ProcessCapture {
@@ -193,7 +185,7 @@ void checkWritable(const std::string& path) {
 
 void capture(const CaptureOptions& options, const std::vector<std::string>& program) {
     const bool isScript = findProgram(program.front()).isScript;
-    const std::string path = options.output.empty() ? freeName(program.front()) : options.output;
+    const std::string path = options.output.empty() ? freeName(program.front(), ".zlt") : options.output;
     try {
         checkWritable(path);
     } catch (const std::system_error& error) {

@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 
 #if defined(_WIN32)
 #include <fstream>
@@ -41,6 +42,14 @@ std::unique_ptr<std::ostream> open(const std::string& path) { return std::make_u
 #endif
 
 } // namespace
+
+std::string freeName(const std::string& path, const std::string& extension) {
+    const std::string stem = std::filesystem::path(path).stem().string();
+    std::string name = stem + extension;
+    for (int i = 1; std::filesystem::exists(name); ++i)
+        name = stem + '.' + std::to_string(i) + extension;
+    return name;
+}
 
 std::unique_ptr<std::ostream> openOutput(const std::string& path) {
     std::unique_ptr<std::ostream> file = open(path);

@@ -17,7 +17,26 @@ void write(void* stream, void* bytes, int size) {
     static_cast<std::ostream*>(stream)->write(static_cast<const char*>(bytes), size);
 }
 
+void append(void* text, void* bytes, int size) {
+    static_cast<std::string*>(text)->append(static_cast<const char*>(bytes), static_cast<std::size_t>(size));
+}
+
 } // namespace
+
+std::string pngOf(const Capture::Picture& picture) {
+    std::string bytes;
+    stbi_flip_vertically_on_write(1); // rows come from the bottom up
+    stbi_write_png_to_func(append, &bytes, picture.width, picture.height, 4, picture.pixels.data(), 0);
+    return bytes;
+}
+
+std::string jpegOf(const Capture::Picture& picture) {
+    constexpr int quality = 82;
+    std::string bytes;
+    stbi_flip_vertically_on_write(1);
+    stbi_write_jpg_to_func(append, &bytes, picture.width, picture.height, 4, picture.pixels.data(), quality);
+    return bytes;
+}
 
 void writePng(const std::string& path, const Capture::Picture& picture) {
     const std::unique_ptr<std::ostream> file = openOutput(path);

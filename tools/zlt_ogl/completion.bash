@@ -2,14 +2,14 @@
 _zlt_ogl() {
     local word=${COMP_WORDS[COMP_CWORD]} command=${COMP_WORDS[1]} at
     if [ "$COMP_CWORD" -eq 1 ]; then
-        mapfile -t COMPREPLY < <(compgen -W "info check trace capture replay dump export --help --version" -- "$word")
+        mapfile -t COMPREPLY < <(compgen -W "info check trace capture replay dump report export --help --version" -- "$word")
         return
     fi
     # Behind the program everything is the program's own.
     for ((at = 2; at < COMP_CWORD; ++at)); do
         case ${COMP_WORDS[at]} in
             --) ((++at)); break ;;
-            -o | --output | --sarif | --frames | --png | --loop | --calls | --name) ((++at)) ;;
+            -o | --output | --sarif | --frames | --png | --loop | --calls | --name | --chrome) ((++at)) ;;
             -*) ;;
             *) break ;;
         esac
@@ -35,14 +35,15 @@ _zlt_ogl() {
                     mapfile -t COMPREPLY < <(compgen -W "--verify --png --frames --loop --window --help" -- "$word")
                     ;;
                 export) mapfile -t COMPREPLY < <(compgen -W "--frames --name --help" -- "$word") ;;
+                report) mapfile -t COMPREPLY < <(compgen -W "--output --chrome --open --help" -- "$word") ;;
                 dump) mapfile -t COMPREPLY < <(compgen -W "--frames --calls --json --help" -- "$word") ;;
             esac
             ;;
         *)
             case ${COMP_WORDS[COMP_CWORD - 1]} in
-                -o | --output | --sarif | --png) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
+                -o | --output | --sarif | --png | --chrome) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
                 --frames | --loop | --calls | --name) COMPREPLY=() ;;
-                *) [[ $command == @(replay|dump|export) ]] && mapfile -t COMPREPLY < <(compgen -f -- "$word") ||
+                *) [[ $command == @(replay|dump|report|export) ]] && mapfile -t COMPREPLY < <(compgen -f -- "$word") ||
                     mapfile -t COMPREPLY < <(compgen -c -f -- "$word") ;;
             esac
             ;;

@@ -31,6 +31,7 @@ constexpr const char* description =
   zlt_ogl capture ./game         everything that it draws, into a file
   zlt_ogl replay game.zlt        the same again
   zlt_ogl dump game.zlt          the calls of a capture
+  zlt_ogl report game.zlt        a page about it: frames, errors, costs, objects
   zlt_ogl info                   what OpenGL this machine has)";
 
 constexpr const char* checkDescription =
@@ -58,6 +59,7 @@ or glFinish.)";
 constexpr std::pair<const char*, const char*> playerCommands[] = {
     {"replay", "Draw again what a capture has"},
     {"dump", "Write down the calls of a capture"},
+    {"report", "Write a page about a capture, to look at in a browser"},
     {"export", "Write a capture as a C++ project that needs nothing of this"}};
 
 // What stands after the options, or after `--`: the program and all that is its own, dashes of its own too.

@@ -1,8 +1,9 @@
-// What is behind the commands of captures: `zlt_ogl replay`, `dump` and `export`.
+// What is behind the commands of captures: `zlt_ogl replay`, `dump`, `export` and `report`.
 
 #include "Dump.h"
 #include "ExportProject.h"
 #include "Guarded.h"
+#include "MakeReport.h"
 #include "ProgramFile.h"
 #include "Replay.h"
 
@@ -31,6 +32,11 @@ begin. What is large has its size in place of it.)";
 constexpr const char* exportDescription =
     R"(Writes a capture as a C++ project that makes the same calls: a statement for each, with where the program made it.
 The project needs a compiler, CMake and GLFW 3.3, and nothing of zlt_ogl.)";
+
+constexpr const char* reportDescription =
+    R"(Plays a capture and writes a page about it, one file that any browser opens: frames as pictures with what they
+took and what they did, errors by the line that made them, calls that changed nothing, calls that wait, costly habits,
+all objects, and what was left.)";
 
 void readRange(const std::string& text, Frames& range, const std::string& what) {
     if (text.empty())
@@ -77,6 +83,16 @@ int run(int argc, char** argv) {
     exportCommand.add_option("--name", exportOptions.name, "the program's name; else that of FOLDER")
         ->type_name("NAME");
 
+    PageOptions pageOptions;
+    CLI::App& reportCommand = *app.add_subcommand("report", reportDescription);
+    reportCommand.add_option("FILE", pageOptions.file, "the capture")->required();
+    reportCommand.add_option("-o,--output", pageOptions.page, "the page; else FILE's name and .html")
+        ->type_name("PAGE");
+    reportCommand
+        .add_option("--chrome", pageOptions.chrome, "write the times for the viewers of Chrome's traces")
+        ->type_name("TRACE");
+    reportCommand.add_flag("--open", pageOptions.opens, "show the page in the browser");
+
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
@@ -98,6 +114,8 @@ int run(int argc, char** argv) {
         readRange(frames, exportOptions.frames, "frame");
         return exportProject(exportOptions);
     }
+    if (reportCommand.parsed())
+        return makeReport(pageOptions);
     readRange(frames, replayOptions.frames, "frame");
     return replay(replayOptions);
 }
