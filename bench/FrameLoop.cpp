@@ -1,6 +1,8 @@
-// What captures and checks are measured with, and nothing in front of GL: FrameLoop parameters|arrays|cubes
-// COUNT. With `parameters` as many calls of two arguments and four floats, with `arrays` as many frames that
-// read 1 MiB of client arrays, with `cubes` as many draws of 24 vertices by 36 indices in client arrays.
+// What captures and checks are measured with, and nothing in front of GL: FrameLoop
+// parameters|arrays|cubes|frames COUNT. With `parameters` as many calls of two arguments and four floats,
+// with `arrays` as many frames that read 1 MiB of client arrays, with `cubes` as many draws of 24 vertices by
+// 36 indices in client arrays, with `frames` as many frames of a thousand calls, of which most are of
+// immediate mode and some set state.
 
 #include <EGL/egl.h>
 #include <GL/gl.h>
@@ -82,16 +84,49 @@ void drawCubes(long cubes) {
     }
 }
 
+void drawFrames(long frames) {
+    GLuint textures[8];
+    glGenTextures(8, textures);
+    std::vector<GLubyte> texels(std::size_t(64) * 64 * 4);
+    for (std::size_t i = 0; i < texels.size(); ++i)
+        texels[i] = static_cast<GLubyte>(i * 7);
+    for (const GLuint texture : textures) {
+        glBindTexture(GL_TEXTURE_2D, texture);
+        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 64, 64, 0, GL_RGBA, GL_UNSIGNED_BYTE, texels.data());
+    }
+    for (long frame = 0; frame < frames; ++frame) {
+        glClear(GL_COLOR_BUFFER_BIT);
+        for (int object = 0; object < 40; ++object) {
+            glBindTexture(GL_TEXTURE_2D, textures[object / 5]);
+            glEnable(GL_TEXTURE_2D);
+            glBegin(GL_TRIANGLES);
+            for (int corner = 0; corner < 9; ++corner) {
+                glTexCoord2f(static_cast<float>(corner % 3), static_cast<float>(corner));
+                glVertex2f(static_cast<float>((corner * object + frame) % 17) / 8 - 1,
+                           static_cast<float>(corner % 4) / 2 - 1);
+            }
+            glEnd();
+            glDisable(GL_TEXTURE_2D);
+            glBlendFunc(GL_ONE, object % 2 == 0 ? GL_ZERO : GL_ONE);
+            glColor3ub(static_cast<GLubyte>(frame), static_cast<GLubyte>(object * 6), 255);
+        }
+        eglSwapBuffers(display, surface);
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
     if (argc != 3 || !makeContext()) {
-        std::fprintf(stderr, "usage: FrameLoop parameters|arrays|cubes COUNT, with a driver\n");
+        std::fprintf(stderr, "usage: FrameLoop parameters|arrays|cubes|frames COUNT, with a driver\n");
         return 1;
     }
     const std::string kind = argv[1];
     if (kind == "arrays")
         drawArrays(std::atol(argv[2]));
+    else if (kind == "frames")
+        drawFrames(std::atol(argv[2]));
     else if (kind == "cubes")
         drawCubes(std::atol(argv[2]));
     else

@@ -628,6 +628,7 @@ const std::map<std::string, void (*)()> scenes = {{"immediate", immediate},
                                                   {"imaging", imaging},
                                                   {"once", once},
                                                   {"core", core},
+                                                  {"reported", reported},
                                                   {"contexts", contexts},
                                                   {"resize", resize},
                                                   {"samples", immediate}};

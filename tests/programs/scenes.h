@@ -36,4 +36,7 @@ void framebuffers();
 void once();
 void core();
 
+// sceneReported.cpp
+void reported();
+
 } // namespace Scenes
