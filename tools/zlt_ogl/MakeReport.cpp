@@ -19,7 +19,7 @@
 #include <windows.h>
 #else
 #include <spawn.h>
-extern char** environ;
+#include <unistd.h>
 #endif
 
 namespace ZLT::Interception {

@@ -194,7 +194,8 @@ private:
             {"changes", &ReportedFrame::changes},   {"unchanged", &ReportedFrame::unchanged},
             {"uploaded", &ReportedFrame::uploaded}, {"errors", &ReportedFrame::errors}};
         for (const auto& [name, member] : numbers)
-            frames[name] = list([&](const ReportedFrame& frame) { return Json(frame.*member); });
+            frames[name] =
+                list([member = member](const ReportedFrame& frame) { return Json(frame.*member); });
         frames["unfinished"] = report_.isLastUnfinished;
         Json pictures = Json::object(), shapes = Json::object(), details = Json::object();
         for (std::size_t i = 0; i < report_.frames.size(); ++i) {
