@@ -15,8 +15,9 @@
 #include <string_view>
 
 #if defined(_WIN32)
-#include <shellapi.h>
 #include <windows.h>
+
+#include <shellapi.h> // which needs the other
 #else
 #include <spawn.h>
 #include <unistd.h>
