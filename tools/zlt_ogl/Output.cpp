@@ -47,7 +47,7 @@ std::string freeName(const std::string& path, const std::string& extension) {
     const std::string stem = std::filesystem::path(path).stem().string();
     std::string name = stem + extension;
     for (int i = 1; std::filesystem::exists(name); ++i)
-        name = stem + '.' + std::to_string(i) + extension;
+        name = std::string(stem).append(".").append(std::to_string(i)).append(extension);
     return name;
 }
 
