@@ -243,7 +243,33 @@ TEST(ReportDamageTest, isSaid) {
     const Result refused = run({COMMAND, "report", file, "-o", nowhere}, 60s);
     EXPECT_EQ(2, refused.status);
     EXPECT_NE(std::string::npos, refused.err.find(nowhere + " can't be written")) << refused.err;
+    EXPECT_NE(std::string::npos, refused.err.find("No such file or directory")) << refused.err;
     EXPECT_NE(0, run({COMMAND, "report", SOURCES "scenes.cpp", "-o", page}, 60s).status);
+}
+
+// What was there stays as it was, and nothing new is left.
+TEST(ReportDamageTest, aReportThatFailsChangesNoFile) {
+    const std::string file = scratch("kept.zlt"), page = scratch("kept.html"), other = scratch("new.html"),
+                      nowhere = scratch("no/such/trace.json");
+    run(capture(file) + Words{FOLDER "scenes", "shaders"});
+    const std::string whole = contentOf(file);
+    std::ofstream(page) << "an older page";
+    std::filesystem::remove(other);
+    for (const std::string& name : {page, other})
+        EXPECT_EQ(2, run({COMMAND, "report", file, "-o", name, "--chrome", nowhere}, 60s).status);
+    EXPECT_EQ(1, run({"env", "__EGL_VENDOR_LIBRARY_FILENAMES=/dev/null", "LIBGL_DRIVERS_PATH=/nowhere",
+                      "DISPLAY=", COMMAND, "report", file, "-o", page},
+                     60s)
+                     .status);
+    EXPECT_EQ("an older page", contentOf(page));
+    EXPECT_FALSE(std::filesystem::exists(other));
+    for (const Words& words :
+         {Words{"-o", file}, Words{"-o", other, "--chrome", file}, Words{"-o", page, "--chrome", page}})
+        EXPECT_EQ(2, run(Words{COMMAND, "report", file} + words, 60s).status);
+    EXPECT_TRUE(contentOf(file) == whole);
+    EXPECT_EQ("an older page", contentOf(page));
+    EXPECT_EQ(0, run({COMMAND, "report", file, "-o", page}, 60s).status);
+    EXPECT_TRUE(contentOf(page).starts_with("<!doctype html>"));
 }
 
 } // namespace

@@ -12,6 +12,7 @@
 
 #include <filesystem>
 #include <iostream>
+#include <optional>
 #include <string_view>
 
 #if defined(_WIN32)
@@ -132,10 +133,13 @@ int makeReport(const PageOptions& options) {
     Capture::CaptureFile file(options.file);
     const std::string page = options.page.empty() ? freeName(options.file, ".html") : options.page;
     // Where nothing can be written, nothing has to be played.
-    const std::unique_ptr<std::ostream> to = openOutput(page);
-    std::unique_ptr<std::ostream> trace;
-    if (!options.chrome.empty())
-        trace = openOutput(options.chrome);
+    LateOutput to(page, options.file);
+    std::optional<LateOutput> trace;
+    if (!options.chrome.empty()) {
+        trace.emplace(options.chrome, options.file);
+        if (fs::equivalent(page, options.chrome))
+            throw Refusal(page + " can't be the page and the trace", Refusal::usage);
+    }
     std::size_t pictureBytes = 0, left = 0;
     Capture::ReportOptions how;
     how.encode = [&](const Capture::Picture& picture, bool hasAlpha) -> std::string {
@@ -165,11 +169,11 @@ int makeReport(const PageOptions& options) {
         report.leftOut.push_back("The driver of the replay has no " + std::string(missing) + ".");
     progress.clear();
     const std::string name = fs::path(options.file).filename().string();
-    writePage(*to, reportJson(report, name, mostJson));
-    closeOutput(*to, page);
+    writePage(to.begin(), reportJson(report, name, mostJson));
+    to.finish();
     if (trace) {
-        *trace << chromeTrace(report, name) << '\n';
-        closeOutput(*trace, options.chrome);
+        trace->begin() << chromeTrace(report, name) << '\n';
+        trace->finish();
     }
     std::cout << page << ": " << counted(report.frames.size() - (report.isLastUnfinished ? 1 : 0), "frame")
               << ", " << counted(report.calls, "call") << ", " << counted(report.errorCount, "error") << '\n';

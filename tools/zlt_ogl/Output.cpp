@@ -18,8 +18,9 @@ namespace ZLT::Interception {
 namespace {
 
 #if defined(_WIN32)
-std::unique_ptr<std::ostream> open(const std::string& path) {
-    return std::make_unique<std::ofstream>(path, std::ios::binary);
+std::unique_ptr<std::ostream> open(const std::string& path, bool keepsContent) {
+    return std::make_unique<std::ofstream>(path, keepsContent ? std::ios::binary | std::ios::app
+                                                              : std::ios::binary);
 }
 #else
 constexpr std::size_t bufferSize = 1 << 16;
@@ -27,18 +28,22 @@ constexpr std::size_t bufferSize = 1 << 16;
 // A stream of the standard library can't be told to keep its descriptor from other programs.
 class File : public std::ostream {
 public:
-    explicit File(const std::string& path)
-        : std::ostream(nullptr), buffer_(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666),
-                                         std::ios::out, bufferSize) {
+    File(const std::string& path, bool keepsContent) : std::ostream(nullptr) {
+        const int file =
+            ::open(path.c_str(), O_WRONLY | O_CREAT | (keepsContent ? 0 : O_TRUNC) | O_CLOEXEC, 0666);
+        if (file >= 0) // else the buffer would have an error of its own
+            buffer_ = __gnu_cxx::stdio_filebuf<char>(file, std::ios::out, bufferSize);
         rdbuf(&buffer_);
-        if (!buffer_.is_open())
+        if (file < 0)
             setstate(failbit);
     }
 
 private:
     __gnu_cxx::stdio_filebuf<char> buffer_;
 };
-std::unique_ptr<std::ostream> open(const std::string& path) { return std::make_unique<File>(path); }
+std::unique_ptr<std::ostream> open(const std::string& path, bool keepsContent) {
+    return std::make_unique<File>(path, keepsContent);
+}
 #endif
 
 } // namespace
@@ -51,8 +56,8 @@ std::string freeName(const std::string& path, const std::string& extension) {
     return name;
 }
 
-std::unique_ptr<std::ostream> openOutput(const std::string& path) {
-    std::unique_ptr<std::ostream> file = open(path);
+std::unique_ptr<std::ostream> openOutput(const std::string& path, bool keepsContent) {
+    std::unique_ptr<std::ostream> file = open(path, keepsContent);
     if (!*file)
         throw Refusal(path + " can't be written: " + std::strerror(errno), Refusal::usage);
     return file;
@@ -63,5 +68,31 @@ void closeOutput(std::ostream& file, const std::string& path) {
     if (!file)
         throw Refusal(path + " could not be written to the end: " + std::strerror(errno), Refusal::usage);
 }
+
+LateOutput::LateOutput(std::string path, const std::string& source) : path_(std::move(path)) {
+    std::error_code none;
+    if (std::filesystem::equivalent(path_, source, none))
+        throw Refusal(path_ + " is what is read, and would be lost", Refusal::usage);
+    isNew_ = !std::filesystem::exists(path_, none);
+    file_ = openOutput(path_, true);
+}
+
+LateOutput::~LateOutput() {
+    if (!file_ || !isNew_)
+        return;
+    file_.reset();
+    std::error_code none;
+    std::filesystem::remove(path_, none);
+}
+
+std::ostream& LateOutput::begin() {
+    isNew_ = false;
+    // A pipe or a device has nothing to be emptied.
+    if (std::filesystem::is_regular_file(path_))
+        std::filesystem::resize_file(path_, 0);
+    return *file_;
+}
+
+void LateOutput::finish() { closeOutput(*file_, path_); }
 
 } // namespace ZLT::Interception
