@@ -36,7 +36,7 @@ const functionTable = { build: host => {
 
 const sections = [
     { id: "overview", title: "Overview", build: buildOverview },
-    { id: "frames", title: "Frames", count: frameCount, found: words => {
+    { id: "frames", title: "Frames", count: report.overview.frames || frameCount, found: words => {
         let found = 0;
         for (let frame = 1; frame <= frameCount; ++frame)
             found += frameHas({ frame }, words);
