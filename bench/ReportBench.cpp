@@ -16,7 +16,7 @@ int main() {
     const Bench::TemporaryFolder temporary;
     const std::string command = "'" ZLT_OGL_COMMAND "' ", page = temporary.path() + "/page.html";
     for (const char* arguments : {"frames 2000", "parameters 2000000"}) {
-        const std::string file = "'" + temporary.path() + "/many.zlt' ";
+        const std::string file = std::string("'").append(temporary.path()).append("/many.zlt' ");
         Bench::runShell(command + "capture -o " + file + "'" FRAME_LOOP "' " + arguments);
         const Bench::Usage replay = Bench::runShell(command + "replay " + file);
         const Bench::Usage report = Bench::runShell(command + "report " + file + "-o '" + page + "'");
