@@ -6,11 +6,11 @@ const allCalls = overview.calls || null;
 const shareOfCalls = { key: "share", title: "Of all calls", kind: "share", get: row => allCalls && row.count / allCalls };
 
 /** A section that is one table: a sentence above it, the table, and what to say if it is empty. */
-const tableSection = (id, title, table, spec, sentence) => ({ id, title, table, build: host => {
+const tableSection = (id, title, table, options, sentence) => ({ id, title, table, build: host => {
     const rows = rowsOf(table);
     if (sentence && rows.length)
         host.append(element("p", { className: "sentence" }, sentence(rows)));
-    const made = new ReportTable(host, { label: title, ...spec });
+    const made = new ReportTable(host, { label: title, ...options });
     made.setRows(rows, table?.left);
     return made;
 } });
