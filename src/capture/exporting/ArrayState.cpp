@@ -1,5 +1,6 @@
 // Arrays of vertices, and what is bound.
 
+#include "capture/TextureBinding.h"
 #include "capture/exporting/StateReader.h"
 
 #include <algorithm>
@@ -151,19 +152,19 @@ void StateReader::addArrays() {
 
 void StateReader::addBindings() {
     struct Binding {
-        std::uint32_t target, binding;
+        std::uint32_t target;
         int since;
         const char* extension;
     };
     constexpr Binding bindings[] = {
-        {GL_TEXTURE_1D, GL_TEXTURE_BINDING_1D, 11, nullptr},
-        {GL_TEXTURE_2D, GL_TEXTURE_BINDING_2D, 11, nullptr},
-        {GL_TEXTURE_3D, GL_TEXTURE_BINDING_3D, 12, nullptr},
-        {GL_TEXTURE_CUBE_MAP, GL_TEXTURE_BINDING_CUBE_MAP, 13, nullptr},
-        {GL_TEXTURE_RECTANGLE_ARB, GL_TEXTURE_BINDING_RECTANGLE_ARB, 99, "GL_ARB_texture_rectangle"},
-        {GL_TEXTURE_1D_ARRAY, GL_TEXTURE_BINDING_1D_ARRAY, 30, "GL_EXT_texture_array"},
-        {GL_TEXTURE_2D_ARRAY, GL_TEXTURE_BINDING_2D_ARRAY, 30, "GL_EXT_texture_array"},
-        {GL_TEXTURE_BUFFER, GL_TEXTURE_BINDING_BUFFER, 31, "GL_ARB_texture_buffer_object"},
+        {GL_TEXTURE_1D, 11, nullptr},
+        {GL_TEXTURE_2D, 11, nullptr},
+        {GL_TEXTURE_3D, 12, nullptr},
+        {GL_TEXTURE_CUBE_MAP, 13, nullptr},
+        {GL_TEXTURE_RECTANGLE_ARB, 99, "GL_ARB_texture_rectangle"},
+        {GL_TEXTURE_1D_ARRAY, 30, "GL_EXT_texture_array"},
+        {GL_TEXTURE_2D_ARRAY, 30, "GL_EXT_texture_array"},
+        {GL_TEXTURE_BUFFER, 31, "GL_ARB_texture_buffer_object"},
     };
     int count = 1;
     if (isVersion(2, 0))
@@ -179,7 +180,7 @@ void StateReader::addBindings() {
         for (const Binding& binding : bindings) {
             if (facts_.version < binding.since && !(binding.extension && has(binding.extension)))
                 continue;
-            const std::uint32_t its = token(binding.binding);
+            const std::uint32_t its = token(textureBindingOf(binding.target));
             if (!isAnswered() || (its == 0 && !isFull_))
                 continue;
             if (count > 1 && told != name)

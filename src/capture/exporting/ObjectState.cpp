@@ -1,6 +1,7 @@
 // Objects, as GL has them.
 
 #include "capture/PixelState.h"
+#include "capture/TextureBinding.h"
 #include "capture/exporting/StateReader.h"
 
 #include <algorithm>
@@ -28,27 +29,6 @@ int dimensionsOf(std::uint32_t target) {
         return 3;
     default:
         return 2;
-    }
-}
-
-std::uint32_t bindingOf(std::uint32_t target) {
-    switch (target) {
-    case GL_TEXTURE_1D:
-        return GL_TEXTURE_BINDING_1D;
-    case GL_TEXTURE_3D:
-        return GL_TEXTURE_BINDING_3D;
-    case GL_TEXTURE_CUBE_MAP:
-        return GL_TEXTURE_BINDING_CUBE_MAP;
-    case GL_TEXTURE_RECTANGLE_ARB:
-        return GL_TEXTURE_BINDING_RECTANGLE_ARB;
-    case GL_TEXTURE_1D_ARRAY:
-        return GL_TEXTURE_BINDING_1D_ARRAY;
-    case GL_TEXTURE_2D_ARRAY:
-        return GL_TEXTURE_BINDING_2D_ARRAY;
-    case GL_TEXTURE_BUFFER:
-        return GL_TEXTURE_BINDING_BUFFER;
-    default:
-        return GL_TEXTURE_BINDING_2D;
     }
 }
 
@@ -215,7 +195,8 @@ void StateReader::addTexture(std::uint64_t name) {
     to_.add("glGenTextures", 1, Given{bytesOf(&name, 1).substr(0, 4)});
     if (known == known_.textureTargets.end() || now == 0)
         return;
-    const std::uint32_t before = token(bindingOf(known->second));
+    // Of a target that is later than what is read here nothing is known to have been bound.
+    const std::uint32_t binding = textureBindingOf(known->second), before = binding ? token(binding) : 0;
     glBindTexture(known->second, now);
     to_.add("glBindTexture", known->second, name);
     if (isAnswered())
@@ -226,7 +207,7 @@ void StateReader::addTexture(std::uint64_t name) {
 
 void StateReader::addDefaultTextures() {
     for (const std::uint32_t target : {GL_TEXTURE_1D, GL_TEXTURE_2D, GL_TEXTURE_3D, GL_TEXTURE_CUBE_MAP}) {
-        const std::uint32_t before = token(bindingOf(target));
+        const std::uint32_t before = token(textureBindingOf(target));
         if (!isAnswered())
             continue;
         glBindTexture(target, 0);

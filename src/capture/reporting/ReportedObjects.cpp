@@ -1,10 +1,10 @@
 // Objects: what made them, what they are, and whether they went.
 
 #include "capture/CallText.h"
+#include "capture/TextureBinding.h"
 #include "capture/reporting/ReportState.h"
 
 #include <algorithm>
-#include <array>
 
 namespace ZLT::Capture {
 
@@ -81,32 +81,20 @@ constexpr LabelRow labelRows[] = {{GL_TEXTURE, ObjectKind::Texture},
                                   {GL_QUERY_OBJECT_EXT, ObjectKind::Query},
                                   {GL_VERTEX_ARRAY_OBJECT_EXT, ObjectKind::VertexArray}};
 
-constexpr std::array<std::pair<std::uint32_t, std::uint32_t>, 8> bufferBindings = {
-    {{GL_ARRAY_BUFFER, GL_ARRAY_BUFFER_BINDING},
-     {GL_ELEMENT_ARRAY_BUFFER, GL_ELEMENT_ARRAY_BUFFER_BINDING},
-     {GL_PIXEL_PACK_BUFFER, GL_PIXEL_PACK_BUFFER_BINDING},
-     {GL_PIXEL_UNPACK_BUFFER, GL_PIXEL_UNPACK_BUFFER_BINDING},
-     {GL_UNIFORM_BUFFER, GL_UNIFORM_BUFFER_BINDING},
-     {GL_TRANSFORM_FEEDBACK_BUFFER, GL_TRANSFORM_FEEDBACK_BUFFER_BINDING},
-     {GL_COPY_READ_BUFFER, GL_COPY_READ_BUFFER_BINDING},
-     {GL_COPY_WRITE_BUFFER, GL_COPY_WRITE_BUFFER_BINDING}}};
+constexpr std::pair<std::uint32_t, std::uint32_t> bufferBindings[] = {
+    {GL_ARRAY_BUFFER, GL_ARRAY_BUFFER_BINDING},
+    {GL_ELEMENT_ARRAY_BUFFER, GL_ELEMENT_ARRAY_BUFFER_BINDING},
+    {GL_PIXEL_PACK_BUFFER, GL_PIXEL_PACK_BUFFER_BINDING},
+    {GL_PIXEL_UNPACK_BUFFER, GL_PIXEL_UNPACK_BUFFER_BINDING},
+    {GL_UNIFORM_BUFFER, GL_UNIFORM_BUFFER_BINDING},
+    {GL_TRANSFORM_FEEDBACK_BUFFER, GL_TRANSFORM_FEEDBACK_BUFFER_BINDING},
+    {GL_COPY_READ_BUFFER, GL_COPY_READ_BUFFER_BINDING},
+    {GL_COPY_WRITE_BUFFER, GL_COPY_WRITE_BUFFER_BINDING}};
 
-constexpr std::array<std::pair<std::uint32_t, std::uint32_t>, 7> textureBindings = {
-    {{GL_TEXTURE_1D, GL_TEXTURE_BINDING_1D},
-     {GL_TEXTURE_2D, GL_TEXTURE_BINDING_2D},
-     {GL_TEXTURE_3D, GL_TEXTURE_BINDING_3D},
-     {GL_TEXTURE_CUBE_MAP, GL_TEXTURE_BINDING_CUBE_MAP},
-     {GL_TEXTURE_RECTANGLE_ARB, GL_TEXTURE_BINDING_RECTANGLE_ARB},
-     {GL_TEXTURE_1D_ARRAY, GL_TEXTURE_BINDING_1D_ARRAY},
-     {GL_TEXTURE_2D_ARRAY, GL_TEXTURE_BINDING_2D_ARRAY}}};
-
-template <std::size_t size>
-std::uint32_t bindingOf(const std::array<std::pair<std::uint32_t, std::uint32_t>, size>& rows,
-                        std::uint32_t target) {
-    if (target >= GL_TEXTURE_CUBE_MAP_POSITIVE_X && target <= GL_TEXTURE_CUBE_MAP_NEGATIVE_Z)
-        target = GL_TEXTURE_CUBE_MAP;
-    const auto found = std::ranges::find(rows, target, &std::pair<std::uint32_t, std::uint32_t>::first);
-    return found == rows.end() ? 0 : found->second;
+std::uint32_t bufferBindingOf(std::uint32_t target) {
+    const auto* const found =
+        std::ranges::find(bufferBindings, target, &std::pair<std::uint32_t, std::uint32_t>::first);
+    return found == std::end(bufferBindings) ? 0 : found->second;
 }
 
 } // namespace
@@ -212,8 +200,7 @@ std::string ReportState::uploadedObject(const CapturedCall& call, ContextFacts& 
             name = call.values[i].bits;
     const std::uint32_t target = static_cast<std::uint32_t>(valueOf(call, "target"));
     if (name == 0)
-        name =
-            boundAt(isBuffer ? bindingOf(bufferBindings, target) : bindingOf(textureBindings, target), kind);
+        name = boundAt(isBuffer ? bufferBindingOf(target) : textureBindingOf(target), kind);
     std::string text = (isBuffer ? "buffer " : "texture ") + std::to_string(name);
     ReportedObject* const object = find(keyOf(kind, name, context));
     if (!object)

@@ -2,6 +2,7 @@
 
 #include "capture/CallText.h"
 #include "capture/PixelState.h"
+#include "capture/TextureBinding.h"
 #include "capture/reporting/ReportState.h"
 #include "capture/reporting/Shrink.h"
 
@@ -20,17 +21,16 @@ constexpr std::uint64_t largestImage = 1 << 26; // pixels that are read at once
 
 struct TargetRow {
     const char* name;
-    std::uint32_t target, binding;
+    std::uint32_t target;
     int dimensions;
 };
-constexpr TargetRow targets[] = {
-    {"GL_TEXTURE_1D", GL_TEXTURE_1D, GL_TEXTURE_BINDING_1D, 1},
-    {"GL_TEXTURE_2D", GL_TEXTURE_2D, GL_TEXTURE_BINDING_2D, 2},
-    {"GL_TEXTURE_3D", GL_TEXTURE_3D, GL_TEXTURE_BINDING_3D, 3},
-    {"GL_TEXTURE_CUBE_MAP", GL_TEXTURE_CUBE_MAP, GL_TEXTURE_BINDING_CUBE_MAP, 2},
-    {"GL_TEXTURE_RECTANGLE_ARB", GL_TEXTURE_RECTANGLE_ARB, GL_TEXTURE_BINDING_RECTANGLE_ARB, 2},
-    {"GL_TEXTURE_1D_ARRAY", GL_TEXTURE_1D_ARRAY, GL_TEXTURE_BINDING_1D_ARRAY, 2},
-    {"GL_TEXTURE_2D_ARRAY", GL_TEXTURE_2D_ARRAY, GL_TEXTURE_BINDING_2D_ARRAY, 3}};
+constexpr TargetRow targets[] = {{"GL_TEXTURE_1D", GL_TEXTURE_1D, 1},
+                                 {"GL_TEXTURE_2D", GL_TEXTURE_2D, 2},
+                                 {"GL_TEXTURE_3D", GL_TEXTURE_3D, 3},
+                                 {"GL_TEXTURE_CUBE_MAP", GL_TEXTURE_CUBE_MAP, 2},
+                                 {"GL_TEXTURE_RECTANGLE_ARB", GL_TEXTURE_RECTANGLE_ARB, 2},
+                                 {"GL_TEXTURE_1D_ARRAY", GL_TEXTURE_1D_ARRAY, 2},
+                                 {"GL_TEXTURE_2D_ARRAY", GL_TEXTURE_2D_ARRAY, 3}};
 
 int ask(std::uint32_t target, int level, std::uint32_t name) {
     GLint value = 0;
@@ -47,7 +47,8 @@ void forgetErrors() {
 class Bound {
 public:
     Bound(const CapturedContext& context, const TargetRow& row, std::uint32_t texture)
-        : target_(row.target), before_(static_cast<std::uint32_t>(context.integer(row.binding))) {
+        : target_(row.target),
+          before_(static_cast<std::uint32_t>(context.integer(textureBindingOf(row.target)))) {
         glBindTexture(target_, texture);
     }
     ~Bound() { glBindTexture(target_, before_); }

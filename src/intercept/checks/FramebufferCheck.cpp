@@ -1,5 +1,6 @@
 #include "intercept/checks/FramebufferCheck.h"
 
+#include "capture/TextureBinding.h"
 #include "extensionator/TokenName.h"
 
 #include <string>
@@ -55,23 +56,6 @@ std::string describe(const Attachment& attachment) {
     return nameOfPoint(attachment.point) +
            (attachment.type == GL_TEXTURE ? ", texture " : ", renderbuffer ") +
            std::to_string(attachment.object);
-}
-
-unsigned int bindingOfTarget(unsigned int target) {
-    switch (target) {
-    case GL_TEXTURE_1D:
-        return GL_TEXTURE_BINDING_1D;
-    case GL_TEXTURE_2D:
-        return GL_TEXTURE_BINDING_2D;
-    case GL_TEXTURE_3D:
-        return GL_TEXTURE_BINDING_3D;
-    case GL_TEXTURE_CUBE_MAP:
-        return GL_TEXTURE_BINDING_CUBE_MAP;
-    case GL_TEXTURE_RECTANGLE_ARB:
-        return GL_TEXTURE_BINDING_RECTANGLE_ARB;
-    default:
-        return 0;
-    }
 }
 
 class Framebuffer {
@@ -163,7 +147,7 @@ private:
             if (found != context_.group->targets.end())
                 target = found->second;
         }
-        const unsigned int binding = bindingOfTarget(target);
+        const unsigned int binding = Capture::textureBindingOf(target);
         if (binding == 0)
             return;
         const int bound = context_.integer(binding);

@@ -1,5 +1,6 @@
 #include "intercept/checks/TextureCheck.h"
 
+#include "capture/TextureBinding.h"
 #include "extensionator/OpenGLCall.h"
 #include "extensionator/TokenName.h"
 #include "intercept/ErrorReports.h"
@@ -13,20 +14,20 @@ namespace ZLT::Interception {
 namespace {
 
 struct Target {
-    unsigned int target, binding;
+    unsigned int target;
     int axes;         ///< that get smaller from level to level
     const char* name; ///< of the token
 };
 // Those of the fixed functions come first, the strongest at the end: what is enabled with another one gives
 // way.
 constexpr Target targets[] = {
-    {GL_TEXTURE_1D, GL_TEXTURE_BINDING_1D, 1, "GL_TEXTURE_1D"},
-    {GL_TEXTURE_2D, GL_TEXTURE_BINDING_2D, 2, "GL_TEXTURE_2D"},
-    {GL_TEXTURE_RECTANGLE_ARB, GL_TEXTURE_BINDING_RECTANGLE_ARB, 0, "GL_TEXTURE_RECTANGLE"},
-    {GL_TEXTURE_3D, GL_TEXTURE_BINDING_3D, 3, "GL_TEXTURE_3D"},
-    {GL_TEXTURE_CUBE_MAP, GL_TEXTURE_BINDING_CUBE_MAP, 2, "GL_TEXTURE_CUBE_MAP"},
-    {GL_TEXTURE_1D_ARRAY, GL_TEXTURE_BINDING_1D_ARRAY, 1, "GL_TEXTURE_1D_ARRAY"},
-    {GL_TEXTURE_2D_ARRAY, GL_TEXTURE_BINDING_2D_ARRAY, 2, "GL_TEXTURE_2D_ARRAY"},
+    {GL_TEXTURE_1D, 1, "GL_TEXTURE_1D"},
+    {GL_TEXTURE_2D, 2, "GL_TEXTURE_2D"},
+    {GL_TEXTURE_RECTANGLE_ARB, 0, "GL_TEXTURE_RECTANGLE"},
+    {GL_TEXTURE_3D, 3, "GL_TEXTURE_3D"},
+    {GL_TEXTURE_CUBE_MAP, 2, "GL_TEXTURE_CUBE_MAP"},
+    {GL_TEXTURE_1D_ARRAY, 1, "GL_TEXTURE_1D_ARRAY"},
+    {GL_TEXTURE_2D_ARRAY, 2, "GL_TEXTURE_2D_ARRAY"},
 };
 constexpr std::size_t fixedTargets = 5;
 
@@ -315,7 +316,8 @@ private:
 
     Finding look(int unit, const Target& target, const std::string& how) {
         chooser_.choose(unit);
-        const auto name = static_cast<std::uint32_t>(context_.integer(target.binding));
+        const auto name =
+            static_cast<std::uint32_t>(context_.integer(Capture::textureBindingOf(target.target)));
         std::string fault;
         bool isKnown = false;
         if (name != 0) {
@@ -419,7 +421,7 @@ void noticeTextures(CheckedContext& context, const OGL::OpenGLCall& call) {
             target = GL_TEXTURE_CUBE_MAP;
         const Target* const known = findTarget(target);
         if (known && hasTarget(context, static_cast<std::size_t>(known - targets)))
-            texture = static_cast<std::uint32_t>(context.integer(known->binding));
+            texture = static_cast<std::uint32_t>(context.integer(Capture::textureBindingOf(known->target)));
     }
     const GroupGuard guard(*context.group);
     if (texture != 0)
