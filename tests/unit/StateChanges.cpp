@@ -187,6 +187,41 @@ const Sequence sequences[] = {
          calls.add("glBindTexture", GL_TEXTURE_2D, 0);
      },
      "CC-C-UU-CCC-CUU"},
+    {"whatIsPoppedInPartIsNotAsInTheBeginning",
+     [](MadeCalls& calls) {
+         calls.add("glEnable", GL_LIGHTING);
+         calls.add("glPushAttrib", GL_LIGHTING_BIT);
+         calls.add("glDisable", GL_LIGHTING);
+         calls.add("glPopAttrib");
+         calls.add("glDisable", GL_LIGHTING);
+         calls.add("glPushAttrib", GL_COLOR_BUFFER_BIT);
+         calls.add("glEnable", GL_FOG);
+         calls.add("glPopAttrib");
+         calls.add("glDisable", GL_FOG);
+     },
+     "C-C-C-C-C"},
+    {"whatOfAListIsDoneAtOnce",
+     [](MadeCalls& calls) {
+         calls.add("glNewList", 1, GL_COMPILE);
+         calls.add("glEnableClientState", GL_VERTEX_ARRAY);
+         calls.add("glBindBuffer", GL_ARRAY_BUFFER, 2);
+         calls.add("glEnable", GL_FOG);
+         calls.add("glEndList");
+         calls.add("glDisableClientState", GL_VERTEX_ARRAY);
+         calls.add("glBindBuffer", GL_ARRAY_BUFFER, 0);
+         calls.add("glDisable", GL_FOG);
+     },
+     "-----CCU"},
+    {"aVertexArrayOfADeletedNameIsNew",
+     [](MadeCalls& calls) {
+         const unsigned int name = 1;
+         calls.add("glBindVertexArray", 1);
+         calls.add("glEnableVertexAttribArray", 0);
+         calls.add("glDeleteVertexArrays", 1, bytesOf(&name, 1));
+         calls.add("glBindVertexArray", 1);
+         calls.add("glEnableVertexAttribArray", 0);
+     },
+     "CC-CC"},
     {"wrongCallsDoNothing",
      [](MadeCalls& calls) {
          calls.add("glDepthFunc", GL_LESS);

@@ -293,6 +293,10 @@ constexpr ForgetRow forgetRows[] = {
     {"glDeleteTextures", TexParameter},
     {"glDeletePrograms", ProgramBinding},
     {"glDeleteVertexArrays", VertexArray},
+    {"glDeleteVertexArrays", Array},
+    {"glDeleteVertexArrays", ArrayEnable},
+    {"glDeleteVertexArrays", AttributeArray},
+    {"glDeleteVertexArrays", BufferBinding},
     {"glProgramEnvParameter4d", ProgramParameter},
     {"glProgramEnvParameter4dv", ProgramParameter},
     {"glProgramEnvParameters4fv", ProgramParameter},
@@ -377,21 +381,17 @@ std::uint64_t bitsOf(const CapturedCall& call, std::size_t index) {
 
 } // namespace
 
-StateChanges::StateChanges() : generations_(stateCount), unit_(GL_TEXTURE0), clientUnit_(GL_TEXTURE0) {}
+StateChanges::StateChanges()
+    : values_(stateCount), generations_(stateCount), unit_(GL_TEXTURE0), clientUnit_(GL_TEXTURE0) {}
 
 void StateChanges::forgetAll() {
-    isForgotten_ = true;
-    values_.clear();
-    textures_.clear();
-    unit_.reset();
-    clientUnit_.reset();
-    program_.reset();
-    vertexArray_.reset();
-    arrayBuffer_.reset();
+    for (std::uint8_t state = 0; state < stateCount; ++state)
+        forget(state);
 }
 
 void StateChanges::forget(std::uint8_t state) {
     ++generations_[state];
+    values_[state].clear();
     if (state == TextureBinding)
         textures_.clear();
     if (state == BufferBinding)
@@ -407,22 +407,22 @@ void StateChanges::forget(std::uint8_t state) {
 }
 
 Effect StateChanges::set(std::uint8_t state, Key key, std::uint64_t value) {
-    const auto [place, isNew] = values_.try_emplace(key, Value{value, state});
-    if (!isNew && place->second.value == value)
+    const auto [place, isNew] = values_[state].try_emplace(key, value);
+    if (!isNew && place->second == value)
         return Effect::Unchanged;
-    place->second.value = value;
+    place->second = value;
     return Effect::Changed;
 }
 
 Effect StateChanges::setFrom(std::uint64_t initial, const StateRow& row, Key key, std::uint64_t value) {
-    if (!isForgotten_ && generations_[row.state] == 0)
-        values_.try_emplace(key, Value{initial, row.state});
+    if (generations_[row.state] == 0)
+        values_[row.state].try_emplace(key, initial);
     return set(row.state, key, value);
 }
 
 StateChanges::Key StateChanges::keyOf(const StateRow& row, const CapturedCall& call,
                                       std::uint64_t extra) const {
-    Key key = mixed(mixed(row.state, generations_[row.state]), mixed(row.part, extra));
+    Key key = mixed(row.part, extra);
     for (int i = 0; i < row.keys; ++i)
         key = mixed(key, bitsOf(call, static_cast<std::size_t>(i)) + 1);
     return key;
@@ -441,11 +441,10 @@ Effect StateChanges::followFaces(const CapturedCall& call, const StateRow& row) 
     std::uint64_t value = 0;
     for (std::size_t i = static_cast<std::size_t>(row.keys); i < call.values.size(); ++i)
         value = mixed(value, bitsOf(call, i) + 1);
-    const Key key = mixed(mixed(row.state, generations_[row.state]), row.part);
     Effect effect = Effect::Unchanged;
     for (const std::uint64_t one : {GL_FRONT, GL_BACK})
         if (face == one || face == GL_FRONT_AND_BACK)
-            effect = both(effect, set(row.state, mixed(key, one), value));
+            effect = both(effect, set(row.state, mixed(row.part, one), value));
     return effect;
 }
 
@@ -458,19 +457,16 @@ Effect StateChanges::followUniform(const CapturedCall& call, const StateRow& row
     const bool isArray = call.function->name.find('v') != std::string::npos;
     const std::int64_t count = isArray ? static_cast<std::int64_t>(bitsOf(call, 1)) : 1;
     auto& arrays = group.uniformArrays_[*program_];
-    const auto keyAt = [&](std::int64_t at) {
-        return mixed(mixed(mixed(Uniform, group.generations_[Uniform]), *program_),
-                     static_cast<std::uint64_t>(at) + 1);
-    };
+    const auto keyAt = [&](std::int64_t at) { return mixed(*program_, static_cast<std::uint64_t>(at) + 1); };
     // Arrays and their elements are set by either.
     auto before = arrays.upper_bound(location);
     if (before != arrays.begin() && (--before)->first < location && before->second > location) {
-        group.values_.erase(keyAt(before->first));
+        group.values_[Uniform].erase(keyAt(before->first));
         arrays.erase(before);
     }
     if (count > 1) {
         for (std::int64_t i = 1; i < std::min<std::int64_t>(count, 4096); ++i)
-            group.values_.erase(keyAt(location + i));
+            group.values_[Uniform].erase(keyAt(location + i));
         arrays[location] = location + count;
     }
     // The same value by glUniform1f and glUniform1fv is told by its function, and taken for a change.
@@ -486,11 +482,10 @@ Effect StateChanges::followTexture(const CapturedCall& call, const StateRow& row
 
 Effect StateChanges::followFramebuffer(const CapturedCall& call, const StateRow& row) {
     const std::uint64_t target = bitsOf(call, 0);
-    const Key key = mixed(row.state, generations_[row.state]);
     Effect effect = Effect::Unchanged;
     for (const std::uint64_t one : {GL_DRAW_FRAMEBUFFER, GL_READ_FRAMEBUFFER})
         if (target == one || target == GL_FRAMEBUFFER)
-            effect = both(effect, setFrom(0, row, mixed(key, one), bitsOf(call, 1)));
+            effect = both(effect, setFrom(0, row, one, bitsOf(call, 1)));
     // Each has buffers of its own that it draws to.
     if (effect == Effect::Changed) {
         forget(DrawBuffer);
@@ -593,7 +588,7 @@ void StateChanges::followOther(const CapturedCall& call, StateChanges& group) {
         forgetAll();
         // Functions that need no binding set the state of objects too.
         if (call.function->group == "GL_EXT_direct_state_access")
-            group.values_.clear();
+            group.forgetAll();
     }
     if (call.function->name.starts_with("glLinkProgram"))
         group.forget(Uniform);
@@ -601,18 +596,19 @@ void StateChanges::followOther(const CapturedCall& call, StateChanges& group) {
 
 namespace {
 
-// Which states the groups of glPushAttrib have. Enable, Clear and Depth are in several, in parts.
+// Which states the groups of glPushAttrib have. Enable, Clear and Depth are in several, in parts; what is
+// drawn to and read from is that of the framebuffer which is bound when it comes back.
 struct GroupRow {
     std::uint32_t bit;
     std::initializer_list<State> states;
 };
 const GroupRow groupRows[] = {
-    {GL_COLOR_BUFFER_BIT, {Alpha, Blend, BlendColor, BlendEquation, ColorMask, DrawBuffer, Logic, Clamp}},
+    {GL_COLOR_BUFFER_BIT, {Alpha, Blend, BlendColor, BlendEquation, ColorMask, Logic, Clamp}},
     {GL_FOG_BIT, {Fog}},
     {GL_HINT_BIT, {Hint}},
     {GL_LIGHTING_BIT, {Light, LightModel, ShadeModel}},
     {GL_LINE_BIT, {Line}},
-    {GL_PIXEL_MODE_BIT, {PixelTransfer, ReadBuffer}},
+    {GL_PIXEL_MODE_BIT, {PixelTransfer}},
     {GL_POINT_BIT, {Point}},
     {GL_POLYGON_BIT, {Cull, FrontFace, Polygon}},
     {GL_POLYGON_STIPPLE_BIT, {Stipple}},
@@ -628,58 +624,89 @@ const GroupRow groupRows[] = {
 std::uint64_t bitOf(State state) { return std::uint64_t(1) << state; }
 static_assert(stateCount <= 64);
 
+// What calls set at once while a list is compiled: what is of the client, and which objects are bound but for
+// textures.
+const std::uint64_t doneAtOnce = bitOf(Array) | bitOf(ArrayEnable) | bitOf(AttributeArray) |
+                                 bitOf(ClientActiveTexture) | bitOf(PixelStore) | bitOf(BufferBinding) |
+                                 bitOf(VertexArray) | bitOf(Framebuffer) | bitOf(Renderbuffer);
+
 } // namespace
 
-void StateChanges::restore(const Kept& kept, std::uint64_t restored, std::uint64_t unknown) {
-    std::erase_if(values_, [&](const auto& one) {
-        const std::uint64_t bit = std::uint64_t(1) << one.second.state;
-        if (((restored | unknown) & bit) == 0)
-            return false;
-        const auto before = kept.values.find(one.first);
-        return before == kept.values.end() || before->second.value != one.second.value;
-    });
-    for (const auto& [key, value] : kept.values)
-        if ((restored >> value.state & 1) != 0)
-            values_.insert_or_assign(key, value);
+StateChanges::Extent StateChanges::extentOf(bool isClient, std::uint32_t mask) {
+    Extent extent;
+    if (isClient) {
+        if ((mask & GL_CLIENT_PIXEL_STORE_BIT) != 0)
+            extent.whole |= bitOf(PixelStore);
+        if ((mask & GL_CLIENT_VERTEX_ARRAY_BIT) != 0) {
+            extent.whole |=
+                bitOf(Array) | bitOf(ArrayEnable) | bitOf(AttributeArray) | bitOf(ClientActiveTexture);
+            // Which buffers come back with the arrays, drivers see differently.
+            extent.part |= bitOf(BufferBinding) | bitOf(VertexArray);
+        }
+        return extent;
+    }
+    for (const GroupRow& row : groupRows)
+        if ((mask & row.bit) != 0)
+            for (const State state : row.states)
+                extent.whole |= bitOf(state);
+    extent.part =
+        (bitOf(Enable) | bitOf(Clear) | bitOf(Depth) | bitOf(DrawBuffer) | bitOf(ReadBuffer)) & ~extent.whole;
+    return extent;
+}
+
+void StateChanges::restore(Kept& kept, const Extent& extent) {
+    // Nothing is set to it, and so the next call is a change.
+    constexpr std::uint64_t unknown = ~std::uint64_t(0);
+    for (std::uint8_t state = 0; state < stateCount; ++state) {
+        if (((extent.whole | extent.part) >> state & 1) == 0)
+            continue;
+        Values& values = values_[state];
+        if (generations_[state] != kept.generations[state])
+            values.clear();
+        else if ((extent.whole >> state & 1) != 0)
+            values = std::move(kept.values[state]);
+        else
+            for (auto& [key, value] : values) {
+                const auto before = kept.values[state].find(key);
+                if (before == kept.values[state].end() || before->second != value)
+                    value = unknown;
+            }
+    }
 }
 
 void StateChanges::followStacks(const CapturedCall& call, StateChanges& group) {
     const bool isClient = call.function->name.find("Client") != std::string::npos;
     std::vector<Kept>& stack = isClient ? clientStack_ : serverStack_;
     if (call.function->name.starts_with("glPush")) {
-        stack.push_back({call.u32(0), values_, textures_, unit_, clientUnit_, arrayBuffer_});
+        stack.push_back({call.u32(0), std::vector<Values>(stateCount), generations_, textures_, unit_,
+                         clientUnit_, vertexArray_, arrayBuffer_});
+        const Extent extent = extentOf(isClient, call.u32(0));
+        for (std::uint8_t state = 0; state < stateCount; ++state)
+            if (((extent.whole | extent.part) >> state & 1) != 0)
+                stack.back().values[state] = values_[state];
         return;
     }
     if (stack.empty())
         return forgetAll(); // pushed before the capture
-    const Kept kept = std::move(stack.back());
+    Kept kept = std::move(stack.back());
     stack.pop_back();
-    std::uint64_t restored = 0, unknown = 0;
-    if (isClient) {
-        if ((kept.mask & GL_CLIENT_PIXEL_STORE_BIT) != 0)
-            restored |= bitOf(PixelStore);
-        if ((kept.mask & GL_CLIENT_VERTEX_ARRAY_BIT) != 0) {
-            restored |=
-                bitOf(Array) | bitOf(ArrayEnable) | bitOf(AttributeArray) | bitOf(ClientActiveTexture);
-            clientUnit_ = kept.clientUnit;
-            // Which buffers come back with the arrays, drivers see differently.
-            unknown |= bitOf(BufferBinding) | bitOf(VertexArray);
-            if (arrayBuffer_ != kept.arrayBuffer)
-                arrayBuffer_.reset();
-        }
-        return restore(kept, restored, unknown);
+    const Extent extent = extentOf(isClient, kept.mask);
+    const auto isKept = [&](State state) { return generations_[state] == kept.generations[state]; };
+    restore(kept, extent);
+    if ((extent.whole & bitOf(ClientActiveTexture)) != 0) {
+        clientUnit_ = isKept(ClientActiveTexture) ? kept.clientUnit : Optional();
+        if (arrayBuffer_ != kept.arrayBuffer)
+            arrayBuffer_.reset();
+        if (vertexArray_ != kept.vertexArray)
+            vertexArray_.reset();
     }
-    for (const GroupRow& row : groupRows)
-        if ((kept.mask & row.bit) != 0)
-            for (const State state : row.states)
-                restored |= bitOf(state);
-    unknown = bitOf(Enable) | bitOf(Clear) | bitOf(Depth);
-    if ((kept.mask & GL_TEXTURE_BIT) != 0) {
-        unit_ = kept.unit;
-        textures_ = kept.textures;
+    if ((extent.whole & bitOf(TextureBinding)) != 0) {
+        unit_ = isKept(ActiveTexture) ? kept.unit : Optional();
+        textures_.clear();
+        if (isKept(TextureBinding))
+            textures_ = std::move(kept.textures);
         group.forget(TexParameter); // of the textures that were bound
     }
-    restore(kept, restored, unknown);
 }
 
 void StateChanges::followLists(const CapturedCall& call, StateChanges& group) {
@@ -689,15 +716,14 @@ void StateChanges::followLists(const CapturedCall& call, StateChanges& group) {
         if (found != group.lists_.end())
             used = found->second;
     } else {
-        for (const auto& [name, its] : group.lists_) { // any of them
-            used.states |= its.states;
-            used.isAll = used.isAll || its.isAll;
-        }
+        used = group.anyList_;
     }
     if (isCompiling_) {
         ListStates& outer = group.lists_[list_];
         outer.states |= used.states;
         outer.isAll = outer.isAll || used.isAll;
+        group.anyList_.states |= used.states;
+        group.anyList_.isAll = group.anyList_.isAll || used.isAll;
         if (!isExecuted_)
             return;
     }
@@ -737,9 +763,19 @@ Effect StateChanges::follow(const CapturedCall& call, StateChanges& group, bool 
         for (const State state : known.forgotten)
             its.states |= std::uint64_t(1) << state;
         its.isAll = its.isAll || known.forgetsAll || known.isStack;
+        group.anyList_.states |= its.states;
+        group.anyList_.isAll = group.anyList_.isAll || its.isAll;
     }
-    if (isCompiling_ && !isExecuted_)
+    if (isCompiling_ && !isExecuted_) {
+        // Some calls are done at once instead, and some by one driver and not by another.
+        if (known.row && (doneAtOnce >> known.row->state & 1) != 0)
+            forget(known.row->state);
+        if (known.isStack && name.find("Client") != std::string::npos)
+            followStacks(call, group);
+        if (!known.forgotten.empty() || known.forgetsAll)
+            followOther(call, group);
         return Effect::None;
+    }
     if (known.isStack) {
         followStacks(call, group);
         return Effect::None;

@@ -49,33 +49,36 @@ private:
     void forgetAll();
     void forget(std::uint8_t state);
 
-    struct Value {
-        std::uint64_t value;
-        std::uint8_t state;
-    };
+    using Values = std::unordered_map<Key, std::uint64_t>;
     using Optional = std::optional<std::uint64_t>;
     /// What glPushAttrib and glPushClientAttrib keep.
     struct Kept {
         std::uint32_t mask;
-        std::unordered_map<Key, Value> values;
+        std::vector<Values> values; ///< of the states that may come back
+        std::vector<std::uint32_t> generations;
         std::map<std::pair<std::uint64_t, std::uint64_t>, std::uint64_t> textures;
-        Optional unit, clientUnit, arrayBuffer;
+        Optional unit, clientUnit, vertexArray, arrayBuffer;
     };
     /// The states that the calls of a display list set.
     struct ListStates {
         std::uint64_t states = 0; ///< a bit for each
         bool isAll = false;       ///< it can't be known which
     };
-    void restore(const Kept& kept, std::uint64_t restored, std::uint64_t unknown);
+    /// The states that a group of attributes has as a whole, and those that it has in part.
+    struct Extent {
+        std::uint64_t whole = 0, part = 0;
+    };
+    static Extent extentOf(bool isClient, std::uint32_t mask);
+    void restore(Kept& kept, const Extent& extent);
 
-    std::unordered_map<Key, Value> values_;
-    std::vector<std::uint32_t> generations_; ///< of states: what was known of an older one is forgotten
-    bool isForgotten_ = false;               ///< all was forgotten once: no state is as in a new context
+    std::vector<Values> values_;             ///< by the state
+    std::vector<std::uint32_t> generations_; ///< of states: how often they were forgotten
     Optional unit_, clientUnit_, program_ = 0, vertexArray_ = 0, arrayBuffer_ = 0;
     std::map<std::pair<std::uint64_t, std::uint64_t>, std::uint64_t> textures_;   ///< by unit and target
     std::map<std::uint64_t, std::map<std::int64_t, std::int64_t>> uniformArrays_; ///< of programs: first, end
     std::vector<Kept> serverStack_, clientStack_;
     std::unordered_map<std::uint64_t, ListStates> lists_; ///< of a share group
+    ListStates anyList_;                                  ///< what one of them has or had
     std::uint64_t list_ = 0;                              ///< that is open
     bool isCompiling_ = false, isExecuted_ = false;
 };
