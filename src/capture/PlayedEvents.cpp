@@ -68,7 +68,8 @@ bool CapturePlay::withContext(std::uint32_t number, const std::function<void()>&
         isDone = true;
         if (wanted.thread != 0)
             return work();
-        void* const draw = handleToDraw(number, wanted.draw);
+        // Not on its last surface, which another context may have now.
+        void* const draw = handleToDraw(number, 0);
         system.makeCurrent(draw, draw, wanted.handle);
         work();
         const Context& now = contextOf(1);

@@ -45,7 +45,7 @@ std::string_view embedded(std::string_view name) {
 }
 
 // A page of this size is still opened at once.
-constexpr std::size_t mostJson = 29 << 20, mostPictures = 16 << 20;
+constexpr std::size_t mostJson = 29 << 20;
 
 std::string base64(std::string_view bytes) {
     constexpr char digits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
@@ -140,15 +140,9 @@ int makeReport(const PageOptions& options) {
         if (fs::equivalent(page, options.chrome))
             throw Refusal(page + " can't be the page and the trace", Refusal::usage);
     }
-    std::size_t pictureBytes = 0, left = 0;
     Capture::ReportOptions how;
-    how.encode = [&](const Capture::Picture& picture, bool hasAlpha) -> std::string {
-        if (pictureBytes > mostPictures) {
-            ++left;
-            return "";
-        }
+    how.encode = [](const Capture::Picture& picture, bool hasAlpha) -> std::string {
         const std::string bytes = hasAlpha ? pngOf(picture) : jpegOf(picture);
-        pictureBytes += bytes.size();
         return (hasAlpha ? "data:image/png;base64," : "data:image/jpeg;base64,") + base64(bytes);
     };
     Capture::DriverCalls driver;
@@ -162,9 +156,6 @@ int makeReport(const PageOptions& options) {
                           (file.frameCount() > 0 ? " of " + std::to_string(file.frameCount()) : ""));
         report = reporter.finish();
     }
-    if (left > 0)
-        report.leftOut.push_back(counted(left, "picture") +
-                                 " of textures or frames would make the page too large.");
     if (const char* const missing = driver.missing())
         report.leftOut.push_back("The driver of the replay has no " + std::string(missing) + ".");
     progress.clear();

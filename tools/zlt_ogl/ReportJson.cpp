@@ -46,7 +46,9 @@ private:
 
 class ReportWriter {
 public:
-    explicit ReportWriter(const Report& report) : report_(report) { sites_.of(0); }
+    ReportWriter(const Report& report, bool hasSources) : report_(report), hasSources_(hasSources) {
+        sites_.of(0);
+    }
 
     Json write(const std::string& file, std::size_t mostDetails) {
         const std::vector<bool> isDetailed = chooseFrames(mostDetails);
@@ -168,6 +170,8 @@ private:
             ++count;
         }
         leftOut_ = report_.leftOut;
+        if (!hasSources_)
+            leftOut_.push_back("The sources and logs of shaders would make the page too large.");
         if (count < frames.size())
             leftOut_.push_back("Of " + counted(frames.size(), "frame") + ", " + std::to_string(count) +
                                " have details: those that took longest, and those with errors.");
@@ -356,8 +360,15 @@ private:
     Json shaders() {
         return table({"name", "label", "kind", "compiled", "log", "source", "site", "made", "deleted"},
                      report_.shaders, [&](const ReportedShader& one) -> Json {
-                         return {one.name,   one.label,           one.type, known(one.compiled), one.log,
-                                 one.source, sites_.of(one.site), one.made, known(one.deleted)};
+                         return {one.name,
+                                 one.label,
+                                 one.type,
+                                 known(one.compiled),
+                                 hasSources_ ? one.log : "",
+                                 hasSources_ ? one.source : "",
+                                 sites_.of(one.site),
+                                 one.made,
+                                 known(one.deleted)};
                      });
     }
 
@@ -385,6 +396,7 @@ private:
     }
 
     const Report& report_;
+    bool hasSources_;
     Places functions_, sites_, texts_;
     std::vector<std::string> leftOut_;
 };
@@ -394,11 +406,12 @@ std::string textOf(const Json& json) { return json.dump(-1, ' ', false, Json::er
 } // namespace
 
 std::string reportJson(const Report& report, const std::string& file, std::size_t most) {
-    for (std::size_t details = 250'000;; details /= 2) {
-        std::string text = textOf(ReportWriter(report).write(file, details));
-        if (text.size() <= most || details == 0)
+    for (const std::size_t details : {250'000, 120'000, 60'000, 30'000, 15'000, 5'000, 0}) {
+        std::string text = textOf(ReportWriter(report, true).write(file, details));
+        if (text.size() <= most)
             return text;
     }
+    return textOf(ReportWriter(report, false).write(file, 0));
 }
 
 std::string chromeTrace(const Report& report, const std::string& file) {

@@ -19,7 +19,6 @@ enum class CallKind : std::uint8_t {
     End,
     Vertex, ///< of immediate mode
     Pixels, ///< a draw of pixels: glDrawPixels, glBitmap
-    Clear,
     Upload,     ///< to a texture
     BufferData, ///< to a buffer
     CallList,   ///< or several

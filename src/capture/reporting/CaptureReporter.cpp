@@ -91,6 +91,15 @@ void ReportState::addHabits() {
     std::ranges::sort(report.habits, std::greater(), &ReportedHabit::time);
 }
 
+std::string ReportState::encoded(const Picture& picture, bool hasAlpha) {
+    std::string url;
+    if (pictureBytes_ < options.mostPictureBytes)
+        url = options.encode(picture, hasAlpha);
+    picturesLeft_ += url.empty();
+    pictureBytes_ += url.size();
+    return url;
+}
+
 Report ReportState::finish() {
     const std::string when = isEnded_ ? "when the program ended" : "when the capture ended";
     for (auto& [number, context] : contexts)
@@ -114,6 +123,9 @@ Report ReportState::finish() {
     if (pictureStep_ > 1)
         leaveOut("Of " + std::to_string(report.frames.size()) + " frames " + std::to_string(pictures_) +
                  " have pictures.");
+    if (picturesLeft_ > 0)
+        leaveOut(std::to_string(picturesLeft_) +
+                 " more pictures of textures or frames would make the page too large.");
     if (!file.damage().empty())
         leaveOut("The capture is damaged: " + file.damage() + ".");
     report.leftOut.assign(leftOut_.begin(), leftOut_.end());

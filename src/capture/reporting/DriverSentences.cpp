@@ -14,8 +14,10 @@ thread_local std::vector<std::string> sentences;
 
 void APIENTRY hear(GLenum, GLenum type, GLuint, GLenum, GLsizei length, const GLchar* message, const void*) {
     constexpr std::size_t most = 16; // that nobody takes
-    if (type != GL_DEBUG_TYPE_ERROR || sentences.size() >= most)
+    if (type != GL_DEBUG_TYPE_ERROR)
         return;
+    if (sentences.size() >= most)
+        sentences.erase(sentences.begin());
     std::string_view text(message, length < 0 ? std::char_traits<char>::length(message)
                                               : static_cast<std::size_t>(length));
     while (!text.empty() && (text.back() == '\n' || text.back() == '\0'))

@@ -51,7 +51,6 @@ struct ReportedFrame {
     std::vector<ReportedUpload> uploads;
     std::uint64_t uploadsLeft = 0;
     std::map<std::string, ReportedGroup> groups;
-    bool hasDetails = true;
 };
 
 struct ReportedError {

@@ -59,7 +59,7 @@ struct ContextFacts {
     bool isLearnt = false, isAlive = true;
     std::uint64_t list = 0; ///< that is open
     bool isListExecuted = false;
-    std::uint64_t vertices = 0; ///< since glBegin
+    std::uint64_t vertices = 0, insideTime = 0; ///< since glBegin
 };
 
 /// A debug group that is open.
@@ -68,11 +68,13 @@ struct OpenGroup {
     std::uint64_t start = 0; ///< by the clock of the replay
     TimerQueries::Stamp stamp;
     std::uint32_t context = 0;
-    std::uint64_t calls = 0, time = 0;
+    std::uint64_t calls = 0, time = 0; ///< of the thread, when it began
 };
 
 struct ThreadFacts {
     std::vector<OpenGroup> groups;
+    std::uint64_t deeperGroups = 0; ///< that are open in these, and not told
+    std::uint64_t calls = 0, time = 0;
     std::uint64_t arrayBytes = 0, arrayHash = 0; ///< of the arrays for the call that follows
     std::uint64_t start = 0;                     ///< of the record, by the clock of the replay
 };
@@ -116,6 +118,8 @@ struct ReportState : PlayListener {
     ContextFacts* contextOf(std::uint32_t thread);
     Playing::Context& playedContext(std::uint32_t number) { return play.contexts[number]; }
     void leaveOut(const std::string& sentence) { leftOut_.insert(sentence); }
+    /// A data URL, as long as there is room for pictures.
+    std::string encoded(const Picture& picture, bool hasAlpha);
     void addUnchanged();
     void addStalls();
     void addHabits();
@@ -128,6 +132,8 @@ struct ReportState : PlayListener {
     void beginGroup(const CapturedCall& call);
     void endGroup(const CapturedCall& call);
     void learnContext(ContextFacts& context);
+    /// A stamp is a call, and would become a part of a list that is compiled.
+    bool mayStamp(const ContextFacts& context);
     void addGpuTimes();
 
     // ReportedCalls.cpp
@@ -135,7 +141,7 @@ struct ReportState : PlayListener {
     void followDraw(const CapturedCall& call, std::uint64_t time, ContextFacts& context);
     void followUpload(const CapturedCall& call, std::uint64_t time, ContextFacts& context);
     void addUpload(const CapturedCall& call, const std::string& object, std::uint64_t bytes,
-                   std::uint64_t hash);
+                   std::uint64_t hash, std::uint64_t time);
     void followState(const CapturedCall& call, std::uint64_t time, Reporting::Effect effect);
     void followCosts(const CapturedCall& call, std::uint64_t time);
     void addHabit(const char* title, const CapturedCall& call, std::uint64_t time, std::uint64_t amount);
@@ -159,6 +165,7 @@ struct ReportState : PlayListener {
     /// The context is about to go, or the capture ends.
     void close(ContextFacts& context, const std::string& when);
     void followShaders(const CapturedCall& call, ContextFacts& context);
+    void followAssembly(const CapturedCall& call, ContextFacts& context);
     void followLists(const CapturedCall& call, ContextFacts& context);
     std::uint64_t bytesOf(const Reporting::ObjectPlace& place) const;
     /// What the driver says of a shader or program.
@@ -186,8 +193,8 @@ private:
     std::map<std::tuple<std::uint32_t, std::uint32_t, std::uint64_t>, std::size_t> frameCalls_;
     std::map<std::pair<std::uint32_t, std::string>, std::size_t> frameUploads_;
     std::uint64_t laterFrames_ = 0; ///< behind the first that drew
-    std::uint64_t smallDraws_ = 0, draws_ = 0, smallVertices_ = 0;
-    std::uint64_t pictureStep_ = 1, pictures_ = 0, texturePictures_ = 0;
+    std::uint64_t smallDraws_ = 0, smallVertices_ = 0;
+    std::uint64_t pictureStep_ = 1, pictures_ = 0, texturePictures_ = 0, pictureBytes_ = 0, picturesLeft_ = 0;
     bool isFrameBegun_ = false, isEnded_ = false, hasDrawn_ = false;
     std::uint64_t frameStart_ = 0;                     ///< by the clock of the replay
     std::optional<std::uint64_t> time_;                ///< of the capture's last record of time

@@ -37,10 +37,8 @@ void ReportState::played(const CapturedCall& call, std::uint64_t time) {
     frame.driver += time;
     callingThreads.insert(call.thread);
     ThreadFacts& thread = threads[call.thread];
-    for (OpenGroup& group : thread.groups) {
-        ++group.calls;
-        group.time += time;
-    }
+    ++thread.calls;
+    thread.time += time;
     ReportedFunction& function = frame.functions[call.function->number];
     ++function.count;
     function.time += time;
@@ -63,8 +61,10 @@ void ReportState::played(const CapturedCall& call, std::uint64_t time) {
     if (effect != Effect::None)
         followState(call, time, effect);
     followObjects(call, *context, failed);
-    followDraw(call, time, *context);
-    followUpload(call, time, *context);
+    if (!failed || factsOf(*call.function).kind == CallKind::End) // which draws in spite of it
+        followDraw(call, time, *context);
+    if (!failed)
+        followUpload(call, time, *context);
     followCosts(call, time);
     thread.arrayBytes = 0;
     thread.arrayHash = 0;
@@ -162,19 +162,21 @@ void ReportState::followDraw(const CapturedCall& call, std::uint64_t time, Conte
     switch (factsOf(*call.function).kind) {
     case CallKind::Begin:
         context.vertices = 0;
+        context.insideTime = time;
         return;
     case CallKind::Vertex:
         ++context.vertices;
+        context.insideTime += time;
         return;
     case CallKind::End:
         vertices = context.vertices;
-        addHabit("Immediate mode", call, time, vertices);
+        addHabit("Immediate mode", call, context.insideTime + time, vertices);
         break;
     case CallKind::Draw:
         vertices = verticesOf(call);
         if (const ThreadFacts& thread = threads[call.thread]; thread.arrayBytes > 0) {
             addHabit("Client arrays", call, time, thread.arrayBytes);
-            addUpload(call, "client arrays", thread.arrayBytes, thread.arrayHash);
+            addUpload(call, "client arrays", thread.arrayBytes, thread.arrayHash, time);
         }
         break;
     case CallKind::Pixels:
@@ -192,7 +194,6 @@ void ReportState::followDraw(const CapturedCall& call, std::uint64_t time, Conte
     }
     ++frame.draws;
     frame.vertices += vertices;
-    ++draws_;
     if (vertices < smallDraw) {
         smallVertices_ += vertices;
         ++smallDraws_;
@@ -201,13 +202,13 @@ void ReportState::followDraw(const CapturedCall& call, std::uint64_t time, Conte
 }
 
 void ReportState::addUpload(const CapturedCall& call, const std::string& object, std::uint64_t bytes,
-                            std::uint64_t hash) {
+                            std::uint64_t hash, std::uint64_t time) {
     frame.uploaded += bytes;
     const std::uint32_t function = call.function->isCall() ? call.function->number : 0;
     // Where it lies in the object is part of what is the same.
     const bool isAgain = bytes > 0 && !sent[hashOf(object)].insert(hash).second;
     if (isAgain && function != 0)
-        addHabit("The same data is sent again", call, 0, bytes);
+        addHabit("The same data is sent again", call, time, bytes);
     const auto [place, isNew] = frameUploads_.try_emplace(
         {call.site, object + '\n' + std::to_string(function)}, frame.uploads.size());
     if (isNew && frame.uploads.size() >= mostUploads) {
@@ -231,7 +232,7 @@ void ReportState::followUpload(const CapturedCall& call, std::uint64_t time, Con
     const std::string object =
         kind == CallKind::Pixels ? "pixels" : uploadedObject(call, context, bytes, time);
     if (bytes > 0)
-        addUpload(call, object, bytes, hashOfCall(call));
+        addUpload(call, object, bytes, hashOfCall(call), time);
 }
 
 void ReportState::followCosts(const CapturedCall& call, std::uint64_t time) {
@@ -245,7 +246,7 @@ void ReportState::followCosts(const CapturedCall& call, std::uint64_t time) {
         stall.lastFrame = call.frame;
     }
     const FunctionFacts& facts = factsOf(*call.function);
-    if (facts.habit && facts.kind != CallKind::Upload)
+    if (facts.habit)
         addHabit(facts.habit, call, time, 1);
 }
 

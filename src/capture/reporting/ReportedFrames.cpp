@@ -51,18 +51,24 @@ void ReportState::frameEnding(std::uint64_t number, const std::function<bool(Pic
         return;
     frame.width = picture.width;
     frame.height = picture.height;
-    frame.picture = options.encode(shrunk(picture, thumbnailSize), false);
+    frame.picture = encoded(shrunk(picture, thumbnailSize), false);
     if (report.overview.pixels.empty() || !isOneColor(picture))
         report.overview = shrunk(picture, overviewSize);
-    if (++pictures_ <= options.mostPictures)
+    if (frame.picture.empty() || ++pictures_ <= options.mostPictures)
         return;
     // Every second one goes.
     pictureStep_ *= 2;
     for (std::size_t i = 0; i < report.frames.size(); ++i)
         if (i % pictureStep_ != 0 && !report.frames[i].picture.empty()) {
+            pictureBytes_ -= report.frames[i].picture.size();
             report.frames[i].picture.clear();
             --pictures_;
         }
+}
+
+bool ReportState::mayStamp(const ContextFacts& context) {
+    const CapturedContext& facts = playedContext(context.number).facts;
+    return context.isLearnt && facts.mayAsk() && !facts.isCompiling;
 }
 
 void ReportState::beginFrame(ContextFacts& context) {
@@ -91,7 +97,7 @@ void ReportState::playing(const CapturedCall& call) {
     threads[call.thread].start = now();
     ContextFacts* const context = contextOf(call.thread);
     if (call.is(Event::Swap)) {
-        if (context && context->isLearnt && frameStamp_ && playedContext(context->number).facts.mayAsk())
+        if (context && frameStamp_ && mayStamp(*context))
             spans_.push_back({"", call.thread, frameStamp_, context->timers.stamp(stamps_, false),
                               report.frames.size(), false});
     } else if (call.is(Event::Destroyed)) {
@@ -99,10 +105,11 @@ void ReportState::playing(const CapturedCall& call) {
         if (found != contexts.end() && found->second.isAlive)
             close(found->second, "when context " + std::to_string(found->first) +
                                      " was destroyed, in frame " + std::to_string(call.frame));
-    } else if (context && call.function->isCall() && playedContext(context->number).handle) {
+    } else if (context && call.function->isCall() && call.function->number != UINT32_MAX &&
+               playedContext(context->number).handle) {
         if (!context->isLearnt)
             learnContext(*context);
-        if (!isFrameBegun_ && playedContext(context->number).facts.mayAsk())
+        if (!isFrameBegun_ && mayStamp(*context))
             beginFrame(*context);
         objectsGoing(call, *context);
     }
@@ -121,9 +128,13 @@ void ReportState::eventPlayed(const CapturedCall& call) {
         return;
     }
     case Event::Time:
+        // Two threads that swap at once may write theirs in another order than they took them, and both in
+        // front of the first one's swap.
+        if (time_ && call.values[0].bits < *time_)
+            return;
         if (time_) {
-            frame.start = *time_;
-            frame.processor = call.values[0].bits - *time_;
+            frame.start = frame.start.value_or(*time_);
+            frame.processor = frame.processor.value_or(0) + (call.values[0].bits - *time_);
         }
         time_ = call.values[0].bits;
         return;
@@ -135,7 +146,8 @@ void ReportState::eventPlayed(const CapturedCall& call) {
         return;
     }
     case Event::Written:
-        return addUpload(call, "mapped buffers", call.values[2].bytes.size(), hashOf(call.values[2].bytes));
+        return addUpload(call, "mapped buffers", call.values[2].bytes.size(), hashOf(call.values[2].bytes),
+                         0);
     case Event::Group:
         return beginGroup(call);
     case Event::GroupEnd:
@@ -154,16 +166,18 @@ void ReportState::eventPlayed(const CapturedCall& call) {
 
 void ReportState::beginGroup(const CapturedCall& call) {
     ThreadFacts& thread = threads[call.thread];
+    if (thread.groups.size() >= deepestGroup) {
+        ++thread.deeperGroups;
+        return;
+    }
     OpenGroup group;
     if (!thread.groups.empty())
-        group.path = thread.groups.back().path;
-    if (thread.groups.size() < deepestGroup) {
-        group.path += group.path.empty() ? "" : " / ";
-        group.path += call.values[0].bytes.substr(0, longestGroup);
-    }
+        group.path = thread.groups.back().path + " / ";
+    group.path += call.values[0].bytes.substr(0, longestGroup);
+    group.calls = thread.calls;
+    group.time = thread.time;
     group.start = now();
-    if (ContextFacts* const context = contextOf(call.thread);
-        context && context->isLearnt && playedContext(context->number).facts.mayAsk()) {
+    if (ContextFacts* const context = contextOf(call.thread); context && mayStamp(*context)) {
         group.stamp = context->timers.stamp(stamps_, true);
         group.context = context->number;
     }
@@ -172,6 +186,10 @@ void ReportState::beginGroup(const CapturedCall& call) {
 
 void ReportState::endGroup(const CapturedCall& call) {
     ThreadFacts& thread = threads[call.thread];
+    if (thread.deeperGroups > 0) {
+        --thread.deeperGroups;
+        return;
+    }
     if (thread.groups.empty())
         return; // begun before the capture
     const OpenGroup group = std::move(thread.groups.back());
@@ -182,17 +200,16 @@ void ReportState::endGroup(const CapturedCall& call) {
         if (where == &report.groups && frame.groups[group.path].count == 1)
             ++its.frames;
         ++its.count;
-        its.calls += group.calls;
-        its.time += group.time;
+        its.calls += thread.calls - group.calls;
+        its.time += thread.time - group.time;
     }
+    ContextFacts* const context = contextOf(call.thread);
+    if (group.stamp && context && context->number == group.context && mayStamp(*context))
+        spans_.push_back({group.path, call.thread, group.stamp, context->timers.stamp(stamps_, false),
+                          report.frames.size(), true});
     if (report.replayedGroups.size() >= mostSpans)
         return leaveOut("Of the debug groups only the first 200,000 are in the trace.");
     report.replayedGroups.push_back({group.path, call.thread, group.start, now() - group.start});
-    ContextFacts* const context = contextOf(call.thread);
-    if (group.stamp && context && context->number == group.context &&
-        playedContext(context->number).facts.mayAsk())
-        spans_.push_back({group.path, call.thread, group.stamp, context->timers.stamp(stamps_, false),
-                          report.frames.size(), true});
 }
 
 void ReportState::addGpuTimes() {

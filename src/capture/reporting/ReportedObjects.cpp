@@ -237,6 +237,8 @@ void ReportState::followObjects(const CapturedCall& call, ContextFacts& context,
     const std::string& name = function.name;
     if (name == "glEndList")
         context.list = 0;
+    if (name.starts_with("glProgramString"))
+        followAssembly(call, context); // a text that is wrong is an error
     if (failed)
         return;
     if (context.list != 0)
@@ -358,17 +360,21 @@ void ReportState::followShaders(const CapturedCall& call, ContextFacts& context)
     } else if (name == "glUseProgram" || name == "glUseProgramObject") {
         if (const ObjectPlace* const place = first(ObjectPlace::List::Programs))
             ++report.programs[place->index].used;
-    } else if (name == "glProgramString" && call.values.size() == 4) {
-        unsigned int binding = 0;
+    }
+}
+
+void ReportState::followAssembly(const CapturedCall& call, ContextFacts& context) {
+    if (call.values.size() == 4 && play.context().facts.mayAsk()) {
         int bound = 0;
         play.gl.cgmGetProgramivARB(Playing::here, 0, call.u32(0), GL_PROGRAM_BINDING_ARB, &bound);
-        binding = static_cast<unsigned int>(bound);
-        const std::uint64_t captured = play.tableOf(ObjectKind::AssemblyProgram)
-                                           .findCaptured(ObjectKind::AssemblyProgram, binding)
-                                           .value_or(0);
-        const ObjectPlace* const place = placeOf(ObjectKind::AssemblyProgram, captured);
-        if (!place)
+        const std::uint64_t captured =
+            play.tableOf(ObjectKind::AssemblyProgram)
+                .findCaptured(ObjectKind::AssemblyProgram, static_cast<std::uint64_t>(bound))
+                .value_or(0);
+        const auto found = objects.find(keyOf(ObjectKind::AssemblyProgram, captured, context));
+        if (found == objects.end())
             return;
+        const ObjectPlace* const place = &found->second;
         ReportedShader shader;
         static_cast<ReportedObject&>(shader) = report.programs[place->index];
         shader.kind = "assembly program";
@@ -388,8 +394,10 @@ void ReportState::followLists(const CapturedCall& call, ContextFacts& context) {
     if (name == "glNewList") {
         context.list = call.values[0].bits;
         context.isListExecuted = call.u32(1) == GL_COMPILE_AND_EXECUTE;
-        if (ReportedObject* const list = find(keyOf(ObjectKind::List, context.list, context)))
-            static_cast<ReportedList*>(list)->calls = 0;
+        if (ReportedObject* const object = find(keyOf(ObjectKind::List, context.list, context))) {
+            auto& list = static_cast<ReportedList&>(*object);
+            list.calls = list.draws = list.vertices = 0;
+        }
         return;
     }
     if (factsOf(*call.function).kind != CallKind::CallList)
@@ -400,11 +408,15 @@ void ReportState::followLists(const CapturedCall& call, ContextFacts& context) {
             return;
         auto& used = static_cast<ReportedList&>(*object);
         ++used.used;
-        if (context.list != 0)
+        ReportedObject* const open = find(keyOf(ObjectKind::List, context.list, context));
+        if (open && open != object) {
+            static_cast<ReportedList*>(open)->draws += used.draws;
+            static_cast<ReportedList*>(open)->vertices += used.vertices;
+        }
+        if (context.list != 0 && !context.isListExecuted)
             return;
         frame.draws += used.draws;
         frame.vertices += used.vertices;
-        draws_ += used.draws;
     };
     if (name == "glCallList")
         return use(call.values[0].bits);

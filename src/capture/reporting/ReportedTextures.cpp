@@ -3,6 +3,7 @@
 #include "capture/CallText.h"
 #include "capture/PixelState.h"
 #include "capture/TextureBinding.h"
+#include "capture/reporting/DriverSentences.h"
 #include "capture/reporting/ReportState.h"
 #include "capture/reporting/Shrink.h"
 
@@ -41,6 +42,7 @@ int ask(std::uint32_t target, int level, std::uint32_t name) {
 void forgetErrors() {
     for (int i = 0; i < 16 && glGetError() != GL_NO_ERROR; ++i)
         continue;
+    takeSentences();
 }
 
 // The texture is bound for a time.
@@ -234,7 +236,7 @@ void ReportState::readTexture(ReportedTexture& texture, Playing::Context& contex
     for (std::size_t i = 3; bits.hasAlpha && i < picture.pixels.size() && !hasAlpha; i += 4)
         hasAlpha = picture.pixels[i] != 255;
     ++texturePictures_;
-    texture.picture = options.encode(shrunk(picture, thumbnailSize), hasAlpha);
+    texture.picture = encoded(shrunk(picture, thumbnailSize), hasAlpha);
 }
 
 } // namespace ZLT::Capture
