@@ -43,6 +43,8 @@ public:
     bool isInside() const { return inside_; }
     /// Whether calls have their effect now, and are not just put into a list.
     bool executes() const { return executes_; }
+    /// Whether calls are put into a list, at once with an effect or not.
+    bool compiles() const { return compiles_; }
 
     /// Whether the calls of lists that follow have to know GL_LIST_BASE, and may ask for it.
     bool wantsBase(const DisplayLists& lists) const { return executes_ && !inside_ && !lists.isEmpty(); }

@@ -34,6 +34,7 @@ constexpr Wrong wrongCases[] = {
     {"indices beyond their memory", "error: the indices can't be read: 6 bytes from 0x"},
     {"pixels beyond their memory", "error: 'pixels' can't be read: 21 bytes from 0x"},
     {"data beyond its memory", "error: 'data' can't be read: 16 bytes from 0x"},
+    {"offset from null", "error: 'value' can't be read: 16 bytes from 0x40"},
     {"made-up texture", "warning: texture 5 was never made by glGen, and is made here in glBindTexture("},
     {"deleted texture", "error: texture 1 was deleted, and is a new one from here on in glBindTexture("},
     {"made-up buffer", "warning: buffer 9 was never made by glGen, and is made here in glBindBuffer("},

@@ -52,9 +52,16 @@ void makeObjects() {
     glBindAttribLocation(program, 1, "place");
     glLinkProgram(program);
     glBindBuffer(GL_ARRAY_BUFFER, 0);
-    list = glGenLists(1);
+    list = glGenLists(2);
+}
+
+// Made anew in each frame, one in the other.
+void makeLists() {
     glNewList(list, GL_COMPILE);
     quad();
+    glEndList();
+    glNewList(list + 1, GL_COMPILE);
+    glCallList(list);
     glEndList();
 }
 
@@ -83,7 +90,8 @@ void drawTrees() {
     }
     glEnd();
     glDisable(GL_BLEND);
-    glCallList(list);
+    makeLists();
+    glCallList(list + 1);
 }
 
 } // namespace

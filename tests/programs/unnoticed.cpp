@@ -378,13 +378,28 @@ static const std::map<std::string, void (*)()> cases = {
          makeTexture(4, GL_LINEAR_MIPMAP_LINEAR);
          drawSquare();
      }},
+    {"nameless texture", // with it the unit samples nothing
+     [] {
+         glEnable(GL_TEXTURE_2D);
+         drawSquare();
+     }},
+    {"list that is executed as it is made", // and has no calls but the program's
+     [] {
+         makeTexture(4, GL_LINEAR);
+         glEnable(GL_TEXTURE_2D);
+         glNewList(1, GL_COMPILE_AND_EXECUTE);
+         drawSquare();
+         glEndList();
+         glActiveTexture(GL_TEXTURE1);
+         glCallList(1); // the unit is told in the end
+     }},
     {"later storage",
      [] {
          glEnable(GL_TEXTURE_2D);
          GLuint texture = 0;
          glGenTextures(1, &texture);
          glBindTexture(GL_TEXTURE_2D, texture);
-         glTexStorage2D(GL_TEXTURE_2D, 3, GL_RGBA8, 4, 4);
+         glTexStorage2D(GL_TEXTURE_2D, 2, GL_RGBA8, 4, 4);
          drawSquare();
      }},
     {"missing level",
@@ -412,6 +427,12 @@ static const std::map<std::string, void (*)()> cases = {
          makeProgram("uniform sampler2D flat; void main() { gl_FragColor = texture2D(flat, vec2(0.0)); }");
          glActiveTexture(GL_TEXTURE2); // which stays
          glRecti(0, 0, 1, 1);          /* WRONG sampled without image */
+     }},
+    {"offset from null",
+     [] {
+         makeProgram(plain);
+         const auto* const value = reinterpret_cast<const GLfloat*>(0x40);
+         glUniform4fv(-1, 1, value); /* WRONG offset from null */
      }},
     {"thread without context",
      [] {

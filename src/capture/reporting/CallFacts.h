@@ -17,8 +17,8 @@ enum class CallKind : std::uint8_t {
     Draw,  ///< of arrays
     Begin, ///< of immediate mode
     End,
-    Vertex, ///< of immediate mode
-    Pixels, ///< a draw of pixels: glDrawPixels, glBitmap
+    Vertex,     ///< of immediate mode
+    Pixels,     ///< a draw of pixels: glDrawPixels, glBitmap
     Upload,     ///< to a texture
     BufferData, ///< to a buffer
     CallList,   ///< or several

@@ -48,7 +48,8 @@ void askAbout(const CheckedContext& context, std::uint32_t buffer, const Questio
 
 } // namespace
 
-bool sizeOfBuffer(CheckedContext& context, std::uint32_t buffer, std::uint64_t& size) {
+bool sizeOfBuffer(CheckedContext& context, const OGL::OpenGLCall& call, std::uint32_t buffer,
+                  std::uint64_t& size) {
     {
         const std::lock_guard guard(context.group->lock);
         if (const auto found = context.group->buffers.find(buffer); found != context.group->buffers.end()) {
@@ -58,6 +59,7 @@ bool sizeOfBuffer(CheckedContext& context, std::uint32_t buffer, std::uint64_t& 
     }
     if (!mayAskDriver())
         return false;
+    const Asking asking(call);
     GLint bytes = -1;
     askAbout(context, buffer,
              [&] { context.asked.functions.getBufferParameteriv(GL_ARRAY_BUFFER, GL_BUFFER_SIZE, &bytes); });
@@ -69,18 +71,21 @@ bool sizeOfBuffer(CheckedContext& context, std::uint32_t buffer, std::uint64_t& 
     return true;
 }
 
-bool rangeInBuffer(CheckedContext& context, std::uint32_t buffer, const DrawnIndices& indices,
-                   Capture::IndexRange& range) {
+bool rangeInBuffer(CheckedContext& context, const OGL::OpenGLCall& call, std::uint32_t buffer,
+                   const DrawnIndices& indices, Capture::IndexRange& range) {
     const BufferRecord::Key key = {reinterpret_cast<std::uintptr_t>(indices.from), indices.count,
                                    indices.type, indices.restart.index, indices.restart.isThere};
     {
         const std::lock_guard guard(context.group->lock);
-        const BufferRecord& record = context.group->buffers[buffer];
-        if (const auto found = record.ranges.find(key); found != record.ranges.end()) {
+        const auto record = context.group->buffers.find(buffer);
+        if (record == context.group->buffers.end())
+            return false; // another thread changed it a moment ago
+        if (const auto found = record->second.ranges.find(key); found != record->second.ranges.end()) {
             range = found->second;
             return true;
         }
     }
+    const Asking asking(call);
     const Capture::DriverFunctions& driver = context.asked.functions;
     GLint isMapped = 0;
     driver.getBufferParameteriv(GL_ELEMENT_ARRAY_BUFFER, GL_BUFFER_MAPPED, &isMapped);
@@ -91,10 +96,12 @@ bool rangeInBuffer(CheckedContext& context, std::uint32_t buffer, const DrawnInd
                             static_cast<GLsizeiptr>(bytes.size()), bytes.data());
     Capture::addIndices(range, bytes.data(), indices.type, indices.count, indices.restart);
     const GroupGuard guard(*context.group);
-    BufferRecord& record = context.group->buffers[buffer];
-    if (record.ranges.size() >= mostRanges)
-        record.ranges.clear();
-    record.ranges[key] = range;
+    if (const auto record = context.group->buffers.find(buffer); record != context.group->buffers.end()) {
+        auto& ranges = record->second.ranges;
+        if (ranges.size() >= mostRanges)
+            ranges.clear();
+        ranges[key] = range;
+    }
     return true;
 }
 

@@ -25,12 +25,13 @@ struct DrawnIndices {
 
 /// The size of a buffer. Asks the driver where it is not known, by the target that no draw looks at.
 /// @return whether it is known then
-bool sizeOfBuffer(CheckedContext& context, std::uint32_t buffer, std::uint64_t& size);
+bool sizeOfBuffer(CheckedContext& context, const OGL::OpenGLCall& call, std::uint32_t buffer,
+                  std::uint64_t& size);
 
 /// The range of indices that lie in the bound element buffer; all of them lie inside of it.
 /// @return whether they could be read: a buffer that is mapped can't
-bool rangeInBuffer(CheckedContext& context, std::uint32_t buffer, const DrawnIndices& indices,
-                   Capture::IndexRange& range);
+bool rangeInBuffer(CheckedContext& context, const OGL::OpenGLCall& call, std::uint32_t buffer,
+                   const DrawnIndices& indices, Capture::IndexRange& range);
 
 /// After a call that changes buffers.
 void noticeBuffers(CheckedContext& context, const OGL::OpenGLCall& call);

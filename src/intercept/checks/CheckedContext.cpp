@@ -1,13 +1,13 @@
 #include "intercept/checks/CheckedContext.h"
 
 #include "capture/CaptureState.h"
+#include "capture/FindFunction.h"
 #include "extensionator/OpenGLCall.h"
 #include "intercept/Contexts.h"
 #include "intercept/ErrorReports.h"
 #include "intercept/Program.h"
 #include "intercept/RealFunctions.h"
 #include "intercept/Thread.h"
-#include "platform/Platform.h"
 
 #include <algorithm>
 #include <cstring>
@@ -15,13 +15,6 @@
 namespace ZLT::Interception {
 
 namespace {
-
-template <class Function>
-void find(Function& function, std::initializer_list<const char*> names) {
-    for (const char* name : names)
-        if (!function)
-            function = reinterpret_cast<Function>(reinterpret_cast<void*>(wglGetProcAddress(name)));
-}
 
 // Never destroyed: programs call GL while they end.
 struct Known {
@@ -87,20 +80,21 @@ CheckedContext& lookUp() {
 } // namespace
 
 void AskedFunctions::load() {
-    find(activeTexture, {"glActiveTexture", "glActiveTextureARB"});
-    find(checkFramebufferStatus, {"glCheckFramebufferStatus", "glCheckFramebufferStatusEXT"});
-    find(bindRenderbuffer, {"glBindRenderbuffer", "glBindRenderbufferEXT"});
-    find(getRenderbufferParameteriv, {"glGetRenderbufferParameteriv", "glGetRenderbufferParameterivEXT"});
-    find(getUniformiv, {"glGetUniformiv"});
+    Capture::findFunction(activeTexture, "glActiveTexture", "glActiveTextureARB");
+    Capture::findFunction(checkFramebufferStatus, "glCheckFramebufferStatus", "glCheckFramebufferStatusEXT");
+    Capture::findFunction(bindRenderbuffer, "glBindRenderbuffer", "glBindRenderbufferEXT");
+    Capture::findFunction(getRenderbufferParameteriv, "glGetRenderbufferParameteriv",
+                          "glGetRenderbufferParameterivEXT");
+    Capture::findFunction(getUniformiv, "glGetUniformiv");
     isObject[static_cast<int>(ObjectKind::Texture)] = glIsTexture;
     const auto kind = [this](ObjectKind of) -> PFNGLISBUFFERPROC& { return isObject[static_cast<int>(of)]; };
-    find(kind(ObjectKind::Buffer), {"glIsBuffer", "glIsBufferARB"});
-    find(kind(ObjectKind::Framebuffer), {"glIsFramebuffer", "glIsFramebufferEXT"});
-    find(kind(ObjectKind::Renderbuffer), {"glIsRenderbuffer", "glIsRenderbufferEXT"});
-    find(kind(ObjectKind::Query), {"glIsQuery", "glIsQueryARB"});
-    find(kind(ObjectKind::OcclusionQuery), {"glIsOcclusionQueryNV"});
-    find(kind(ObjectKind::AssemblyProgram), {"glIsProgramARB", "glIsProgramNV"});
-    find(kind(ObjectKind::VertexArray), {"glIsVertexArray", "glIsVertexArrayAPPLE"});
+    Capture::findFunction(kind(ObjectKind::Buffer), "glIsBuffer", "glIsBufferARB");
+    Capture::findFunction(kind(ObjectKind::Framebuffer), "glIsFramebuffer", "glIsFramebufferEXT");
+    Capture::findFunction(kind(ObjectKind::Renderbuffer), "glIsRenderbuffer", "glIsRenderbufferEXT");
+    Capture::findFunction(kind(ObjectKind::Query), "glIsQuery", "glIsQueryARB");
+    Capture::findFunction(kind(ObjectKind::OcclusionQuery), "glIsOcclusionQueryNV");
+    Capture::findFunction(kind(ObjectKind::AssemblyProgram), "glIsProgramARB", "glIsProgramNV");
+    Capture::findFunction(kind(ObjectKind::VertexArray), "glIsVertexArray", "glIsVertexArrayAPPLE");
 }
 
 void CheckedContext::learn() {

@@ -104,6 +104,7 @@ struct CheckedGroup {
 
 struct CheckedContext {
     std::shared_ptr<CheckedGroup> group;
+    ObjectNames ownNames; ///< of what contexts don't share
     Capture::CapturedContext asked;
     AskedFunctions functions;
     bool hasPrograms = false, hasUnits = false;
@@ -126,6 +127,8 @@ struct CheckedContext {
     void learnProgram();
     /// All that was learned is asked again, with that of the group.
     void forget();
+    /// Guarded by the group's lock.
+    ObjectNames& namesOf(ObjectKind kind) { return isShared(kind) ? group->names : ownNames; }
     int integer(unsigned int name) const { return asked.integer(name); }
 };
 

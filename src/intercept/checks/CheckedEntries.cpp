@@ -55,7 +55,6 @@ constexpr ChangeRule changeRules[] = {
     {"TexEnv*", 0},
     {"TexGen*", 0},
     {"TexCoord*", 0},
-    {"TexCoord*", 0},
     {"GenTextures*", 0},
     {"PrioritizeTextures*", 0},
     {"TexParameter*", changesTextures},

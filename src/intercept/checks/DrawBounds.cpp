@@ -59,7 +59,7 @@ bool isRead(const CheckedContext& context, const ClientArray& array) {
 class Draw {
 public:
     Draw(CheckedContext& context, const OGL::OpenGLCall& call, const DrawArguments& draw)
-        : context_(context), values_(call.values()), draw_(draw) {}
+        : context_(context), call_(call), values_(call.values()), draw_(draw) {}
 
     Finding find() {
         if (!context_.asked.areArraysKnown)
@@ -137,12 +137,12 @@ private:
         if (buffer != 0) {
             std::uint64_t room = 0;
             const std::uint64_t end = reinterpret_cast<std::uintptr_t>(from) + size;
-            if (!sizeOfBuffer(context_, buffer, room))
+            if (!sizeOfBuffer(context_, call_, buffer, room))
                 return {};
             if (end > room || end < size)
                 return {outOfBounds, "the indices end at byte " + std::to_string(end) + ", and buffer " +
                                          std::to_string(buffer) + " has " + std::to_string(room)};
-            if (!rangeInBuffer(context_, buffer, indices, range))
+            if (!rangeInBuffer(context_, call_, buffer, indices, range))
                 return {};
         } else {
             if (!from || !Capture::isReadable(from, size))
@@ -199,7 +199,7 @@ private:
             }
             std::uint64_t room = 0;
             const std::uint64_t offset = reinterpret_cast<std::uintptr_t>(array.pointer);
-            if (sizeOfBuffer(context_, array.buffer, room) && offset + end > room)
+            if (sizeOfBuffer(context_, call_, array.buffer, room) && offset + end > room)
                 return {outOfBounds, "index " + std::to_string(elements.last) + " of the " +
                                          nameOfArray(array) + " ends at byte " +
                                          std::to_string(offset + end) + ", and buffer " +
@@ -222,6 +222,7 @@ private:
     }
 
     CheckedContext& context_;
+    const OGL::OpenGLCall& call_;
     const OGL::CallValue* values_;
     const DrawArguments& draw_;
     IndexRange range_;

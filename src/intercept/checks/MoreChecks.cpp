@@ -31,7 +31,11 @@ struct WrongName {
     std::uint32_t name;
     bool isDeleted;
 };
-thread_local std::vector<WrongName> wrongNames;
+// Never destroyed: objects of the program end after those of the thread.
+std::vector<WrongName>& wrongNames() {
+    thread_local auto& names = *new std::vector<WrongName>;
+    return names;
+}
 
 bool has(const CheckedContext& context, std::uint8_t changes) { return (context.unknown & changes) != 0; }
 
@@ -80,7 +84,7 @@ protected:
 
     // It may have changed a part all the same.
     void failed(const OGL::OpenGLCall& call) override {
-        wrongNames.clear();
+        wrongNames().clear();
         if (factsOf(call.number()).changes != 0 && thread.context)
             checkedContext().unknown |= changesAll;
     }
@@ -88,16 +92,17 @@ protected:
 private:
     static void lookAtNames(CheckedContext& context, const OGL::OpenGLCall& call) {
         using State = ObjectNames::State;
-        wrongNames.clear();
+        wrongNames().clear();
         for (const NamedObject& object : objectsNamedBy(call.number())) {
             const auto name = static_cast<std::uint32_t>(call.values()[object.parameter].bits);
             if (object.role != NameRole::Used || name == 0)
                 continue;
             CheckedGroup& group = *context.group;
+            ObjectNames& known = context.namesOf(object.kind);
             State state = State::Unknown;
             {
                 const std::lock_guard guard(group.lock);
-                state = group.names.stateOf(object.kind, name);
+                state = known.stateOf(object.kind, name);
             }
             if (state == State::Made || state == State::MadeUp || !mayAskDriver())
                 continue;
@@ -105,27 +110,27 @@ private:
             const auto is = context.functions.isObject[static_cast<int>(object.kind)];
             const bool isThere = !is || is(name);
             if (!isThere && (state == State::Deleted || group.isKnownFromStart)) {
-                wrongNames.push_back({object.kind, name, state == State::Deleted});
+                wrongNames().push_back({object.kind, name, state == State::Deleted});
                 continue;
             }
             const GroupGuard guard(group);
-            group.names.set(object.kind, name, State::Made);
+            known.set(object.kind, name, State::Made);
         }
     }
 
     static void noticeNames(CheckedContext& context, const OGL::OpenGLCall& call) {
         using State = ObjectNames::State;
         CheckedGroup& group = *context.group;
-        for (const WrongName& wrong : wrongNames) {
+        for (const WrongName& wrong : wrongNames()) {
             const std::string text = std::string(nameOf(wrong.kind)) + ' ' + std::to_string(wrong.name);
             if (wrong.isDeleted)
                 tellFinding(call, deletedName, text + " was deleted, and is a new one from here on");
             else
                 tellFinding(call, neverMade, text + " was never made by glGen, and is made here");
             const GroupGuard guard(group);
-            group.names.set(wrong.kind, wrong.name, State::MadeUp);
+            context.namesOf(wrong.kind).set(wrong.kind, wrong.name, State::MadeUp);
         }
-        wrongNames.clear();
+        wrongNames().clear();
         for (const NamedObject& object : objectsNamedBy(call.number())) {
             if (object.role == NameRole::Used)
                 continue;
@@ -135,14 +140,15 @@ private:
             const GroupGuard guard(group);
             for (std::int32_t i = 0; names && i < count; ++i)
                 if (object.role == NameRole::Made)
-                    group.names.set(object.kind, names[i], State::Made);
+                    context.namesOf(object.kind).set(object.kind, names[i], State::Made);
                 else
-                    remove(group, object.kind, names[i]);
+                    remove(context, object.kind, names[i]);
         }
     }
 
-    static void remove(CheckedGroup& group, ObjectKind kind, std::uint32_t name) {
-        group.names.remove(kind, name);
+    static void remove(CheckedContext& context, ObjectKind kind, std::uint32_t name) {
+        CheckedGroup& group = *context.group;
+        context.namesOf(kind).remove(kind, name);
         if (kind == ObjectKind::Buffer)
             group.buffers.erase(name);
         if (kind != ObjectKind::Texture)
@@ -249,7 +255,8 @@ private:
         prepare(context);
         if (readsArrays)
             tellIfFound(context, call, [&] { return findOutOfBounds(context, call, draw); });
-        if (!thread.context->balance.executes())
+        // What is asked now binds textures and units, and would become a part of the list.
+        if (!thread.context->balance.executes() || thread.context->balance.compiles())
             return;
         if (has(context, changesFramebuffer) &&
             tellIfFound(context, call, [&] { return findIncompleteFramebuffer(context); }))

@@ -23,6 +23,10 @@ enum class ObjectKind : std::uint8_t {
 };
 /// "texture", "occlusion query".
 const char* nameOf(ObjectKind kind);
+/// Whether contexts that share have these in common.
+constexpr bool isShared(ObjectKind kind) {
+    return kind != ObjectKind::Query && kind != ObjectKind::OcclusionQuery && kind != ObjectKind::VertexArray;
+}
 
 /// What an entry does with a name.
 enum class NameRole : std::uint8_t { Used, Made, Deleted };

@@ -44,10 +44,12 @@ class KnownPages {
 public:
     bool has(std::uintptr_t page) const { return pages_[page % pages_.size()] == page; }
     void add(std::uintptr_t page) { pages_[page % pages_.size()] = page; }
-    void clear() { pages_.fill(0); }
+    void clear() { pages_.fill(none); }
+    KnownPages() { clear(); }
 
 private:
-    std::array<std::uintptr_t, 64> pages_ = {};
+    static constexpr std::uintptr_t none = UINTPTR_MAX; // the first page is one that nobody can read
+    std::array<std::uintptr_t, 64> pages_;
 };
 thread_local KnownPages knownPages;
 

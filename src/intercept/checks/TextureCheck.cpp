@@ -127,6 +127,10 @@ public:
     std::string fault() const {
         const bool hasLevels = target_.target != GL_TEXTURE_RECTANGLE_ARB;
         const int filter = parameter(GL_TEXTURE_MIN_FILTER);
+        // Made by glTexStorage it has the levels that it has, whatever their limits are.
+        if ((context_.asked.isVersion(4, 2) || context_.asked.has("GL_ARB_texture_storage")) &&
+            parameter(GL_TEXTURE_IMMUTABLE_FORMAT))
+            return faultOfIntegers(0, filter);
         int base = 0, most = 1000;
         if (hasLevels && context_.asked.isVersion(1, 2)) {
             base = parameter(GL_TEXTURE_BASE_LEVEL);
@@ -295,6 +299,9 @@ public:
             std::size_t strongest = fixedTargets - 1;
             while (!(enabled & 1u << strongest))
                 --strongest;
+            // With the nameless texture, which has no image, programs draw untextured.
+            if (nameAt(unit, targets[strongest]) == 0)
+                continue;
             if (Finding finding = look(unit, targets[strongest], ", which is enabled in unit "))
                 return finding;
         }
@@ -314,10 +321,13 @@ private:
         context_.areUnitsKnown = true;
     }
 
-    Finding look(int unit, const Target& target, const std::string& how) {
+    std::uint32_t nameAt(int unit, const Target& target) {
         chooser_.choose(unit);
-        const auto name =
-            static_cast<std::uint32_t>(context_.integer(Capture::textureBindingOf(target.target)));
+        return static_cast<std::uint32_t>(context_.integer(Capture::textureBindingOf(target.target)));
+    }
+
+    Finding look(int unit, const Target& target, const std::string& how) {
+        const std::uint32_t name = nameAt(unit, target);
         std::string fault;
         bool isKnown = false;
         if (name != 0) {
