@@ -25,6 +25,7 @@ HOSTILE = """ </script><script>document.title="owned"</script><img src=x onerror
 DATA = re.compile(r'(<script type="application/json" id="report">)(.*?)(</script>)', re.S)
 html = open(options.page, encoding="utf-8").read()
 data = json.loads(DATA.search(html)[2])
+OVERFLOW = "const page = document.documentElement; return page.scrollWidth - page.clientWidth"
 folder = tempfile.TemporaryDirectory()
 
 
@@ -222,7 +223,7 @@ class Report(unittest.TestCase):
                     self.script("location.hash = arguments[0]", section)
                     shown = ".searching > section" if "find" in section else f"section.{section.replace('=1', 's')}"
                     self.until(lambda: self.all(shown), "shown")
-                    self.assertLessEqual(self.script("const page = document.documentElement; return page.scrollWidth - page.clientWidth"), 0)
+                    self.assertLessEqual(self.script(OVERFLOW), 0)
                     paper, *ratios = self.script(contrast)
                     self.assertEqual(dark, paper < 0.2)
                     self.assertGreaterEqual(min(ratios), 4.5)
@@ -230,6 +231,14 @@ class Report(unittest.TestCase):
                         self.browser.save_screenshot(f"{options.screenshots}/{section.replace('=', '')}-{width}-{'dark' if dark else 'light'}.png")
         self.browser.find_element(By.CSS_SELECTOR, "#theme option:nth-child(2)").click()
         self.assertGreater(self.script(contrast)[0], 0.8, "the switch says light, the system dark")
+
+    def testBreaksPathsThatAreWiderThanTheScreen(self):
+        self.open(page_with("wide", each_text(data, lambda text: "/" + 20 * "folder_of_sources/" + text)), width=360)
+        for section in ["find=folder"] + self.sections() + ["frame=1", "texture=0", "program=0", "shader=0"]:
+            with self.subTest(section):
+                self.script("location.hash = arguments[0]", section)
+                time.sleep(0.2)
+                self.assertLessEqual(self.script(OVERFLOW), 0)
 
     def testHostileTextIsText(self):
         labels = [row["label"] for table in tables(data) for row in rows(table) if "<" in str(row.get("label"))]
