@@ -47,6 +47,11 @@ public:
     /// The frame is complete, and about to be shown. To be called before the swap.
     /// @param surface  its id; 0 for the one that the current context draws to
     void swapping(std::uint64_t surface = 0);
+    /// The window system gave pixels to the texture that is bound to `target` of the active unit
+    /// (GL_TEXTURE_1D, GL_TEXTURE_2D, GL_TEXTURE_RECTANGLE_ARB), by glXBindTexImageEXT for example. In the
+    /// capture they are a call of glTexImage, at this place of the program. To be called after that function.
+    /// @param what  told once in the capture if they can't be read at the time, as incomplete() does
+    void texelsGiven(const char* file, unsigned int line, unsigned int target, std::string_view what);
     /// Something that can't be captured: told once in the capture.
     void incomplete(std::string_view what);
     /// The program begins a debug group, a part of a frame that has a name, or ends the last one; it says

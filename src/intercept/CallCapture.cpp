@@ -6,6 +6,7 @@
 #include "intercept/Contexts.h"
 #include "intercept/Lock.h"
 #include "intercept/Program.h"
+#include "intercept/Sites.h"
 #include "intercept/Thread.h"
 
 #include <atomic>
@@ -123,6 +124,12 @@ void captureSwap(std::uint64_t surface) {
         const Inside ours;
         layer->swapping(surface);
     }
+}
+
+void captureTexels(unsigned int target, const char* what, const void* returnAddress) {
+    captured([&](Capture::OpenGLCapture& layer) {
+        layer.texelsGiven(siteFile, siteOf(returnAddress), target, what);
+    });
 }
 
 void captureIncomplete(const char* what) {

@@ -23,6 +23,9 @@ void captureCurrent(std::uint64_t draw, std::uint64_t read, void* display, bool 
 void captureDestroyed(void* context);
 /// Before the surface is swapped; 0 for the current one.
 void captureSwap(std::uint64_t surface);
+/// The window system gave pixels to the texture that is bound to a target of GL, for the program that called
+/// from `returnAddress`. `what` is told where they can't be captured.
+void captureTexels(unsigned int target, const char* what, const void* returnAddress);
 /// Something that is not captured.
 void captureIncomplete(const char* what);
 

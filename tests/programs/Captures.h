@@ -7,9 +7,9 @@
 
 // The scenes of scenes.cpp.
 inline constexpr const char* sceneNames[] = {
-    "immediate", "lists",    "arrays",  "buffers", "pixels",       "textures", "evaluators",
-    "fonts",     "modes",    "queries", "stacks",  "accumulation", "assembly", "shaders",
-    "imaging",   "contexts", "resize",  "samples", "framebuffers", "once",     "core"};
+    "immediate", "lists",  "arrays",  "buffers",      "pixels",       "textures", "evaluators", "fonts",
+    "pixmap",    "modes",  "queries", "stacks",       "accumulation", "assembly", "shaders",    "imaging",
+    "contexts",  "resize", "samples", "framebuffers", "once",         "core"};
 
 inline Words capture(const std::string& file, const Words& options = {}) {
     return Words{COMMAND, "capture", "--verify", "-o", file} + options;

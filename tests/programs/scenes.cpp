@@ -535,6 +535,70 @@ void fonts() {
     XFreeFont(display, font);
 }
 
+// What comes to a texture by the window system, while the program has its pixels otherwise than the pixmap.
+void pixmap() {
+    Display* const display = glfwGetX11Display();
+    const auto bind = reinterpret_cast<PFNGLXBINDTEXIMAGEEXTPROC>(glfwGetProcAddress("glXBindTexImageEXT"));
+    const auto release =
+        reinterpret_cast<PFNGLXRELEASETEXIMAGEEXTPROC>(glfwGetProcAddress("glXReleaseTexImageEXT"));
+    const int wanted[] = {GLX_BIND_TO_TEXTURE_RGB_EXT, True, GLX_DRAWABLE_TYPE,
+                          GLX_PIXMAP_BIT | GLX_WINDOW_BIT, None};
+    int count = 0;
+    GLXFBConfig* const configs = glXChooseFBConfig(display, DefaultScreen(display), wanted, &count);
+    if (!bind || !release || count == 0)
+        return;
+    XVisualInfo* const visual = glXGetVisualFromFBConfig(display, configs[0]);
+    const Pixmap pixels =
+        XCreatePixmap(display, DefaultRootWindow(display), 20, 12, static_cast<unsigned int>(visual->depth));
+    const bool isRectangle = frame % 2 == 1;
+    const int attributes[] = {GLX_TEXTURE_TARGET_EXT,
+                              isRectangle ? GLX_TEXTURE_RECTANGLE_EXT : GLX_TEXTURE_2D_EXT,
+                              GLX_TEXTURE_FORMAT_EXT, GLX_TEXTURE_FORMAT_RGB_EXT, None};
+    const GLXPixmap drawable = glXCreatePixmap(display, configs[0], pixels, attributes);
+    const GC gc = XCreateGC(display, pixels, 0, nullptr);
+    XSetForeground(display, gc, 0x3060C0);
+    XFillRectangle(display, pixels, gc, 0, 0, 20, 12);
+    const unsigned int target = isRectangle ? GL_TEXTURE_RECTANGLE : GL_TEXTURE_2D;
+    GLuint texture = 0, buffer = 0;
+    glGenTextures(1, &texture);
+    glBindTexture(target, texture);
+    glTexParameteri(target, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+    glGenBuffers(1, &buffer);
+    glBindBuffer(GL_PIXEL_UNPACK_BUFFER, buffer);
+    glBufferData(GL_PIXEL_UNPACK_BUFFER, 16, nullptr, GL_STATIC_DRAW);
+    glPixelStorei(GL_UNPACK_ROW_LENGTH, 7);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
+    glPixelStorei(GL_PACK_SKIP_PIXELS, 3);
+    glPixelTransferf(GL_RED_SCALE, 0.5f);
+    glEnable(target);
+    for (int i = 0; i < 2; ++i) { // and again, with others
+        XSetForeground(display, gc, i == 0 ? 0xE0A010 : 0x20F020);
+        XFillRectangle(display, pixels, gc, 2 * frame, 3 + 4 * i, 9, 5);
+        XSync(display, False);
+        bind(display, drawable, GLX_FRONT_LEFT_EXT, nullptr);
+        glBegin(GL_QUADS);
+        for (const auto& [x, y] : {std::pair(0, 0), {1, 0}, {1, 1}, {0, 1}}) {
+            glTexCoord2i(isRectangle ? 20 * x : x, isRectangle ? 12 * y : y);
+            glVertex2f(static_cast<float>(x - i), static_cast<float>(y) - 0.5f);
+        }
+        glEnd();
+        glFinish(); // or Mesa draws with the next ones
+        release(display, drawable, GLX_FRONT_LEFT_EXT);
+    }
+    glDisable(target);
+    glPixelTransferf(GL_RED_SCALE, 1);
+    glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
+    glPixelStorei(GL_PACK_SKIP_PIXELS, 0);
+    glDeleteBuffers(1, &buffer);
+    glDeleteTextures(1, &texture);
+    XFreeGC(display, gc);
+    glXDestroyPixmap(display, drawable);
+    XFreePixmap(display, pixels);
+    XFree(visual);
+    XFree(configs);
+}
+
 // What another context has made is there, for those that share.
 void contexts() {
     static GLFWwindow* other = nullptr;
@@ -623,6 +687,7 @@ const std::map<std::string, void (*)()> scenes = {{"immediate", immediate},
                                                   {"assembly", assembly},
                                                   {"shaders", shaders},
                                                   {"fonts", fonts},
+                                                  {"pixmap", pixmap},
                                                   {"framebuffers", framebuffers},
                                                   {"stacks", stacks},
                                                   {"imaging", imaging},

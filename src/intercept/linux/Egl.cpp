@@ -4,6 +4,7 @@
 #include "intercept/Contexts.h"
 #include "intercept/Intercepted.h"
 #include "intercept/linux/Libraries.h"
+#include "platform/GL.h"
 
 #define EGL_EGLEXT_PROTOTYPES
 #include <EGL/egl.h>
@@ -91,8 +92,11 @@ ZLT_INTERCEPTED EGLBoolean eglSwapBuffersWithDamageEXT(EGLDisplay display, EGLSu
 }
 
 ZLT_INTERCEPTED EGLBoolean eglBindTexImage(EGLDisplay display, EGLSurface surface, EGLint buffer) {
-    captureIncomplete("the pixels that eglBindTexImage gives to a texture");
-    return inside([&] { return ZLT_REAL(eglBindTexImage)(display, surface, buffer); });
+    const EGLBoolean success = inside([&] { return ZLT_REAL(eglBindTexImage)(display, surface, buffer); });
+    if (success)
+        captureTexels(GL_TEXTURE_2D, "the pixels that eglBindTexImage gives to a texture",
+                      __builtin_return_address(0));
+    return success;
 }
 
 ZLT_INTERCEPTED void (*eglGetProcAddress(const char* name))() {

@@ -38,6 +38,24 @@ Bool madeCurrent(Bool success, Display* display, GLXDrawable draw, GLXDrawable r
     return success;
 }
 
+// Of GL, for a pixmap or a pbuffer; 0 for one without a texture.
+unsigned int textureTargetOf(Display* display, GLXDrawable drawable) {
+    const auto query = reinterpret_cast<decltype(&glXQueryDrawable)>(findFunction("glXQueryDrawable"));
+    unsigned int target = 0;
+    if (query)
+        inside([&] { query(display, drawable, GLX_TEXTURE_TARGET_EXT, &target); });
+    switch (target) {
+    case GLX_TEXTURE_1D_EXT:
+        return GL_TEXTURE_1D;
+    case GLX_TEXTURE_2D_EXT:
+        return GL_TEXTURE_2D;
+    case GLX_TEXTURE_RECTANGLE_EXT:
+        return GL_TEXTURE_RECTANGLE_ARB;
+    default:
+        return 0;
+    }
+}
+
 } // namespace
 
 } // namespace ZLT::Interception
@@ -135,9 +153,10 @@ ZLT_INTERCEPTED void glXUseXFont(Font font, int first, int count, int list) {
 
 ZLT_INTERCEPTED void glXBindTexImageEXT(Display* display, GLXDrawable drawable, int buffer,
                                         const int* attributes) {
-    captureIncomplete("the pixels that glXBindTexImageEXT gives to a texture");
-    const Inside driver;
-    ZLT_REAL(glXBindTexImageEXT)(display, drawable, buffer, attributes);
+    inside([&] { ZLT_REAL(glXBindTexImageEXT)(display, drawable, buffer, attributes); });
+    if (isCaptured())
+        captureTexels(textureTargetOf(display, drawable),
+                      "the pixels that glXBindTexImageEXT gives to a texture", __builtin_return_address(0));
 }
 
 ZLT_INTERCEPTED void (*glXGetProcAddress(const GLubyte* name))() {

@@ -50,6 +50,7 @@ Bool swapped(Bool success) {
 // Functions of extensions that make contexts or change them: what the driver gave, for the one of ours.
 Handle (*realCreateContextAttribs)(Handle, Handle, const int*) = nullptr;
 Bool (*realMakeContextCurrent)(Handle, Handle, Handle) = nullptr;
+Bool (*realBindTexImage)(Handle, int) = nullptr;
 
 Handle createContextAttribs(Handle window, Handle share, const int* attributes) {
     constexpr int profileMask = 0x9126, es2Profile = 4;
@@ -66,6 +67,34 @@ Handle createContextAttribs(Handle window, Handle share, const int* attributes) 
 Bool makeContextCurrent(Handle draw, Handle read, Handle context) {
     return madeCurrent(inside([&] { return realMakeContextCurrent(draw, read, context); }), draw, read,
                        context);
+}
+
+// Of GL, for a pbuffer; 0 for a cube map, of which the pbuffer is one face, and for what has no texture.
+unsigned int textureTargetOf(Handle pbuffer) {
+    constexpr int textureTarget = 0x2073; // WGL_TEXTURE_TARGET_ARB
+    const auto query = reinterpret_cast<Bool (*)(Handle, int, int*)>(
+        inside([] { return driverFunction("wglQueryPbufferARB"); }));
+    int target = 0;
+    if (query)
+        inside([&] { query(pbuffer, textureTarget, &target); });
+    switch (target) {
+    case 0x2079: // WGL_TEXTURE_1D_ARB
+        return 0x0DE0;
+    case 0x207A: // WGL_TEXTURE_2D_ARB
+        return 0x0DE1;
+    case 0x20A2: // WGL_TEXTURE_RECTANGLE_NV
+        return 0x84F5;
+    default:
+        return 0;
+    }
+}
+
+Bool bindTexImage(Handle pbuffer, int buffer) {
+    const Bool success = inside([&] { return realBindTexImage(pbuffer, buffer); });
+    if (success && isCaptured())
+        captureTexels(textureTargetOf(pbuffer), "the pixels that wglBindTexImageARB gives to a texture",
+                      __builtin_return_address(0));
+    return success;
 }
 
 template <class Function>
@@ -179,5 +208,7 @@ ZLT_INTERCEPTED RealFunction wglGetProcAddress(const char* name) {
         return keep(realCreateContextAttribs, real, createContextAttribs);
     if (text == "wglMakeContextCurrentARB" || text == "wglMakeContextCurrentEXT")
         return keep(realMakeContextCurrent, real, makeContextCurrent);
+    if (text == "wglBindTexImageARB")
+        return keep(realBindTexImage, real, bindTexImage);
     return handOut(name, real);
 }
