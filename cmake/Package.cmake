@@ -63,6 +63,7 @@ set(public_headers
   capture/reporting/Report.h
   capture/reporting/ReportOptions.h
   capture/wglCapture.h
+  extensionator/ConstantNames.h
   extensionator/ExtensionManager.h
   extensionator/InterceptCall.h
   extensionator/OpenGLCall.h

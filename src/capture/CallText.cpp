@@ -1,8 +1,10 @@
 #include "capture/CallText.h"
 
 #include "capture/Bytes.h"
+#include "extensionator/ConstantNames.h"
 #include "extensionator/TokenName.h"
 
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 
@@ -44,10 +46,19 @@ std::string address(std::uint64_t bits) {
     return text;
 }
 
-std::string numberText(char form, std::uint64_t bits) {
+std::string bitsText(std::span<const OGL::NamedConstant> names, std::uint32_t value) {
+    std::string text;
+    OGL::eachBit(names, value, [&](const char* name, std::uint32_t bits) {
+        text += text.empty() ? "" : " | ";
+        text += name ? name : bits == 0 ? "0" : address(bits);
+    });
+    return text;
+}
+
+std::string numberText(const Function& function, std::size_t index, char form, std::uint64_t bits) {
     switch (form) {
     case 'e':
-        return tokenText(static_cast<std::uint32_t>(bits));
+        return constantText(function, index, static_cast<std::uint32_t>(bits));
     case 'b':
         return bits == 0 ? "GL_FALSE" : bits == 1 ? "GL_TRUE" : std::to_string(bits);
     case 'f':
@@ -71,7 +82,8 @@ std::string named(const Parameter& parameter, const std::string& number) {
     return parameter.object.empty() ? number : std::string(parameter.object) + ' ' + number;
 }
 
-std::string memoryText(const Parameter& parameter, const CapturedValue& value) {
+std::string memoryText(const Function& function, std::size_t index, const Parameter& parameter,
+                       const CapturedValue& value) {
     const bool isText = (parameter.element == 'c' || parameter.element == 'C') && value.bytes.ends_with('\0');
     if (isText)
         return quoted(withoutZero(value.bytes));
@@ -81,12 +93,27 @@ std::string memoryText(const Parameter& parameter, const CapturedValue& value) {
     std::string text = "{";
     const std::size_t count = value.bytes.size() / sizeOfForm(parameter.element);
     for (std::size_t i = 0; i < count; ++i)
-        text +=
-            (i > 0 ? ", " : "") + numberText(parameter.element, elementAt(value.bytes, parameter.element, i));
+        text += (i > 0 ? ", " : "") +
+                numberText(function, index, parameter.element, elementAt(value.bytes, parameter.element, i));
     return named(parameter, text + '}');
 }
 
-std::string valueText(const Parameter& parameter, const CapturedValue& value) {
+std::string scalarText(const CapturedCall& call, std::size_t index, const Parameter& parameter,
+                       const CapturedValue& value) {
+    if (const auto constant = constantOf(call, index))
+        return constantText(*call.function, index, *constant);
+    if (parameter.form == 'u')
+        if (const auto names = OGL::bitNames(call.function->name, static_cast<unsigned int>(index));
+            !names.empty())
+            return bitsText(names, static_cast<std::uint32_t>(value.bits));
+    return named(parameter, numberText(*call.function, index, parameter.form, value.bits));
+}
+
+// Of a parameter by its place, or of the result.
+std::string valueText(const CapturedCall& call, std::size_t index) {
+    const bool isResult = index == call.values.size();
+    const Parameter& parameter = isResult ? call.function->result : call.function->parameters[index];
+    const CapturedValue& value = isResult ? call.result : call.values[index];
     switch (parameter.form) {
     case 'w':
         return quoted(value.bytes);
@@ -106,13 +133,37 @@ std::string valueText(const Parameter& parameter, const CapturedValue& value) {
             return "NULL";
         if (value.pointer == PointerForm::Address)
             return address(value.bits);
-        return (parameter.form == 'o' ? "-> " : "") + memoryText(parameter, value);
+        return (parameter.form == 'o' ? "-> " : "") + memoryText(*call.function, index, parameter, value);
     default:
-        return named(parameter, numberText(parameter.form, value.bits));
+        return scalarText(call, index, parameter, value);
     }
 }
 
 } // namespace
+
+std::optional<std::uint32_t> constantOf(const CapturedCall& call, std::size_t index) {
+    if (index >= call.values.size())
+        return std::nullopt;
+    const char form = call.function->parameters[index].form;
+    if (form != 'i' && form != 'f')
+        return std::nullopt;
+    std::uint32_t value = call.u32(index);
+    if (form == 'f') {
+        const float real = call.values[index].asFloat();
+        if (!(real >= 0 && real < 65536) || real != std::floor(real))
+            return std::nullopt;
+        value = static_cast<std::uint32_t>(real);
+    }
+    const std::uint32_t before = index > 0 ? call.u32(index - 1) : 0;
+    if (!OGL::isConstant(call.function->name, static_cast<unsigned int>(index), before, value))
+        return std::nullopt;
+    return value;
+}
+
+std::string constantText(const Function& function, std::size_t index, std::uint32_t value) {
+    const char* const name = OGL::constantName(function.name, static_cast<unsigned int>(index), value);
+    return name ? name : address(value);
+}
 
 std::string tokenText(std::uint32_t value) {
     const std::string name = OGL::TokenName(value);
@@ -152,10 +203,10 @@ bool isWrittenOut(const Parameter& parameter, const CapturedValue& value) {
 std::string callText(const CapturedCall& call) {
     std::string text = call.function->name + '(';
     for (std::size_t i = 0; i < call.values.size(); ++i)
-        text += (i > 0 ? ", " : "") + valueText(call.function->parameters[i], call.values[i]);
+        text += (i > 0 ? ", " : "") + valueText(call, i);
     text += ')';
     if (call.function->result.form != 0)
-        text += " = " + valueText(call.function->result, call.result);
+        text += " = " + valueText(call, call.values.size());
     return text;
 }
 

@@ -1,5 +1,6 @@
 #include "extensionator/OpenGLCall.h"
 
+#include "extensionator/ConstantNames.h"
 #include "extensionator/ValueForms.h"
 #include "zlt/core/Enforce.h"
 
@@ -111,22 +112,56 @@ void writeQuoted(std::ostream& out, const char* text) {
     out << '"' << std::string_view(text, static_cast<std::size_t>(size)) << (end ? "\"" : "...\"");
 }
 
-void writeReadable(std::ostream& out, char form, CallValue value) {
+void writeHexadecimal(std::ostream& out, std::uint64_t number) {
+    char text[16];
+    std::size_t at = sizeof(text);
+    do
+        text[--at] = "0123456789ABCDEF"[number & 15];
+    while (number >>= 4);
+    out << "0x" << std::string_view(text + at, sizeof(text) - at);
+}
+
+// A name, or a number that has none.
+void writeConstant(std::ostream& out, const char* name, std::uint32_t value) {
+    if (name)
+        out << name;
+    else
+        writeHexadecimal(out, value);
+}
+
+// A number that is one by the function alone: a set of bits, and what glTexParameteri sets.
+bool writeNamed(std::ostream& out, std::string_view function, unsigned int parameter, char form,
+                const CallValue* values) {
+    const CallValue value = values[parameter];
+    if (form == 'u') {
+        const auto names = bitNames(function, parameter);
+        const char* separator = "";
+        if (names.empty() || as<std::uint32_t>(value) == 0)
+            return false;
+        eachBit(names, as<std::uint32_t>(value), [&](const char* name, std::uint32_t bits) {
+            out << separator;
+            writeConstant(out, name, bits);
+            separator = " | ";
+        });
+        return true;
+    }
+    const std::uint32_t before = parameter > 0 ? as<std::uint32_t>(values[parameter - 1]) : 0;
+    if (form != 'i' || !isConstant(function, parameter, before, as<std::uint32_t>(value)))
+        return false;
+    writeConstant(out, constantName(function, parameter, as<std::uint32_t>(value)), as<std::uint32_t>(value));
+    return true;
+}
+
+void writeReadable(std::ostream& out, std::string_view function, unsigned int parameter, char form,
+                   const CallValue* values) {
     using namespace ValueForms;
-    const auto hexadecimal = [&](std::uint64_t number) {
-        char text[16];
-        std::size_t at = sizeof(text);
-        do
-            text[--at] = "0123456789ABCDEF"[number & 15];
-        while (number >>= 4);
-        out << "0x" << std::string_view(text + at, sizeof(text) - at);
-    };
+    const CallValue value = values[parameter];
+    if (writeNamed(out, function, parameter, form, values))
+        return;
     switch (form) {
     case 'e':
-        if (const std::string_view name = TokenName(as<unsigned int>(value)); name != "Unknown Token")
-            out << name;
-        else
-            hexadecimal(as<std::uint32_t>(value));
+        writeConstant(out, constantName(function, parameter, as<std::uint32_t>(value)),
+                      as<std::uint32_t>(value));
         break;
     case 'h':
         out << Number(as<unsigned int>(value));
@@ -151,20 +186,20 @@ void writeReadable(std::ostream& out, char form, CallValue value) {
         if (value.bits == 0)
             out << "null";
         else
-            hexadecimal(value.bits);
+            writeHexadecimal(out, value.bits);
         break;
     default:
         writeTraced(out, form, value);
     }
 }
 
-void writeList(std::ostream& out, unsigned int number, const CallValue* values,
-               void (*write)(std::ostream&, char, CallValue)) {
+template <class Write>
+void writeList(std::ostream& out, unsigned int number, const Write& write) {
     const char* forms = entryForms + rowOf(number).forms;
-    for (std::size_t i = 0; forms[i]; ++i) {
+    for (unsigned int i = 0; forms[i]; ++i) {
         if (i > 0)
             out << ValueForms::comma;
-        write(out, forms[i], values[i]);
+        write(i, forms[i]);
     }
 }
 
@@ -174,7 +209,9 @@ unsigned int openGLEntryCount() noexcept { return static_cast<unsigned int>(std:
 const char* openGLEntryName(unsigned int number) { return entryNames + rowOf(number).name; }
 const char* openGLEntryGroup(unsigned int number) { return entryGroups + rowOf(number).group; }
 
-void OpenGLCall::writeArguments(std::ostream& out) const { writeList(out, number_, values_, writeTraced); }
+void OpenGLCall::writeArguments(std::ostream& out) const {
+    writeList(out, number_, [&](unsigned int i, char form) { writeTraced(out, form, values_[i]); });
+}
 
 String OpenGLCall::arguments() const {
     std::ostringstream out;
@@ -184,7 +221,7 @@ String OpenGLCall::arguments() const {
 }
 
 void OpenGLCall::writeReadableArguments(std::ostream& out) const {
-    writeList(out, number_, values_, writeReadable);
+    writeList(out, number_, [&](unsigned int i, char form) { writeReadable(out, name(), i, form, values_); });
 }
 
 } // namespace ZLT::OGL

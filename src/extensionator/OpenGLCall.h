@@ -62,8 +62,10 @@ public:
     /// The same as text.
     String arguments() const;
 
-    /// Writes the arguments for a reader: values that have no name in hexadecimal, floats as they are, and of
-    /// what pointers point at only names, which are read up to 60 characters. Safe after a call that failed.
+    /// Writes the arguments for a reader: constants by what they mean there ("GL_TRIANGLES", "GL_ONE",
+    /// "GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT"; see ConstantNames.h), those that have no name in
+    /// hexadecimal, floats as they are, and of what pointers point at only names, which are read up to 60
+    /// characters. Safe after a call that failed.
     void writeReadableArguments(std::ostream& out) const;
 
 private:

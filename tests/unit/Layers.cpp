@@ -191,7 +191,7 @@ TEST_F(ReporterTest, betweenBeginAndEndNothingIsAsked) {
     gl().cgmEnd("a.cpp", 4);
     FakeGL::pushError(0x0501); // by others, before a call that isn't made
     gl().cgmEnd("a.cpp", 5);
-    EXPECT_EQ("a.cpp:3: error: Unbalanced glBegin()! in glBegin(GL_LINE_BIT)\n"
+    EXPECT_EQ("a.cpp:3: error: Unbalanced glBegin()! in glBegin(GL_TRIANGLES)\n"
               "a.cpp:4: error: GL_INVALID_OPERATION in glEnd()\n"
               "a.cpp:5: warning: GL_INVALID_VALUE raised before this call, outside the chain\n"
               "a.cpp:5: error: Unbalanced glEnd()! in glEnd()\n",

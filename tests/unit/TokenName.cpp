@@ -1,12 +1,18 @@
 #include "extensionator/TokenName.h"
 
+#include "extensionator/ConstantNames.h"
+#include "extensionator/OpenGLCall.h"
+#include "platform/GL.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <fstream>
 #include <map>
 #include <random>
+#include <sstream>
 #include <string>
+#include <vector>
 
 using namespace ZLT::OGL;
 
@@ -36,8 +42,8 @@ void expectName(std::uint32_t value) {
 TEST(TokenNameTest, everyRowOfTheTableIsNamedAndNoneOfItsNeighbours) {
     ASSERT_EQ(2211u, table().size());
     for (const auto& [value, name] : table())
-        for (const std::uint32_t near : {value - 1, value, value + 1, value ^ 0x80000000u, value | 0x10000u})
-            expectName(near);
+        for (const std::uint32_t other : {value - 1, value, value + 1, value ^ 0x80000000u, value | 0x10000u})
+            expectName(other);
 }
 
 TEST(TokenNameTest, all32BitsAreCompared) {
@@ -74,6 +80,43 @@ TEST(TokenNameTest, everyByteButZeroIsTrue) {
     EXPECT_STREQ("GL_FALSE", boolToString(0));
     for (int value = 1; value < 256; ++value)
         EXPECT_STREQ("GL_TRUE", boolToString(static_cast<unsigned char>(value)));
+}
+
+// A call with one argument of interest: what a reader is told of it.
+std::string readable(const char* name, const std::vector<CallValue>& values) {
+    unsigned int number = 0;
+    while (std::string_view(openGLEntryName(number)) != name)
+        ++number;
+    std::ostringstream out;
+    OpenGLCall(number, nullptr, 0, values.data()).writeReadableArguments(out);
+    return out.str();
+}
+
+TEST(ConstantNamesTest, aReaderIsToldTheMeaningOfTheArgument) {
+    EXPECT_EQ("GL_TRIANGLES", readable("glBegin", {4}));
+    EXPECT_EQ("0xE", readable("glBegin", {14}));
+    EXPECT_EQ("GL_POLYGON, 0, 3", readable("glDrawArrays", {9, 0, 3}));
+    EXPECT_EQ("GL_NONE", readable("glDrawBuffer", {0}));
+    EXPECT_EQ("GL_FRONT_LEFT", readable("glDrawBuffer", {0x400}));
+    EXPECT_EQ("GL_ONE, GL_ZERO", readable("glBlendFunc", {1, 0}));
+    EXPECT_EQ("GL_NEVER, 1, 255", readable("glStencilFunc", {0x200, 1, 255}));
+    EXPECT_EQ("GL_LIGHT0", readable("glEnable", {0x4000}));
+    EXPECT_EQ("0x40000000", readable("glEnable", {0x40000000}));
+    EXPECT_EQ("GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT", readable("glClear", {0x4100}));
+    EXPECT_EQ("GL_DEPTH_BUFFER_BIT | 0x1", readable("glClear", {0x101}));
+    EXPECT_EQ("0", readable("glClear", {0}));
+    EXPECT_EQ("GL_ALL_ATTRIB_BITS", readable("glPushAttrib", {0xFFFFFFFFu}));
+    EXPECT_EQ("GL_CURRENT_BIT | GL_LINE_BIT", readable("glPushAttrib", {5}));
+    EXPECT_EQ("GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP",
+              readable("glTexParameteri", {GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP}));
+    EXPECT_EQ("GL_TEXTURE_2D, GL_TEXTURE_BASE_LEVEL, 1024",
+              readable("glTexParameteri", {GL_TEXTURE_2D, GL_TEXTURE_BASE_LEVEL, 1024}));
+    const void* const nothing = nullptr;
+    EXPECT_EQ("GL_TEXTURE_2D, 0, GL_RGB, 4, 4, 0, GL_RGB, GL_FLOAT, null",
+              readable("glTexImage2D", {GL_TEXTURE_2D, 0, GL_RGB, 4, 4, 0, GL_RGB, GL_FLOAT, nothing}));
+    EXPECT_EQ("GL_TEXTURE_2D, 0, 3, 4, 4, 0, GL_RGB, GL_FLOAT, null",
+              readable("glTexImage2D", {GL_TEXTURE_2D, 0, 3, 4, 4, 0, GL_RGB, GL_FLOAT, nothing}));
+    EXPECT_STREQ("GL_NO_ERROR", constantName("glGetError", -1u, 0));
 }
 
 } // namespace

@@ -14,10 +14,10 @@ namespace {
 using namespace Capture;
 using Json = nlohmann::ordered_json;
 
-Json numberJson(char form, std::uint64_t bits) {
+Json numberJson(const Function& function, std::size_t index, char form, std::uint64_t bits) {
     switch (form) {
     case 'e':
-        return tokenText(static_cast<std::uint32_t>(bits));
+        return constantText(function, index, static_cast<std::uint32_t>(bits));
     case 'b':
         return bits != 0;
     case 'f':
@@ -34,7 +34,12 @@ Json numberJson(char form, std::uint64_t bits) {
     }
 }
 
-Json valueJson(const Parameter& parameter, const CapturedValue& value) {
+// Of a parameter by its place, or of the result.
+Json valueJson(const CapturedCall& call, std::size_t index) {
+    const Function& function = *call.function;
+    const bool isResult = index == call.values.size();
+    const Parameter& parameter = isResult ? function.result : function.parameters[index];
+    const CapturedValue& value = isResult ? call.result : call.values[index];
     switch (parameter.form) {
     case 'w':
         return std::string(value.bytes);
@@ -58,11 +63,12 @@ Json valueJson(const Parameter& parameter, const CapturedValue& value) {
             return Json{{"bytes", value.bytes.size()}};
         Json list = Json::array();
         for (std::size_t i = 0; i < value.bytes.size() / sizeOfForm(parameter.element); ++i)
-            list.push_back(numberJson(parameter.element, elementAt(value.bytes, parameter.element, i)));
+            list.push_back(
+                numberJson(function, index, parameter.element, elementAt(value.bytes, parameter.element, i)));
         return list;
     }
     default:
-        return numberJson(parameter.form, value.bits);
+        return numberJson(function, index, parameter.form, value.bits);
     }
 }
 
@@ -79,11 +85,11 @@ Json callJson(const CapturedCall& call, const std::string& site) {
     for (std::size_t i = 0; i < call.values.size(); ++i) {
         const Parameter& parameter = call.function->parameters[i];
         arguments[parameter.name.empty() ? std::to_string(i) : std::string(parameter.name)] =
-            valueJson(parameter, call.values[i]);
+            valueJson(call, i);
     }
     line["arguments"] = std::move(arguments);
     if (call.function->result.form != 0)
-        line["result"] = valueJson(call.function->result, call.result);
+        line["result"] = valueJson(call, call.values.size());
     return line;
 }
 

@@ -1,5 +1,6 @@
 // Calls as statements.
 
+#include "capture/CallText.h"
 #include "capture/exporting/ExportedState.h"
 #include "extensionator/OpenGLEntry.h"
 
@@ -68,11 +69,6 @@ char formOfType(std::uint64_t type) {
     default:
         return 'v';
     }
-}
-
-std::string_view withoutZero(std::string_view text) {
-    const std::size_t end = text.find('\0');
-    return text.substr(0, end);
 }
 
 } // namespace
@@ -244,7 +240,7 @@ void ProjectExport::appendNumberOf(const Parameter& parameter, std::size_t index
     const CapturedValue& value = call.values[index];
     switch (parameter.form) {
     case 'e':
-        return constants.append(line, *call.function, parameter, static_cast<std::uint32_t>(value.bits));
+        return constants.append(line, *call.function, index, static_cast<std::uint32_t>(value.bits));
     case 'b':
         if (value.bits > 1)
             return appendNumber(line, value.bits);
@@ -253,23 +249,14 @@ void ProjectExport::appendNumberOf(const Parameter& parameter, std::size_t index
         return;
     case 'f':
     case 'i':
-        // Some are constants, by the parameter in front: glTexParameteri.
-        if (index > 0 && call.function->parameters[index - 1].name == "pname" &&
-            hasConstants(call.u32(index - 1))) {
-            const float real = value.asFloat();
-            if (parameter.form == 'i')
-                return constants.append(line, static_cast<std::uint32_t>(value.bits));
-            if (real >= 1 && real < 65536 && real == static_cast<float>(static_cast<std::uint32_t>(real))) {
-                line += "GLfloat(";
-                constants.append(line, static_cast<std::uint32_t>(real));
-                line += ')';
-                return;
-            }
+        if (const auto constant = constantOf(call, index)) {
+            line += parameter.form == 'f' ? "GLfloat(" : "";
+            constants.append(line, *call.function, index, *constant);
+            line += parameter.form == 'f' ? ")" : "";
+            return;
         }
         if (parameter.form == 'f')
             return appendFloat(line, value.asFloat());
-        if ((parameter.name == "internalformat" || parameter.name == "components") && call.i32(index) > 4)
-            return constants.append(line, call.u32(index));
         return appendNumber(line, std::int64_t(call.i32(index)));
     case 'd':
         return appendDouble(line, value.asDouble());
@@ -278,8 +265,9 @@ void ProjectExport::appendNumberOf(const Parameter& parameter, std::size_t index
     case 'l':
         return appendNumber(line, static_cast<std::int64_t>(value.bits));
     default:
-        if (isBits(*call.function, parameter))
-            return constants.appendBits(line, call.function->name, static_cast<std::uint32_t>(value.bits));
+        if (const auto names = OGL::bitNames(call.function->name, static_cast<unsigned int>(index));
+            !names.empty())
+            return constants.appendBits(line, names, static_cast<std::uint32_t>(value.bits));
         return appendNumber(line, value.bits);
     }
 }

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "capture/CaptureFile.h"
+#include "extensionator/ConstantNames.h"
 
 #include <cstdint>
 #include <map>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -33,19 +35,14 @@ public:
     void use(std::string_view name, std::uint32_t value);
     /// "GL_TEXTURE_2D"; a number that is no constant's as "0x1234".
     void append(std::string& to, std::uint32_t value);
-    /// What names a primitive: "GL_TRIANGLES".
-    void appendPrimitive(std::string& to, std::uint32_t value);
-    /// The parameter of this name of the function is a constant, a set of bits or one of a small family.
-    void append(std::string& to, const Function& function, const Parameter& parameter, std::uint32_t value);
-    void appendBits(std::string& to, std::string_view function, std::uint32_t value);
+    /// The same, as an argument of the function; `parameter` is its place.
+    void append(std::string& to, const Function& function, std::size_t parameter, std::uint32_t value);
+    void appendBits(std::string& to, std::span<const OGL::NamedConstant> names, std::uint32_t value);
 
 private:
+    void append(std::string& to, const char* name, std::uint32_t value);
+
     UsedConstants& used_;
 };
-
-/// Whether the parameter is a set of bits.
-bool isBits(const Function& function, const Parameter& parameter);
-/// Whether the values of this parameter of glTexParameteri and the like are constants.
-bool hasConstants(std::uint32_t name);
 
 } // namespace ZLT::Capture
