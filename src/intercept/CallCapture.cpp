@@ -126,6 +126,8 @@ void captureSwap(std::uint64_t surface) {
     }
 }
 
+void captureCalls(const std::function<void(OGL::OpenGLInterceptor&)>& work) { captured(work); }
+
 void captureTexels(unsigned int target, const char* what, const void* returnAddress) {
     captured([&](Capture::OpenGLCapture& layer) {
         layer.texelsGiven(siteFile, siteOf(returnAddress), target, what);

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 
 /// @file
 /// The capture of a foreign program: what its threads and contexts do, into the channel. Each function does
@@ -23,6 +24,8 @@ void captureCurrent(std::uint64_t draw, std::uint64_t read, void* display, bool 
 void captureDestroyed(void* context);
 /// Before the surface is swapped; 0 for the current one.
 void captureSwap(std::uint64_t surface);
+/// Does `work` with calls that the capture has as the program's; not where no capture is wanted.
+void captureCalls(const std::function<void(OGL::OpenGLInterceptor&)>& work);
 /// The window system gave pixels to the texture that is bound to a target of GL, for the program that called
 /// from `returnAddress`. `what` is told where they can't be captured.
 void captureTexels(unsigned int target, const char* what, const void* returnAddress);

@@ -1,10 +1,11 @@
 #include "intercept/linux/Fonts.h"
 
+#include "extensionator/OpenGLInterceptor.h"
+#include "intercept/Sites.h"
 #include "intercept/Thread.h"
 #include "intercept/linux/RealLoader.h"
+#include "platform/GL.h"
 
-#define GL_GLEXT_PROTOTYPES
-#include <GL/gl.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 
@@ -100,7 +101,8 @@ private:
 
 } // namespace
 
-bool makeFontLists(Font font, int first, int count, int list) {
+bool makeFontLists(OGL::OpenGLInterceptor& gl, std::uint32_t site, Font font, int first, int count,
+                   int list) {
     static const Xlib xlib;
     auto* const display = static_cast<Display*>(thread.display);
     if (!xlib.isWhole || !display || thread.isEgl)
@@ -109,26 +111,27 @@ bool makeFontLists(Font font, int first, int count, int list) {
     if (!known)
         return false;
     const Glyphs glyphs(xlib, display, DefaultRootWindow(display), font);
-    glPushClientAttrib(GL_CLIENT_PIXEL_STORE_BIT);
+    gl.cgmPushClientAttrib(siteFile, site, GL_CLIENT_PIXEL_STORE_BIT);
     for (const GLenum name : {GL_UNPACK_SWAP_BYTES, GL_UNPACK_LSB_FIRST, GL_UNPACK_ROW_LENGTH,
                               GL_UNPACK_SKIP_ROWS, GL_UNPACK_SKIP_PIXELS})
-        glPixelStorei(name, 0);
-    glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
+        gl.cgmPixelStorei(siteFile, site, name, 0);
+    gl.cgmPixelStorei(siteFile, site, GL_UNPACK_ALIGNMENT, 1);
     for (int i = 0; i < count; ++i) {
         const auto character = static_cast<unsigned int>(first + i);
         const XCharStruct* const metrics = metricsOf(*known, character);
-        glNewList(static_cast<GLuint>(list + i), GL_COMPILE);
+        gl.cgmNewList(siteFile, site, static_cast<GLuint>(list + i), GL_COMPILE);
         if (!metrics)
-            glBitmap(0, 0, 0, 0, 0, 0, nullptr);
+            gl.cgmBitmap(siteFile, site, 0, 0, 0, 0, 0, 0, nullptr);
         else if (metrics->rbearing <= metrics->lbearing || metrics->ascent + metrics->descent <= 0)
-            glBitmap(0, 0, 0, 0, metrics->width, 0, nullptr);
+            gl.cgmBitmap(siteFile, site, 0, 0, 0, 0, metrics->width, 0, nullptr);
         else // the base line is where Mesa has it
-            glBitmap(metrics->rbearing - metrics->lbearing, metrics->ascent + metrics->descent,
-                     static_cast<GLfloat>(-metrics->lbearing), static_cast<GLfloat>(metrics->descent - 1),
-                     metrics->width, 0, glyphs.bitmap(character, *metrics).data());
-        glEndList();
+            gl.cgmBitmap(siteFile, site, metrics->rbearing - metrics->lbearing,
+                         metrics->ascent + metrics->descent, static_cast<GLfloat>(-metrics->lbearing),
+                         static_cast<GLfloat>(metrics->descent - 1), metrics->width, 0,
+                         glyphs.bitmap(character, *metrics).data());
+        gl.cgmEndList(siteFile, site);
     }
-    glPopClientAttrib();
+    gl.cgmPopClientAttrib(siteFile, site);
     xlib.freeFontInfo(nullptr, known, 1);
     return true;
 }

@@ -145,7 +145,12 @@ ZLT_INTERCEPTED void glXCopyContext(Display* display, GLXContext from, GLXContex
 }
 
 ZLT_INTERCEPTED void glXUseXFont(Font font, int first, int count, int list) {
-    if (isCaptured() && makeFontLists(font, first, count, list))
+    const void* const caller = __builtin_return_address(0);
+    bool isMade = false;
+    captureCalls([&](ZLT::OGL::OpenGLInterceptor& gl) {
+        isMade = makeFontLists(gl, siteOf(caller), font, first, count, list);
+    });
+    if (isMade)
         return;
     const Inside driver;
     ZLT_REAL(glXUseXFont)(font, first, count, list);
