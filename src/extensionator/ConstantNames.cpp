@@ -153,7 +153,8 @@ bool isConstant(std::string_view function, unsigned int parameter, std::uint32_t
     for (const std::string_view image : images)
         if (function.starts_with(image)) // up to 4 it is a number of components
             return parameter == (image == images[0] ? 2 : 3) && value > 4;
-    constexpr std::string_view setters[] = {"Parameter", "TexEnv", "TexGen", "glFog", "glLightModel"};
+    constexpr std::string_view setters[] = {
+        "TexParameter", "TextureParameter", "PointParameter", "TexEnv", "TexGen", "glFog", "glLightModel"};
     return parameter > 0 && hasConstants(before) && std::ranges::any_of(setters, [&](std::string_view one) {
                return function.find(one) != std::string_view::npos;
            });

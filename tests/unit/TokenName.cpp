@@ -111,6 +111,8 @@ TEST(ConstantNamesTest, aReaderIsToldTheMeaningOfTheArgument) {
               readable("glTexParameteri", {GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP}));
     EXPECT_EQ("GL_TEXTURE_2D, GL_TEXTURE_BASE_LEVEL, 1024",
               readable("glTexParameteri", {GL_TEXTURE_2D, GL_TEXTURE_BASE_LEVEL, 1024}));
+    EXPECT_EQ("GL_VERTEX_PROGRAM_ARB, 0, 10242, 9729, 0, 0",
+              readable("glProgramEnvParameterI4iNV", {GL_VERTEX_PROGRAM_NV, 0, 0x2802, 9729, 0, 0}));
     const void* const nothing = nullptr;
     EXPECT_EQ("GL_TEXTURE_2D, 0, GL_RGB, 4, 4, 0, GL_RGB, GL_FLOAT, null",
               readable("glTexImage2D", {GL_TEXTURE_2D, 0, GL_RGB, 4, 4, 0, GL_RGB, GL_FLOAT, nothing}));
