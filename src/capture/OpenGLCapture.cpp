@@ -49,6 +49,13 @@ void OpenGLCapture::contextChanged() {
 }
 
 void OpenGLCapture::contextDestroyed(void* context) {
+    {
+        const std::lock_guard guard(shared_->lock);
+        if (!shared_->contexts.contains(context))
+            return;
+    }
+    // While it is known: the thread may have made it current anew, and called nothing since.
+    CaptureState& state = stateOf(*shared_);
     std::uint32_t number = 0;
     {
         const std::lock_guard guard(shared_->lock);
@@ -58,7 +65,7 @@ void OpenGLCapture::contextDestroyed(void* context) {
         }
     }
     if (number != 0)
-        stateOf(*shared_).send(EventRecord(Event::Destroyed).value(number));
+        state.send(EventRecord(Event::Destroyed).value(number));
 }
 
 void OpenGLCapture::contextsShare(void* first, void* second) {

@@ -88,6 +88,13 @@ TEST_P(ToolkitsTest, isPlayedEqual) {
     const Result played = run(replay + Words{file}, 60s);
     EXPECT_EQ(0, played.status) << played.err;
     EXPECT_NE(std::string::npos, played.out.find(": equal")) << played.out;
+    // None is made anew while it goes.
+    const std::string calls = run({COMMAND, "dump", file}).out;
+    int contexts = 0;
+    for (std::size_t at = 0; (at = calls.find("// Context(", at)) != std::string::npos; ++at)
+        ++contexts;
+    EXPECT_NE(std::string::npos, captured.err.find(", " + std::to_string(contexts) + " context"))
+        << contexts << " in the capture, " << captured.err;
 }
 
 INSTANTIATE_TEST_SUITE_P(, ToolkitsTest, testing::Values("freeglut", "sdl", "glfw", "glew", "epoxy"),
